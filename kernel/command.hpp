@@ -1,0 +1,44 @@
+// One row a command: dispatch, `help`, `index` and the tests of the table are all made from it.
+#pragma once
+
+#include <array>
+#include <span>
+#include <string_view>
+
+namespace quelor {
+
+struct Command {
+    std::array<std::string_view, 3> words; ///< the word, then its aliases; unused entries empty
+    void (*run)(std::string_view word);    ///< gets the word typed
+    std::string_view summary;              ///< its line in `index`
+    std::string_view help;                 ///< its text in `help`
+};
+
+/// A dispatch table: the families of rows of one dispatcher, its index topic and heading.
+struct CommandTable {
+    std::string_view name;    ///< "mat_cmd"
+    std::string_view topic;   ///< "matrix"
+    std::string_view heading; ///< "      MATRIX COMMANDS"
+    std::span<std::span<const Command> (*const)()> families;
+    std::span<const std::string_view> planned; ///< words of the chain not built yet
+};
+
+// The nine tables; each is defined in the file of its name.
+const CommandTable& quelorzt_cmd();
+const CommandTable& util_cmd();
+const CommandTable& db_cmd();
+const CommandTable& mat_cmd();
+const CommandTable& func_cmd();
+const CommandTable& fem_cmd();
+const CommandTable& fe_elm_cmd();
+const CommandTable& misc_cmd();
+const CommandTable& loop_cmd();
+
+/// The tables in their fixed order of dispatch.
+std::span<const CommandTable* const> command_chain();
+/// The row that claims the word; null when none does.
+const Command* find_command(std::span<const CommandTable* const> chain, std::string_view word);
+/// True when the word belongs to a command that is not built yet.
+bool is_planned(std::span<const CommandTable* const> chain, std::string_view word);
+
+} // namespace quelor

@@ -1,0 +1,37 @@
+// The project: its name, output and log files, and the ways out of the program.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace quelor {
+
+/// Name of the current project, at most 127 characters; the stem of every file.
+std::string_view project_name();
+void set_project_name(std::string_view name); // for tests and new_project
+
+/// Fatal path: saves the database, says so on the screen, waits for RETURN and stops.
+[[noreturn]] void shutdown();
+/// Closes everything and stops; `wait` asks for RETURN first.
+[[noreturn]] void final_exit(bool wait);
+
+/// Log of console lines.
+void log_line(std::string_view line);
+bool log_is_open();
+bool log_on();
+void set_log_on(bool on);
+bool open_log();
+void close_log();
+
+void start_clock();
+double cpu_seconds(); ///< since the start of the program
+
+/// Writes the database to "<name>.db"; false when the file could not be written whole. The earlier
+/// file stays when the new one fails.
+bool db_save(std::string_view name);
+/// Adds the arrays of "<name>.db"; false when it cannot be opened or is damaged.
+bool db_read(std::string_view name);
+/// Long listing of the whole database on both units, as printed on a fatal path.
+void list_database();
+
+} // namespace quelor
