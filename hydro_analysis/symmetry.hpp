@@ -1,16 +1,18 @@
-// Composite source symmetry: the mesh covers a half or a quarter of the structure, and every quantity
-// splits into classes that are even or odd under the reflections.
+// Composite source symmetry: the mesh covers a half or a quarter of the structure, and every
+// quantity splits into classes that are even or odd under the reflections.
 //
 // Images of a point of the mesh: single symmetry 1 (x, y), 2 (x, -y); double symmetry 1 (x, y),
 // 2 (-x, y), 3 (-x, -y), 4 (x, -y). A class sum is the sum over the images m of
-// class_sign(symmetry, k, m) times the image's value; the number of classes is that of the images, and
-// the inverse is image m = sum over k of class_sign(symmetry, k, m) class k / number of images.
+// class_sign(symmetry, k, m) times the image's value; the number of classes is that of the images,
+// and the inverse is image m = sum over k of class_sign(symmetry, k, m) class k / number of images.
 #pragma once
 
 namespace quelor {
 
 /// Number of images of a panel, itself included, and of symmetry classes.
-constexpr int image_count(int symmetry) { return symmetry == 0 ? 1 : symmetry == 1 ? 2 : 4; }
+constexpr int image_count(int symmetry) {
+    return symmetry == 0 ? 1 : symmetry == 1 ? 2 : 4;
+}
 
 /// Sign of the x coordinate of image m.
 constexpr double image_sign_x(int symmetry, int m) {

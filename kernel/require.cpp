@@ -1,0 +1,47 @@
+#include "kernel/require.hpp"
+
+#include "kernel/project.hpp"
+#include "kernel/utilities.hpp"
+
+#include <string>
+
+namespace quelor {
+
+namespace {
+
+bool has_shape(const ArrayRef& ref, std::initializer_list<int> dims) {
+    int i = 0;
+    for (const int wanted : dims) {
+        ++i;
+        if (wanted != any_size && ref.dim(i) != wanted) return false;
+    }
+    for (++i; i <= ref.ndim(); ++i)
+        if (ref.dim(i) != 1) return false;
+    return true;
+}
+
+} // namespace
+
+ArrayRef require_array(std::string_view name, TypeCode type, std::initializer_list<int> dims) {
+    const ArrayRef ref = find_array(name);
+    if (!ref) {
+        not_found(name);
+        shutdown();
+    }
+    if (ref.type != type || !has_shape(ref, dims)) {
+        print_both(" \n\tArray " + std::string(name) + " is of the wrong type or size\n");
+        shutdown();
+    }
+    return ref;
+}
+
+std::int32_t require_int(std::string_view name) {
+    return *static_cast<const std::int32_t*>(
+        require_array(name, type_integer, {any_size, any_size}).data);
+}
+
+double require_real(std::string_view name) {
+    return *static_cast<const double*>(require_array(name, type_real, {any_size, any_size}).data);
+}
+
+} // namespace quelor
