@@ -59,7 +59,7 @@ private:
 /// through `Format::from_text`, whose `error()` is empty when it is well formed.
 class Format {
 public:
-    consteval Format(const char* literal);
+    consteval Format(const char* literal) : text_(literal) {}
     static Format from_text(std::string_view text);
     std::string_view text() const { return text_; }
     std::string_view error() const { return error_; }

@@ -31,6 +31,11 @@ struct Shape {
 };
 Shape rc_to_dims(int r, int c);
 
+/// The nearest integer, halves away from zero, and the truncation toward zero; beyond the range of
+/// 32 bits the nearest bound, 0 for not-a-number.
+std::int32_t nearest_int(double x);
+std::int32_t truncated_int(double x);
+
 /// Message through the word-wrapping printer, on the screen and then the output file.
 void print_both(std::string_view text);
 /// The same on the screen only.
