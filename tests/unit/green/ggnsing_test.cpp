@@ -1,0 +1,245 @@
+// The Rankine integrals against quadrature, closed forms and the flux through a closed surface.
+#include "green/ggnsing.hpp"
+
+#include <cmath>
+#include <functional>
+#include <gtest/gtest.h>
+#include <numbers>
+#include <random>
+#include <vector>
+
+using namespace quelor;
+
+namespace {
+
+constexpr double pi = std::numbers::pi;
+using Function = std::function<double(double)>;
+
+// Adaptive integration: 7 Gauss points on the whole against the two halves.
+double gauss(const Function& f, double a, double b) {
+    constexpr double node[] = {0, 0.4058451513773971669, 0.7415311855993944398,
+                               0.9491079123427585245};
+    constexpr double weight[] = {0.4179591836734693878, 0.3818300505051189449,
+                                 0.2797053914892766679, 0.1294849661688696933};
+    const double c = (a + b) / 2, h = (b - a) / 2;
+    double sum = weight[0] * f(c);
+    for (int k = 1; k < 4; ++k)
+        sum += weight[k] * (f(c - h * node[k]) + f(c + h * node[k]));
+    return sum * h;
+}
+double integrate(const Function& f, double a, double b, double tolerance, double whole, int depth) {
+    const double c = (a + b) / 2;
+    const double left = gauss(f, a, c), right = gauss(f, c, b);
+    if (depth == 0 || std::abs(left + right - whole) < tolerance) return left + right;
+    return integrate(f, a, c, tolerance, left, depth - 1) +
+           integrate(f, c, b, tolerance, right, depth - 1);
+}
+double integrate(const Function& f, double tolerance) {
+    return integrate(f, 0, 1, tolerance, gauss(f, 0, 1), 45);
+}
+
+using Corners = std::array<GreenPoint, 4>;
+
+// Panel in the plane z = 0 turned into space by a rotation about two axes.
+GreenPoint turned(double x, double y, double z) {
+    const double a = 0.7, b = -1.1;
+    const double x1 = std::cos(a) * x - std::sin(a) * y, y1 = std::sin(a) * x + std::cos(a) * y;
+    return {std::cos(b) * x1 + std::sin(b) * z + 0.3, y1 - 0.2,
+            -std::sin(b) * x1 + std::cos(b) * z - 2};
+}
+
+struct Plane {
+    double x, y;
+};
+
+// Integrals of 1/r and of the gradient's components in the frame of the panel for the point
+// (px, py, pz) over the panel z = 0, by iterated integration over the triangles between the foot of
+// the point and each edge. In the plane the components along the panel are line integrals instead.
+struct Quadrature {
+    std::vector<Plane> corner;
+    double px, py, pz;
+
+    double over_panel(const std::function<double(double, double, double)>& f, double tol) const {
+        double sum = 0;
+        for (std::size_t k = 0; k < corner.size(); ++k) {
+            const Plane a = {corner[k].x - px, corner[k].y - py};
+            const Plane b = {corner[(k + 1) % corner.size()].x - px,
+                             corner[(k + 1) % corner.size()].y - py};
+            const double twice_area = a.x * b.y - a.y * b.x;
+            if (std::abs(twice_area) < 1e-15) continue;
+            const auto inner = [&](double v) {
+                const double x = a.x + v * (b.x - a.x), y = a.y + v * (b.y - a.y);
+                return integrate(
+                    [&](double u) {
+                        return u * f(u * x, u * y, std::sqrt(u * u * (x * x + y * y) + pz * pz));
+                    },
+                    tol / 10 / (1 + std::abs(twice_area)));
+            };
+            sum += twice_area * integrate(inner, tol / std::abs(twice_area));
+        }
+        return sum;
+    }
+    RankineIntegral integrals() const {
+        RankineIntegral q;
+        q.value = over_panel([](double, double, double r) { return 1 / r; }, 1e-13);
+        if (pz != 0) {
+            q.z = over_panel([&](double, double, double r) { return -pz / (r * r * r); }, 1e-12);
+        }
+        for (std::size_t k = 0; k < corner.size(); ++k) {
+            const Plane a = corner[k], b = corner[(k + 1) % corner.size()];
+            const double line = integrate(
+                [&](double v) {
+                    return 1 /
+                           std::hypot(a.x + v * (b.x - a.x) - px, a.y + v * (b.y - a.y) - py, pz);
+                },
+                1e-13);
+            q.x -= (b.y - a.y) * line;
+            q.y += (b.x - a.x) * line;
+        }
+        return q;
+    }
+};
+
+const std::vector<Plane> quadrilateral = {{-0.6, -0.4}, {0.5, -0.5}, {0.7, 0.4}, {-0.4, 0.6}};
+const std::vector<Plane> triangle = {{-0.5, -0.3}, {0.6, -0.2}, {0.1, 0.7}};
+const std::vector<Plane> sliver = {{-1.0, -0.01}, {1.0, -0.02}, {1.0, 0.01}, {-1.0, 0.01}};
+
+FlatPanel in_space(const std::vector<Plane>& c) {
+    Corners corners;
+    for (std::size_t k = 0; k < 4; ++k) {
+        const Plane& p = c[std::min(k, c.size() - 1)];
+        corners[k] = turned(p.x, p.y, 0);
+    }
+    return flat_panel(corners, c.size() == 3);
+}
+
+void compare(const std::vector<Plane>& c, double x, double y, double z, bool gradient_in_plane) {
+    const RankineIntegral exact = ggnsing(turned(x, y, z), in_space(c));
+    const RankineIntegral q = Quadrature{c, x, y, z}.integrals();
+    const GreenPoint o = turned(0, 0, 0), e1 = turned(1, 0, 0), e2 = turned(0, 1, 0),
+                     e3 = turned(0, 0, 1);
+    const auto along = [&](const GreenPoint& e) {
+        return exact.x * (e.x - o.x) + exact.y * (e.y - o.y) + exact.z * (e.z - o.z);
+    };
+    const double scale = std::hypot(q.x, q.y, q.z);
+    SCOPED_TRACE(testing::Message() << "point " << x << " " << y << " " << z);
+    EXPECT_NEAR(exact.value, q.value, 1e-10 * q.value);
+    if (z != 0) {
+        EXPECT_NEAR(along(e3), q.z, 1e-10 * scale);
+    }
+    if (!gradient_in_plane) return;
+    EXPECT_NEAR(along(e1), q.x, 1e-10 * scale);
+    EXPECT_NEAR(along(e2), q.y, 1e-10 * scale);
+}
+
+} // namespace
+
+TEST(RankineIntegral, agrees_with_quadrature_near_and_far) {
+    const double points[][3] = {{0.1, 0.2, 0.4},     {0.1, 0.2, -0.01}, {0.3, -0.1, 1e-4},
+                                {0.9, 0.3, 0.05},    {-2, 1.5, -0.7},   {0.5, -0.5, 0.02},
+                                {0.05, -0.46, 1e-3}, {30, -20, 15},     {0, 0, 300}};
+    for (const auto* panel : {&quadrilateral, &triangle, &sliver}) {
+        for (const auto& p : points)
+            compare(*panel, p[0], p[1], p[2], true);
+    }
+}
+
+TEST(RankineIntegral, agrees_with_quadrature_in_the_plane) {
+    for (const auto* panel : {&quadrilateral, &triangle, &sliver}) {
+        for (const auto& p : {Plane{0.1, 0.2}, {0, 0}, {0.9, 0.3}, {-3, 0.1}, {0.2, 0.0099}}) {
+            compare(*panel, p.x, p.y, 0, true);
+        }
+    }
+}
+
+// On a border the gradient along the panel is infinite and only the integral itself has a limit.
+TEST(RankineIntegral, has_its_limits_on_edges_and_corners) {
+    for (const auto* panel : {&quadrilateral, &triangle}) {
+        const Plane a = (*panel)[0], b = (*panel)[1];
+        const FlatPanel flat = in_space(*panel);
+        for (const double t : {0.0, 0.3, 1.0, 1.7}) {
+            const Plane p = {a.x + t * (b.x - a.x), a.y + t * (b.y - a.y)};
+            compare(*panel, p.x, p.y, 0, t > 1);
+            const RankineIntegral on = ggnsing(turned(p.x, p.y, 0), flat);
+            const RankineIntegral by = ggnsing(turned(p.x, p.y, 1e-10), flat);
+            EXPECT_NEAR(on.value, by.value, 1e-8) << "continuous with slope 2 pi log";
+            EXPECT_TRUE(std::isfinite(on.x) && std::isfinite(on.y) && std::isfinite(on.z));
+        }
+    }
+}
+
+TEST(RankineIntegral, has_the_closed_form_at_the_centre_of_a_square) {
+    const FlatPanel square = flat_panel({{{0, 0, -1}, {0, 2, -1}, {2, 2, -1}, {2, 0, -1}}}, false);
+    const RankineIntegral self = ggnsing({1, 1, -1}, square);
+    EXPECT_NEAR(self.value, 8 * std::log(1 + std::sqrt(2.0)), 1e-14);
+    EXPECT_EQ(square.normal.z, -1);
+    EXPECT_EQ(self.z, -2 * pi) << "the fluid lies above: normal derivative + 2 pi";
+    EXPECT_NEAR(ggnsing({1, 1, -1 + 1e-7}, square).z, -2 * pi, 1e-6) << "from the fluid";
+    EXPECT_NEAR(ggnsing({1, 1, -1 - 1e-7}, square).z, 2 * pi, 1e-6) << "from the body";
+    EXPECT_EQ(ggnsing({2.1, 1, -1}, square).z, 0);
+}
+
+// Solid angles add up to 4 pi within a closed surface and to 0 outside, whatever the panels.
+TEST(RankineIntegral, gives_the_flux_through_a_closed_box) {
+    const GreenPoint v[] = {{0, 0, 0},   {1.5, 0, 0},   {1.5, 1, 0},   {0, 1, 0},
+                            {0, 0, 0.7}, {1.5, 0, 0.7}, {1.5, 1, 0.7}, {0, 1, 0.7}};
+    const int faces[][4] = {{0, 1, 2, 3}, {4, 7, 6, 5}, {0, 4, 5, 1},
+                            {1, 5, 6, 2}, {2, 6, 7, 3}, {3, 7, 4, 0}};
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> uniform(-0.6, 0.6);
+    for (int trial = 0; trial < 50; ++trial) {
+        const GreenPoint p = {0.75 + 2 * uniform(random), 0.5 + 2 * uniform(random),
+                              0.35 + uniform(random)};
+        const bool inside = p.x > 0 && p.x < 1.5 && p.y > 0 && p.y < 1 && p.z > 0 && p.z < 0.7;
+        double flux = 0;
+        for (const auto& f : faces) {
+            for (const auto& corners : {Corners{v[f[0]], v[f[1]], v[f[2]], v[f[2]]},
+                                        Corners{v[f[0]], v[f[2]], v[f[3]], v[f[3]]}}) {
+                const FlatPanel panel = flat_panel(corners, true);
+                const RankineIntegral i = ggnsing(p, panel);
+                flux += i.x * panel.normal.x + i.y * panel.normal.y + i.z * panel.normal.z;
+            }
+        }
+        EXPECT_NEAR(std::abs(flux), inside ? 4 * pi : 0, 1e-12);
+    }
+}
+
+TEST(RankineIntegral, of_an_image_is_that_of_the_mirrored_corners) {
+    const Corners corners = {
+        {{0.2, 0.1, -0.4}, {0.2, 0.9, -0.4}, {1.0, 0.9, -0.1}, {1.0, 0.1, -0.1}}};
+    const FlatPanel panel = flat_panel(corners, false);
+    const GreenPoint p = {0.4, -0.3, -0.5};
+    for (const PanelImage image : {PanelImage{1, -1, 1, 0}, {-1, 1, -1, 0}, {-1, -1, -1, 3.0}}) {
+        Corners mirrored = corners;
+        for (auto& c : mirrored) {
+            c = {image.sign_x * c.x, image.sign_y * c.y, image.sign * c.z - image.shift};
+        }
+        const RankineIntegral a = ggnsing(p, panel, image),
+                              b = ggnsing(p, flat_panel(mirrored, false));
+        EXPECT_NEAR(a.value, b.value, 1e-14);
+        EXPECT_NEAR(a.x, b.x, 1e-14);
+        EXPECT_NEAR(a.y, b.y, 1e-14);
+        EXPECT_NEAR(a.z, b.z, 1e-14);
+    }
+}
+
+TEST(RankineIntegral, of_a_panel_in_a_mirror_plane_keeps_the_limit_from_the_fluid) {
+    const FlatPanel lid = flat_panel({{{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}}, false);
+    EXPECT_EQ(lid.normal.z, 1);
+    EXPECT_EQ(ggnsing({0.5, 0.5, 0}, lid).z, 2 * pi);
+    EXPECT_EQ(ggnsing({0.5, 0.5, 0}, lid, {1, 1, -1, 0}).z, 2 * pi);
+    const FlatPanel wall = flat_panel({{{0, 0, 0}, {0, 0, -1}, {1, 0, -1}, {1, 0, 0}}}, false);
+    EXPECT_EQ(ggnsing({0.5, 0, -0.5}, wall, {1, -1, 1, 0}).y, 2 * pi * wall.normal.y);
+}
+
+TEST(RankineTerms, are_exact_within_the_length_and_concentrated_beyond) {
+    const FlatPanel panel = flat_panel({{{0, 0, -1}, {0, 1, -1}, {1, 1, -1}, {1, 0, -1}}}, false);
+    const GreenPoint p = {0.5, 0.5, -0.5}; // 0.5, 1.5 and 4.5 from the three centroids
+    const RankineSource source = {panel, {0.5, 0.5, -1}, 1.0, 1.5};
+    const RankineIntegral sum = rankine_terms(p, source, 1, 1, 3);
+    const RankineIntegral direct = ggnsing(p, panel), surface = ggnsing(p, panel, {1, 1, -1, 0});
+    EXPECT_NEAR(sum.value, direct.value + surface.value + 1 / 4.5, 1e-14);
+    EXPECT_NEAR(sum.z, direct.z + surface.z - 1 / (4.5 * 4.5), 1e-14);
+    EXPECT_LT(direct.z, 0);
+    EXPECT_GT(surface.z, 0);
+}
