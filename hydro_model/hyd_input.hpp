@@ -61,6 +61,7 @@ int hyd_mode_count();
 /// waven with the warning on both units when the iteration does not converge.
 WaveNumber hyd_wave_number(double omega, double depth, double grav);
 
-std::span<const Command> hyd_input_rows();
+std::span<const Command> hyd_input_rows(); // hyd_input.cpp
+std::span<const Command> hyd_wave_rows();  // hyd_wave.cpp
 
 } // namespace quelor

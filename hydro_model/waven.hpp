@@ -13,7 +13,7 @@ struct WaveNumber {
 /// k = knu, to a relative step of 1e-12.
 /// omega  in  wave frequency, rad/s;  depth  in  water depth; not above 0 means deep water, k = knu
 /// grav   in  acceleration of gravity, length/s^2
-/// Source: [Newman 1977, eq. 6.17]
+/// Source: [Newman 1977, sec. 6.2]
 WaveNumber waven(double omega, double depth, double grav);
 
 } // namespace quelor
