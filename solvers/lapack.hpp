@@ -1,0 +1,26 @@
+// The LAPACK routines that are called, by their Fortran symbols: every argument by address, the
+// lengths of character arguments last. Matrices are column-major, integers have 32 bits.
+#pragma once
+
+#include <complex>
+#include <cstddef>
+#include <cstdint>
+
+extern "C" {
+
+// a = P L U in place; info = k > 0: pivot k is exactly zero.
+void cgetrf_(const std::int32_t* m, const std::int32_t* n, std::complex<float>* a,
+             const std::int32_t* lda, std::int32_t* ipiv, std::int32_t* info);
+void zgetrf_(const std::int32_t* m, const std::int32_t* n, std::complex<double>* a,
+             const std::int32_t* lda, std::int32_t* ipiv, std::int32_t* info);
+
+// b := a^-1 b by the factors of cgetrf, zgetrf.
+void cgetrs_(const char* trans, const std::int32_t* n, const std::int32_t* nrhs,
+             const std::complex<float>* a, const std::int32_t* lda, const std::int32_t* ipiv,
+             std::complex<float>* b, const std::int32_t* ldb, std::int32_t* info,
+             std::size_t trans_length);
+void zgetrs_(const char* trans, const std::int32_t* n, const std::int32_t* nrhs,
+             const std::complex<double>* a, const std::int32_t* lda, const std::int32_t* ipiv,
+             std::complex<double>* b, const std::int32_t* ldb, std::int32_t* info,
+             std::size_t trans_length);
+}
