@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <type_traits>
 
 namespace quelor {
 
@@ -50,6 +51,11 @@ template <class T> struct Matrix {
         return {data, static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols)};
     }
     explicit operator bool() const { return data != nullptr; }
+    operator Matrix<const T>() const
+        requires(!std::is_const_v<T>)
+    {
+        return {data, rows, cols};
+    }
 };
 
 /// View of a three-dimensional array, third index outermost.
@@ -63,6 +69,11 @@ template <class T> struct Array3 {
     }
     Matrix<T> slice(int k) const { return {&(*this)(1, 1, k), n1, n2}; }
     explicit operator bool() const { return data != nullptr; }
+    operator Array3<const T>() const
+        requires(!std::is_const_v<T>)
+    {
+        return {data, n1, n2, n3};
+    }
 };
 
 } // namespace quelor
