@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <initializer_list>
 #include <span>
 #include <string_view>
 
@@ -14,12 +15,20 @@ struct Command {
     std::string_view help;                 ///< its text in `help`
 };
 
+/// The rows of one family of commands.
+using Family = std::span<const Command> (*)();
+
+/// A list that may be empty, as the member of a table: `list_of(families)`.
+template <class T> constexpr std::span<const T> list_of(const std::initializer_list<T>& list) {
+    return {list.begin(), list.size()};
+}
+
 /// A dispatch table: the families of rows of one dispatcher, its index topic and heading.
 struct CommandTable {
     std::string_view name;    ///< "mat_cmd"
     std::string_view topic;   ///< "matrix"
     std::string_view heading; ///< "      MATRIX COMMANDS"
-    std::span<std::span<const Command> (*const)()> families;
+    std::span<const Family> families;
     std::span<const std::string_view> planned; ///< words of the chain not built yet
 };
 
@@ -36,7 +45,7 @@ const CommandTable& loop_cmd();
 
 /// The tables in their fixed order of dispatch.
 std::span<const CommandTable* const> command_chain();
-/// The row that claims the word; null when none does.
+/// The row that claims the word; null when none does. `chain` holds tables of `command_chain`.
 const Command* find_command(std::span<const CommandTable* const> chain, std::string_view word);
 /// True when the word belongs to a command that is not built yet.
 bool is_planned(std::span<const CommandTable* const> chain, std::string_view word);

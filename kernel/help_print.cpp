@@ -76,4 +76,14 @@ int wrap_print(int unit, std::string_view text, int& line_count, int page_length
     return pager.quit ? 1 : 0;
 }
 
+int print_lines(int unit, std::string_view text, int& line_count, int page_length) {
+    Pager pager{unit, line_count, page_length};
+    while (!text.empty() && !pager.quit) {
+        const auto end = std::min(text.find('\n'), text.size());
+        pager.line(std::string(text.substr(0, end)));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return pager.quit ? 1 : 0;
+}
+
 } // namespace quelor

@@ -10,5 +10,7 @@ namespace quelor {
 /// since the last stop) reaches `page_length`, the user is asked whether to go on.
 /// Returns 1 when the user quits, otherwise 0. A page length below 1 prints nothing.
 int wrap_print(int unit, std::string_view text, int& line_count, int page_length);
+/// The same for lines that stand as they are, each ended by a newline.
+int print_lines(int unit, std::string_view text, int& line_count, int page_length);
 
 } // namespace quelor

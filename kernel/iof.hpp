@@ -9,24 +9,44 @@ namespace quelor {
 
 inline constexpr int input_levels = 30;
 
-/// Pushes a file; returns the new depth, 0 on failure.
+/// Pushes a file; returns the new depth, 0 on failure (a message only when the stack is full).
 int open_input_file(std::string_view name, bool echo);
 int input_depth();
 bool input_is_console();
+/// Whether records of the current file are shown on the screen; false for the console.
 bool input_echo();
-/// One line of the current source without its end. A file that has ended gives "return"; the
-/// console at end of input ends the program through the final exit.
+/// One line of the current source without its end, cut at its first NUL and at 2053 bytes (the
+/// rest of a longer line is dropped). A file that has ended gives "return"; the console at end of
+/// input ends the program through the final exit.
 struct InputLine {
     std::string text;
     bool from_console = false;
 };
 InputLine read_input_line(std::string_view prompt, bool prompt_written);
+/// True when the current file has ended and has already given its closing "return": whoever reads
+/// on regardless of the words read (a block, a loop body) has to stop.
+bool input_has_ended();
 /// Raw line for the project name and RETURN waits: from the current file or the console, unlogged;
 /// false at end of input.
 bool read_raw_line(std::string& line);
 void pop_input();
+/// `return`: leaves the current file; after a replayed log the log is opened again.
+void return_from_input();
+/// Closes every file above the first `level` ones.
 void close_inputs_from(int level);
+/// Back to the first line of the loop file, or failing that of the current file.
 bool rewind_input();
 void close_all_inputs();
+
+// The loop file "<project>.LuP": first written, then read again and again as an input file while
+// the log is set aside, then deleted.
+
+bool create_loop_file();
+void write_loop_record(std::string_view record);
+/// Ends the writing and makes the file the current input.
+bool replay_loop_file();
+bool loop_file_is_read();
+/// Drops the loop file with whatever was opened above it, and sets log and record echo back.
+void discard_loop_file();
 
 } // namespace quelor

@@ -10,6 +10,10 @@ namespace quelor {
 std::string_view project_name();
 void set_project_name(std::string_view name); // for tests and new_project
 
+/// Starts a project: empties the database, asks for the name, opens the log and the output file. A
+/// failure ends the program.
+void new_project();
+
 /// Fatal path: saves the database, says so on the screen, waits for RETURN and stops.
 [[noreturn]] void shutdown();
 /// Closes everything and stops; `wait` asks for RETURN first.
@@ -20,15 +24,22 @@ void log_line(std::string_view line);
 bool log_is_open();
 bool log_on();
 void set_log_on(bool on);
-bool open_log();
+bool open_log(); ///< "<project>.log", to be added to
 void close_log();
+std::string log_name();
 
 void start_clock();
 double cpu_seconds(); ///< since the start of the program
 
+/// Prints the program's title on a unit.
+void print_banner(int unit);
+inline constexpr std::string_view system_version = "24.0";
+
 /// Writes the database to "<name>.db"; false when the file could not be written whole. The earlier
 /// file stays when the new one fails.
 bool db_save(std::string_view name);
+/// Saves to "<name>.db" and says how it went: `save`, `savequit` and the fatal path.
+void save_database(std::string_view name);
 /// Adds the arrays of "<name>.db"; false when it cannot be opened or is damaged.
 bool db_read(std::string_view name);
 /// Long listing of the whole database on both units, as printed on a fatal path.

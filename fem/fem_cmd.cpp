@@ -1,0 +1,41 @@
+// The table of the finite-element commands.
+
+#include "kernel/command.hpp"
+
+namespace quelor {
+
+/// One line a family of rows.
+static constexpr std::initializer_list<Family> families = {};
+
+/// Words whose commands are not built yet, by family.
+// clang-format off
+static constexpr std::string_view planned[] = {
+    "nodes", "node_gen", "pnodes", "bcid", "pbcid", "merge_nodes",
+    "elem_grp", "fem_error",
+    "node_order", "num_eqs", "peqs", "peqns", "eq_direction",
+    "form_k", "formk", "form_m", "formm", "form_c", "formc", "form_lagrangeG", "form_G", "mass_summary",
+    "check_diag",
+    "nodal_constraint",
+    "state", "pstate", "response", "presponse", "presp", "node_str",
+    "nodef", "pnodef", "load_summary", "nodal_pressure", "conc_deck_loads", "distr_deck_loads", "pdeck_loads",
+    "current_velocity", "pcurrentvelocity", "cp_tables", "mass", "pmass", "dampers", "pdampers",
+    "imposed_displ", "pimposed_displ", "initial_conditions", "body_frc2d", "pbody_frc2d",
+    "lsolve", "nsolve", "disp_cntl",
+    "consolidation", "water_waves",
+    "pdisp", "nodal_disp", "pndisp", "pndisp_th",
+    "el_iso_matl",
+    "export_graphics",
+    "rigid_modes", "modal_th", "direct_th",
+};
+// clang-format on
+
+const CommandTable& fem_cmd() {
+    static const CommandTable table{.name = "fem_cmd",
+                                    .topic = "fe_commands",
+                                    .heading = "      FINITE ELEMENT COMMANDS",
+                                    .families = list_of(families),
+                                    .planned = planned};
+    return table;
+}
+
+} // namespace quelor

@@ -1,0 +1,48 @@
+// The loop at the heart of the program, and its nested form.
+
+#include "kernel/main_loop.hpp"
+
+#include "kernel/alias.hpp"
+#include "kernel/fortfile.hpp"
+#include "kernel/gencom.hpp"
+#include "kernel/utilities.hpp"
+
+#include <vector>
+
+namespace quelor {
+
+static constexpr std::string_view prompt = "quelor-zt> ";
+
+/// The next command word with its alias translated; empty for a blank or comment record.
+static std::string read_command() {
+    read_record(prompt, prompt, echo_flag());
+    return std::string(alias_to_internal(get_command_word()));
+}
+
+void dispatch(std::span<const CommandTable* const> chain, std::string_view word) {
+    if (const Command* command = find_command(chain, word)) return command->run(word);
+    if (is_planned(chain, word)) {
+        return write_both("('    Command \"', a, '\" is not available in this version')", {word});
+    }
+    write_both("('    Command \"', a, '\" not found')", {word.substr(0, word.find(' '))});
+}
+
+void main_loop(std::string_view first) {
+    dispatch(command_chain(), first);
+    while (true) {
+        const std::string word = read_command();
+        if (!word.empty()) dispatch(command_chain(), word);
+    }
+}
+
+void nested_command_line() {
+    print_both(
+        " \n\tWarning: You have exited to the command line from inside a command. Be sure not to delete or change existing data in such a way that will cause the originating command to fail. The command exit returns to the originating command. Quit will quit the program.\n");
+    std::vector<const CommandTable*> chain(command_chain().begin(), command_chain().end());
+    std::erase(chain, &fem_cmd());
+    for (std::string word = read_command(); word != "exit"; word = read_command()) {
+        if (!word.empty()) dispatch(chain, word);
+    }
+}
+
+} // namespace quelor

@@ -1,0 +1,46 @@
+// The table of the hydrodynamic commands.
+
+#include "kernel/command.hpp"
+
+namespace quelor {
+
+/// One line a family of rows.
+static constexpr std::initializer_list<Family> families = {};
+
+/// Words whose commands are not built yet, by family.
+// clang-format off
+static constexpr std::string_view planned[] = {
+    "hyd_parameters", "hyd_coordaxs", "hyd_coord_trans", "hyd_wave", "hyd_wave_dispersion",
+    "hyd_body_check",
+    "hyd_nodes", "hyd_node_gen", "phyd_nodes", "hyd_node_tolerance",
+    "hyd_surf_nodes", "hyd_surf_node_gen", "phyd_surf_nodes", "hyd_surf_node_tolerance",
+    "hyd_panel_rmap",
+    "hyd_convert_fea_mesh",
+    "hyd_rigid_modes", "hyd_rmass", "hyd_flex_modes", "hyd_genmodes",
+    "hyd_analysis", "hyd_close_files",
+    "hyd_analysis_response",
+    "hyd_analysis_response_P", "hyd_postresponse_P",
+    "hyd_analysis_response_drag",
+    "hyd_postresponse", "hyd_modal_pressure",
+    "hyd_tf",
+    "hyd_wave_spectra", "phyd_wave_spectra", "hyd_irregular",
+    "hyd_wet",
+    "hyd_energy",
+    "hyd_surf_elevation",
+    "hyd_velocity_nodes", "hyd_velocity_node_gen", "phyd_velocity_nodes", "hyd_velocity_node_tolerance",
+    "hyd_velocity", "phyd_velocity",
+    "hyd_mooring_stiffness", "phyd_mooring_stiffness", "hyd_assign_mooring",
+    "hyd_export_graphics", "hyd_export_graphics_th",
+};
+// clang-format on
+
+const CommandTable& quelorzt_cmd() {
+    static const CommandTable table{.name = "quelorzt_cmd",
+                                    .topic = "hydrodynamics",
+                                    .heading = "      HYDRODYNAMIC COMMANDS",
+                                    .families = list_of(families),
+                                    .planned = planned};
+    return table;
+}
+
+} // namespace quelor

@@ -1,0 +1,64 @@
+#!/usr/bin/env python3
+"""Checks that includes point only downward, and that no header holds a variable.
+
+    check_includes.py SOURCE_FOLDER
+
+Tables stand above commands, commands above services, services above numeric kernels. A file may
+include headers of its own kind and of those below it; a numeric kernel includes nothing else of this
+program than numeric kernels (kernel/types.hpp counts as one).
+"""
+
+import fnmatch
+import pathlib
+import re
+import sys
+
+FOLDERS = ("kernel", "matrix", "fem", "solvers", "elements", "dynamics", "hydro_model", "green",
+           "hydro_analysis", "hydro_response")
+
+KINDS = ("numeric kernel", "service", "command", "table")
+
+# The first pattern that fits a file gives its kind; files that fit none are commands.
+PATTERNS = (
+    ("table", "kernel/quelorzt.cpp kernel/main_loop.* kernel/quelorzt_cmd.cpp kernel/util_cmd.cpp"
+              " kernel/db_cmd.cpp kernel/loop_cmd.cpp matrix/mat_cmd.cpp matrix/func_cmd.cpp"
+              " matrix/misc_cmd.cpp fem/fem_cmd.cpp fem/fe_elm_cmd.cpp elements/element_table.cpp"),
+    ("numeric kernel", "kernel/types.hpp elements/element_names.hpp green/*"),
+    ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
+    ("service", "kernel/*"),
+)
+
+INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
+VARIABLE = re.compile(r"^(?:inline|static|extern|thread_local)\b(?! \"C\")(?!.*\bconstexpr\b)[^()]*[;{=]", re.M)
+
+
+def kind_of(name):
+    for kind, patterns in PATTERNS:
+        if any(fnmatch.fnmatch(name, pattern) for pattern in patterns.split()):
+            return KINDS.index(kind)
+    return KINDS.index("command")
+
+
+def faults_of(root, path):
+    name = path.relative_to(root).as_posix()
+    text = path.read_text(encoding="utf-8")
+    for header in INCLUDE.findall(text):
+        if not (root / header).is_file():
+            yield f'{name}: no file "{header}" under the root'
+        elif kind_of(header) > kind_of(name):
+            yield f"{name} ({KINDS[kind_of(name)]}) includes {header} ({KINDS[kind_of(header)]})"
+    if path.suffix == ".hpp":
+        for variable in VARIABLE.findall(text):
+            yield f"{name}: variable in a header: {variable.strip()}"
+
+
+def main():
+    root = pathlib.Path(sys.argv[1])
+    files = [path for folder in FOLDERS for path in sorted((root / folder).rglob("*.[ch]pp"))]
+    faults = [fault for path in files for fault in faults_of(root, path)]
+    print("\n".join(faults) or f"{len(files)} files checked")
+    sys.exit(1 if faults or not files else 0)
+
+
+if __name__ == "__main__":
+    main()
