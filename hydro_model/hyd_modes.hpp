@@ -6,6 +6,7 @@
 #pragma once
 
 #include "kernel/command.hpp"
+#include "kernel/types.hpp"
 
 #include <array>
 
@@ -37,6 +38,22 @@ inline constexpr std::string_view hyd_kstr = "hyd_kstr";
 inline constexpr std::string_view hyd_cstr = "hyd_cstr";
 /// real (nmode,nmode): input displacements from the generalised ones; made by the user.
 inline constexpr std::string_view hyd_psi = "hyd_psi";
+
+/// Views of the arrays of all modes.
+struct ModeArrays {
+    std::array<Matrix<double>, 6> nodal; ///< in the order of nodal_mode_arrays
+    Matrix<double> un, uz, kf;
+    std::span<std::int32_t> modesym;
+};
+struct ModeSizes {
+    int nnodes, nmode, np;
+};
+void hyd_create_modes(const ModeSizes& sizes);
+/// Finds them; an absent or misshapen one takes the fatal path.
+ModeArrays hyd_find_modes(const ModeSizes& sizes);
+
+/// Unit of `<project>.kf`, the stiffness matrices.
+inline constexpr int unit_kf = 10;
 
 std::span<const Command> hyd_rigid_modes_rows();
 std::span<const Command> hyd_rmass_rows();
