@@ -4,7 +4,7 @@
 
 #include "fem/nodes.hpp"
 #include "kernel/fortfile.hpp"
-#include "kernel/iof.hpp"
+#include "kernel/gencom.hpp"
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
 
@@ -35,7 +35,8 @@ Restraints create_restraints(int total) {
                        create_matrix<std::int32_t>(bcid_print, total, 0)};
     const auto defaults = r.codes.col(1);
     get_int_par("r=", defaults);
-    for (int n = 2; n <= total; ++n) std::ranges::copy(defaults, r.codes.col(n).begin());
+    for (int n = 2; n <= total; ++n)
+        std::ranges::copy(defaults, r.codes.col(n).begin());
     std::ranges::fill(r.print.all(), print);
     return r;
 }
@@ -82,10 +83,11 @@ void cmd_bcid(std::string_view) {
 void write_heading(int dofs) {
     write_both("10(/, '    NODE                   NODAL RESTRAINTS')", {});
     if (dofs == 6)
-        return write_both(
-            "('  NUMBER       X       Y       Z      XX      YY      ZZ     PRINT')", {});
+        return write_both("('  NUMBER       X       Y       Z      XX      YY      ZZ     PRINT')",
+                          {});
     write_both("('  NUMBER', $)", {});
-    for (int dof = 1; dof <= dofs; ++dof) write_both("('  DOF', i3, $)", {dof});
+    for (int dof = 1; dof <= dofs; ++dof)
+        write_both("('  DOF', i3, $)", {dof});
     write_both("('     PRINT')", {});
 }
 
@@ -100,9 +102,8 @@ void cmd_pbcid(std::string_view) {
     const auto codes = as_matrix<std::int32_t>(codes_ref);
     const auto print = as_span<std::int32_t>(print_ref);
     const auto active = as_span<char>(active_ref);
-    const auto count =
-        std::min({get_int(num_nodes), codes.cols, static_cast<int>(print_ref.size()),
-                  static_cast<int>(active_ref.size())});
+    const auto count = std::min({get_int(num_nodes), codes.cols, static_cast<int>(print_ref.size()),
+                                 static_cast<int>(active_ref.size())});
     write_heading(codes.rows);
     const std::string text = "(i6, 2x, " + std::to_string(codes.rows + 1) + "i8)";
     const Format row = Format::from_text(text);

@@ -1,7 +1,7 @@
 #include "fem/node_family.hpp"
 
 #include "kernel/fortfile.hpp"
-#include "kernel/iof.hpp"
+#include "kernel/gencom.hpp"
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
 
@@ -38,7 +38,8 @@ struct NodeRecord {
 std::optional<NodeRecord> next_node_record() {
     std::array<double, 5> v{};
     read_real_record("Enter nodal data: n  x  y  z  lgen\n", v);
-    if (const int n = rounded(v[0]); n != 0) return NodeRecord{n, {v[1], v[2], v[3]}, rounded(v[4])};
+    if (const int n = rounded(v[0]); n != 0)
+        return NodeRecord{n, {v[1], v[2], v[3]}, rounded(v[4])};
 
     NodeRecord record{not_given, {0, 0, 0}, 0};
     get_int_par("n=", record.n);
@@ -70,7 +71,8 @@ bool all_in_range(std::span<const std::int32_t> nodes, int limit) {
 } // namespace
 
 void NodeSet::define(int n, const Vec3& p) {
-    for (int i = 1; i <= 3; ++i) xyz(i, n) = p[static_cast<std::size_t>(i - 1)];
+    for (int i = 1; i <= 3; ++i)
+        xyz(i, n) = p[static_cast<std::size_t>(i - 1)];
     active[static_cast<std::size_t>(n - 1)] = 'A';
     count = std::max(count, n);
 }
@@ -91,7 +93,8 @@ NodeSet open_nodes(const NodeKind& kind) {
 }
 
 void new_nodes(const NodeKind& kind, int total) {
-    for (const auto name : kind.stale) delete_array(name);
+    for (const auto name : kind.stale)
+        delete_array(name);
     create_int_scalar(kind.total, total);
     create_int_scalar(kind.count, 0);
     create_matrix<double>(kind.xyz, 3, total);
@@ -110,19 +113,23 @@ void generate_line(NodeSet& set, int a, int b, int inc, double w) {
     if (count < 1) return;
     const bool weighted = w > 0 && w != 1;
     double s = 1; // 1 + w + ... + w^count, the line's length over its first step
-    for (std::int64_t k = 1; k <= count && weighted; ++k) s = s * w + 1;
+    for (std::int64_t k = 1; k <= count && weighted; ++k)
+        s = s * w + 1;
     if (!weighted) s = static_cast<double>(count + 1);
     if (!std::isfinite(s))
         return print_both(" \n\tSpacing weight is too large; nodes not generated\n");
 
     Vec3 x = set.at(a);
     Vec3 d = difference(set.at(b), x);
-    for (double& di : d) di /= s;
+    for (double& di : d)
+        di /= s;
     for (std::int64_t k = 1; k <= count; ++k) {
-        for (std::size_t i = 0; i < 3; ++i) x[i] += d[i];
+        for (std::size_t i = 0; i < 3; ++i)
+            x[i] += d[i];
         set.define(static_cast<int>(a + k * inc), x);
         if (weighted)
-            for (double& di : d) di *= w;
+            for (double& di : d)
+                di *= w;
     }
 }
 

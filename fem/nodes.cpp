@@ -3,7 +3,7 @@
 #include "fem/bcid.hpp"
 #include "fem/point_index.hpp"
 #include "kernel/fortfile.hpp"
-#include "kernel/iof.hpp"
+#include "kernel/gencom.hpp"
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
 
@@ -13,10 +13,9 @@
 namespace quelor {
 
 static constexpr std::array stale_arrays{bcid, node_eqs, node_eq_order, node_active, num_eqs};
-constexpr NodeKind fe_nodes{"",         "nodes of the finite-element model",
-                            xyz,        node_active,
-                            num_nodes,  num_nodes_tot,
-                            stale_arrays};
+constexpr NodeKind fe_nodes{
+    "",          "nodes of the finite-element model", xyz, node_active, num_nodes, num_nodes_tot,
+    stale_arrays};
 
 // --- services
 // -------------------------------------------------------------------------------------
@@ -97,7 +96,8 @@ static int merge_coincident(const NodeSet& set, Matrix<std::int32_t> codes, cons
         std::ranges::sort(near);
         for (const int j : near) {
             merged[static_cast<std::size_t>(j - 1)] = 1;
-            for (int dof = 1; dof <= dofs; ++dof) codes(dof, j) = -i;
+            for (int dof = 1; dof <= dofs; ++dof)
+                codes(dof, j) = -i;
             if (report) write_both("10('     Node', i6, ' merged with node', i6)", {j, i});
             ++total;
         }
@@ -112,8 +112,7 @@ static void cmd_merge_nodes(std::string_view) {
     if (!restraints.is(type_integer)) return print_both(" \n\tArray .bcid not found\n");
     const NodeSet set = open_nodes(fe_nodes);
     if (!set) return;
-    if (restraints.cols() < set.count)
-        return print_both(" /n/tIncorrect dimension of .bcid/n");
+    if (restraints.cols() < set.count) return print_both(" /n/tIncorrect dimension of .bcid/n");
     delete_array(node_eqs);
     delete_array(num_eqs);
 
@@ -128,8 +127,8 @@ static void cmd_merge_nodes(std::string_view) {
         if (!(t >= 0)) t = tol;
     const bool report = !has_flag(" -print");
     const Temporary<std::int32_t> merged("$merge_indx", set.count, 0);
-    const int total = merge_coincident(set, as_matrix<std::int32_t>(restraints), each,
-                                       merged.view.all(), report);
+    const int total =
+        merge_coincident(set, as_matrix<std::int32_t>(restraints), each, merged.view.all(), report);
     if (report && total > 0)
         write_both("20(/, '     Total number of merged nodes =', i6, /)", {total});
 }

@@ -1,7 +1,7 @@
 // Nodes of the panel mesh: a list of their own, apart from the finite-element nodes.
 #pragma once
 
-#include "kernel/command.hpp"
+#include "fem/node_family.hpp"
 
 namespace quelor {
 
@@ -14,6 +14,15 @@ inline constexpr std::string_view hyd_node_active = ".hyd_node_active";
 inline constexpr std::string_view hyd_num_nodes = ".hyd_#nodes";
 inline constexpr std::string_view hyd_num_nodes_tot = ".hyd_#nodes_tot";
 
+/// The list of nodes of the panel mesh.
+inline constexpr NodeKind hyd_mesh_nodes{
+    "hyd_",        "nodes of the panel mesh", hyd_xyz, hyd_node_active,
+    hyd_num_nodes, hyd_num_nodes_tot,         {}};
+
 std::span<const Command> hyd_nodes_rows();
+
+/// Puts nodes that lie near the still-water plane or a plane of symmetry exactly on it. With
+/// `on_surface` every node goes to z = 0, with a warning for those that were further away.
+void set_nodes_on_planes(const NodeKind& kind, bool on_surface);
 
 } // namespace quelor

@@ -4,7 +4,8 @@
 // hold what the analysis needs. The map goes from e to p, the reverse map from p to e.
 #pragma once
 
-#include "kernel/command.hpp"
+#include "hydro_model/hyd_nodes.hpp"
+#include "hydro_model/panel_input.hpp"
 
 namespace quelor {
 
@@ -37,7 +38,31 @@ inline constexpr std::string_view hyd_xyzc = ".hyd_xyzc";
 /// integer (np): external number of each wet panel. Written by `hyd_panel_rmap`.
 inline constexpr std::string_view hyd_panel_rmap = ".hyd_panel_rmap";
 
+/// The table of structure panels.
+inline constexpr PanelKind hyd_structure_panels{.name = "HYD_PANEL",
+                                                .el = hyd_panel_el,
+                                                .code = hyd_panel_code,
+                                                .map = hyd_panel_map,
+                                                .type = hyd_paneltype,
+                                                .count = hyd_num_panels,
+                                                .wet_count = hyd_num_wetpanels,
+                                                .nodes = &hyd_mesh_nodes,
+                                                .no_nodes = " \n\tNodal coordinates not found\n",
+                                                .invalid_print =
+                                                    " \n\tInvalid option for HYD_PANEL element\n"};
+
+struct Request;
+/// The element routine of slot 36, and its help texts.
+void hyd_panel_element(Request request);
+extern const std::string_view hyd_panel_help;
+extern const std::string_view phyd_panel_help;
+
 std::span<const Command> hyd_panel_rows();
+
+/// Deletes the panel arrays of the structure and opens `<project>.pan`: the start of panel input.
+void begin_panels();
+/// From the filled `.hyd_panel_el` to all other panel arrays, `<project>.pan` and the summary.
+void finish_panels();
 
 /// Writes `.hyd_panel_rmap` from the map; the fatal path when there are no panels.
 void make_panel_rmap();

@@ -6,9 +6,9 @@ namespace quelor {
 
 namespace {
 
-constexpr double flat_limit = 1e-10;   // of the longer diagonal: a warp below it is rounding
-constexpr double area_limit = 1e-10;   // of the longer diagonal squared: an area below it is zero
-constexpr double simple_limit = 1e-6;  // of the area: excess of the two triangles over the diagonals
+constexpr double flat_limit = 1e-10;  // of the longer diagonal: a warp below it is rounding
+constexpr double area_limit = 1e-10;  // of the longer diagonal squared: an area below it is zero
+constexpr double simple_limit = 1e-6; // of the area: excess of the two triangles over the diagonals
 
 Vec3 mean(const Vec3& a, const Vec3& b, const Vec3& c) {
     return {(a[0] + b[0] + c[0]) / 3, (a[1] + b[1] + c[1]) / 3, (a[2] + b[2] + c[2]) / 3};
@@ -16,7 +16,8 @@ Vec3 mean(const Vec3& a, const Vec3& b, const Vec3& c) {
 
 Vec3 mean(const std::array<Vec3, 4>& p) {
     Vec3 m;
-    for (std::size_t i = 0; i < 3; ++i) m[i] = (p[0][i] + p[1][i] + p[2][i] + p[3][i]) / 4;
+    for (std::size_t i = 0; i < 3; ++i)
+        m[i] = (p[0][i] + p[1][i] + p[2][i] + p[3][i]) / 4;
     return m;
 }
 
@@ -40,8 +41,8 @@ double triangle_area(const Vec3& a, const Vec3& b, const Vec3& c) {
 }
 
 FlatPanel flat_panel(const std::array<Vec3, 4>& nodes, bool triangle) {
-    FlatPanel panel{.corners = nodes, .normal = {}, .centroid = {}, .area = 0, .valid = false,
-                    .simple = true};
+    FlatPanel panel{
+        .corners = nodes, .normal = {}, .centroid = {}, .area = 0, .valid = false, .simple = true};
     const Vec3 d1 = difference(nodes[2], nodes[0]);
     const Vec3 d2 = difference(nodes[3], nodes[1]);
     const auto [c, length] = cross_product(d1, d2);
