@@ -1,29 +1,79 @@
-// The table of the element commands: elem01 to elem40 and pelem01 to pelem40.
+// The table of the element commands, elem01 to elem40 and pelem01 to pelem40, made from the element
+// table.
 
-#include "elements/element_names.hpp"
+#include "fem/elemutil.hpp"
 #include "kernel/alias.hpp"
 
+#include <deque>
+#include <string>
 #include <vector>
 
 namespace quelor {
 
-/// One line a family of rows.
-static constexpr std::initializer_list<Family> families = {
+namespace {
+
+bool is_planned(const ElementRow& row) {
+    return !row.routine && !row.alias.empty();
+}
+
+/// Slot of a word: its last two digits.
+int slot_of(std::string_view word) {
+    const std::size_t n = word.size();
+    return (word[n - 2] - '0') * 10 + (word[n - 1] - '0');
+}
+
+void run_input(std::string_view word) {
+    call_element(slot_of(word), {0, 0, 0});
+}
+void run_print(std::string_view word) {
+    call_element(slot_of(word), {4, 1, 0});
+}
+
+/// Two rows for each slot that is built or unused.
+std::span<const Command> element_command_rows() {
+    static std::deque<std::string> summaries;
+    static const std::vector<Command> commands = [] {
+        // The backslashes of this text are characters of it.
+        constexpr std::string_view unused = "Unused element.\\n";
+        std::vector<Command> all;
+        for (const ElementRow& row : element_rows()) {
+            if (is_planned(row)) continue;
+            const bool used = row.routine != nullptr;
+            all.push_back({.words = {element_word(row.slot)},
+                           .run = run_input,
+                           .summary = row.kind,
+                           .help = used ? row.help : unused});
+            summaries.push_back("print: " + std::string(row.kind));
+            all.push_back({.words = {print_element_word(row.slot)},
+                           .run = run_print,
+                           .summary = summaries.back(),
+                           .help = used ? row.print_help : unused});
+        }
+        return all;
+    }();
+    return commands;
+}
+
+constexpr std::initializer_list<Family> families = {
+    element_command_rows,
     element_alias_rows,
 };
 
-/// Words of the elements, none of which is built yet.
-static std::span<const std::string_view> planned_words() {
+/// Words of the elements that are not built yet.
+std::span<const std::string_view> planned_words() {
     static const std::vector<std::string_view> words = [] {
         std::vector<std::string_view> all;
-        for (int slot = 1; slot <= element_slots; ++slot) {
-            all.push_back(element_word(slot));
-            all.push_back(print_element_word(slot));
+        for (const ElementRow& row : element_rows()) {
+            if (!is_planned(row)) continue;
+            all.push_back(element_word(row.slot));
+            all.push_back(print_element_word(row.slot));
         }
         return all;
     }();
     return words;
 }
+
+} // namespace
 
 const CommandTable& fe_elm_cmd() {
     static const CommandTable table{.name = "fe_elm_cmd",

@@ -1,6 +1,5 @@
 #include "fem/nodes.hpp"
 
-#include "fem/bcid.hpp"
 #include "fem/point_index.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
@@ -11,11 +10,6 @@
 #include <vector>
 
 namespace quelor {
-
-static constexpr std::array stale_arrays{bcid, node_eqs, node_eq_order, node_active, num_eqs};
-constexpr NodeKind fe_nodes{
-    "",          "nodes of the finite-element model", xyz, node_active, num_nodes, num_nodes_tot,
-    stale_arrays};
 
 // --- services
 // -------------------------------------------------------------------------------------

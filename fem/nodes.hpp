@@ -2,6 +2,7 @@
 // coordinates or adds nodes.
 #pragma once
 
+#include "fem/bcid.hpp"
 #include "fem/node_family.hpp"
 
 namespace quelor {
@@ -20,8 +21,12 @@ inline constexpr std::string_view node_eqs = ".node_eqs";
 inline constexpr std::string_view node_eq_order = ".node_eq_order";
 inline constexpr std::string_view num_eqs = ".#eqs";
 
+/// What a new list of nodes makes invalid.
+inline constexpr std::array fe_node_stale{bcid, node_eqs, node_eq_order, num_eqs};
 /// The list of finite-element nodes.
-extern const NodeKind fe_nodes;
+inline constexpr NodeKind fe_nodes{
+    "",           "nodes of the finite-element model", xyz, node_active, num_nodes, num_nodes_tot,
+    fe_node_stale};
 
 std::span<const Command> nodes_rows();
 

@@ -276,47 +276,49 @@ void hyd_panel_element(Request request) {
 // --- rows and help
 // --------------------------------------------------------------------------------
 
-constexpr std::string_view hyd_panel_help =
-    "Command Syntax\n\thyd_panel  n=?\n\t"
-    "   n=nel  nodes=node1,node2,node3,node4  [gen=gen  inc=inc1,inc2]  [gen_2d=gen_2d  "
-    "inc_2d=inc1_2d,inc2_2d  inc_el=inc_el]\n\t   (blank line)\n\n"
-    "Input of the panels of the wetted surface, and all that the analysis needs of them: areas, "
-    "normals, centroids, and which of them are wet.\n\n"
-    "n\tOn the command line the largest panel number (required); on a record the number of its "
-    "panel. A number out of range ends the program; the database is saved first. A blank line ends "
-    "the input.\n\n"
-    "nodes\tNumbers of the corner nodes (hyd_nodes), clockwise looking from the fluid, so that the "
-    "normal points out of the fluid into the body. For a triangle node4 is 0 or equal to node3.\n\n"
-    "gen\tNumber of further panels in the sequence of the record (default 0), numbered n+1, n+2, "
-    "...\n\n"
-    "inc\tNode increments within the sequence: inc1 of nodes 1 and 2, inc2 of nodes 3 and 4. "
-    "Defaults are 0.\n\n"
-    "gen_2d\tNumber of further sequences (default 0).\n\n"
-    "inc_2d\tNode increments from sequence to sequence: inc1_2d of nodes 1 and 2, inc2_2d of nodes "
-    "3 and 4. Defaults are 0.\n\n"
-    "inc_el\tIncrement of panel numbers from sequence to sequence. Default is gen+1.\n\n"
-    "A record may also be plain numbers, in the order n, node1 to node4, inc1, inc2, gen, inc1_2d, "
-    "inc2_2d, gen_2d, inc_el.\n\n"
-    "Panels with a corner above z = 0 are wet (V) or dry (E) by the height of their centroid; those "
-    "wholly above are dry. With symmetry (hyd_parameters) panels with a centroid at y < 0, or with "
-    "double symmetry x < 0, are left out. A panel with area zero ends the program; panels at the "
-    "same place give a warning.\n\n"
-    "Example (4 by 2 panels on nodes 1 to 15, 5 in a row):\n\thyd_panel n=8\n\t"
-    "n=1 nodes=1,2,7,6 inc=1,1 gen=3 inc_2d=5,5 gen_2d=1\n\t(blank line)\n\n"
-    "Arrays created: .hyd_panel_el(4,n), .hyd_panel_code(n), .hyd_panel_#map(n), .hyd_#panels, "
-    ".hyd_#wetpanels, and for the np wet panels .hyd_paneltype(np), .hyd_panela(np), "
-    ".hyd_paneln(3,np), .hyd_xr(np,4), .hyd_yr(np,4), .hyd_zr(np,4), .hyd_xyzc(np,3). The file with "
-    "extension pan has a table of the panels. Coordinates are used as they are now: hyd_nodes, "
-    "hyd_coord_trans and hyd_node_tolerance come first.\n\n"
-    "See Also\n\thyd_nodes\n\tphyd_panel\n\thyd_body_check\n\thyd_convert_fea_mesh\n";
+std::string_view hyd_panel_help() {
+    return "Command Syntax\n\thyd_panel  n=?\n\t"
+           "   n=nel  nodes=node1,node2,node3,node4  [gen=gen  inc=inc1,inc2]  [gen_2d=gen_2d  "
+           "inc_2d=inc1_2d,inc2_2d  inc_el=inc_el]\n\t   (blank line)\n\n"
+           "Input of the panels of the wetted surface, and all that the analysis needs of them: areas, "
+           "normals, centroids, and which of them are wet.\n\n"
+           "n\tOn the command line the largest panel number (required); on a record the number of its "
+           "panel. A number out of range ends the program; the database is saved first. A blank line ends "
+           "the input.\n\n"
+           "nodes\tNumbers of the corner nodes (hyd_nodes), clockwise looking from the fluid, so that the "
+           "normal points out of the fluid into the body. For a triangle node4 is 0 or equal to node3.\n\n"
+           "gen\tNumber of further panels in the sequence of the record (default 0), numbered n+1, n+2, "
+           "...\n\n"
+           "inc\tNode increments within the sequence: inc1 of nodes 1 and 2, inc2 of nodes 3 and 4. "
+           "Defaults are 0.\n\n"
+           "gen_2d\tNumber of further sequences (default 0).\n\n"
+           "inc_2d\tNode increments from sequence to sequence: inc1_2d of nodes 1 and 2, inc2_2d of nodes "
+           "3 and 4. Defaults are 0.\n\n"
+           "inc_el\tIncrement of panel numbers from sequence to sequence. Default is gen+1.\n\n"
+           "A record may also be plain numbers, in the order n, node1 to node4, inc1, inc2, gen, inc1_2d, "
+           "inc2_2d, gen_2d, inc_el.\n\n"
+           "Panels with a corner above z = 0 are wet (V) or dry (E) by the height of their centroid; those "
+           "wholly above are dry. With symmetry (hyd_parameters) panels with a centroid at y < 0, or with "
+           "double symmetry x < 0, are left out. A panel with area zero ends the program; panels at the "
+           "same place give a warning.\n\n"
+           "Example (4 by 2 panels on nodes 1 to 15, 5 in a row):\n\thyd_panel n=8\n\t"
+           "n=1 nodes=1,2,7,6 inc=1,1 gen=3 inc_2d=5,5 gen_2d=1\n\t(blank line)\n\n"
+           "Arrays created: .hyd_panel_el(4,n), .hyd_panel_code(n), .hyd_panel_#map(n), .hyd_#panels, "
+           ".hyd_#wetpanels, and for the np wet panels .hyd_paneltype(np), .hyd_panela(np), "
+           ".hyd_paneln(3,np), .hyd_xr(np,4), .hyd_yr(np,4), .hyd_zr(np,4), .hyd_xyzc(np,3). The file with "
+           "extension pan has a table of the panels. Coordinates are used as they are now: hyd_nodes, "
+           "hyd_coord_trans and hyd_node_tolerance come first.\n\n"
+           "See Also\n\thyd_nodes\n\tphyd_panel\n\thyd_body_check\n\thyd_convert_fea_mesh\n";
+}
 
-constexpr std::string_view phyd_panel_help =
-    "Command Syntax\n\tphyd_panel  [-wet_only]\n\n"
-    "Prints the nodes and the code of each panel: W wet, D dry, V wet but partially dry, E dry but "
-    "partially wet. Panels left out by symmetry are not printed.\n\n"
-    "-wet_only\tPrint only the panels of the analysis, W and V.\n\n"
-    "Example:\n\tphyd_panel -wet_only\n\n"
-    "See Also\n\thyd_panel\n\tphyd_nodes\n";
+std::string_view phyd_panel_help() {
+    return "Command Syntax\n\tphyd_panel  [-wet_only]\n\n"
+           "Prints the nodes and the code of each panel: W wet, D dry, V wet but partially dry, E dry but "
+           "partially wet. Panels left out by symmetry are not printed.\n\n"
+           "-wet_only\tPrint only the panels of the analysis, W and V.\n\n"
+           "Example:\n\tphyd_panel -wet_only\n\n"
+           "See Also\n\thyd_panel\n\tphyd_nodes\n";
+}
 
 std::span<const Command> hyd_panel_rows() {
     static constexpr Command rows[] = {

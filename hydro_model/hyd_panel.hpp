@@ -54,8 +54,8 @@ inline constexpr PanelKind hyd_structure_panels{.name = "HYD_PANEL",
 struct Request;
 /// The element routine of slot 36, and its help texts.
 void hyd_panel_element(Request request);
-extern const std::string_view hyd_panel_help;
-extern const std::string_view phyd_panel_help;
+std::string_view hyd_panel_help();
+std::string_view phyd_panel_help();
 
 std::span<const Command> hyd_panel_rows();
 

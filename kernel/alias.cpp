@@ -1,8 +1,8 @@
-// The alias table, made from the names of the element slots.
+// The alias table, made from the element table.
 
 #include "kernel/alias.hpp"
 
-#include "elements/element_names.hpp"
+#include "fem/elemutil.hpp"
 #include "kernel/fortfile.hpp"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ const AliasTable& alias_table() {
         for (std::size_t i = 0; i < element_slots; ++i) {
             const std::string number{static_cast<char>('0' + (i + 1) / 10),
                                      static_cast<char>('0' + (i + 1) % 10)};
-            const std::string name(element_names[i]);
+            const std::string name(element_rows()[i].alias);
             rows[i] = {.user = name, .internal = "elem" + number};
             rows[element_slots + i] = {.user = name.empty() ? "" : "p" + name,
                                        .internal = "pelem" + number};

@@ -3,25 +3,22 @@
 #include "hydro_model/hyd_body_check.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "hydro_model/hyd_modes.hpp"
+#include "hydro_model/hyd_nodes.hpp"
+#include "hydro_model/hyd_panel.hpp"
+#include "hydro_model/hyd_surf_nodes.hpp"
 #include "kernel/command.hpp"
 
 namespace quelor {
 
 /// One line a family of rows.
 static constexpr std::initializer_list<Family> families = {
-    hyd_input_rows,
-    hyd_wave_rows,
-    hyd_body_check_rows,
-    hyd_rigid_modes_rows,
-    hyd_rmass_rows,
+    hyd_input_rows, hyd_wave_rows,       hyd_nodes_rows,       hyd_surf_nodes_rows,
+    hyd_panel_rows, hyd_body_check_rows, hyd_rigid_modes_rows, hyd_rmass_rows,
 };
 
 /// Words whose commands are not built yet, by family.
 // clang-format off
 static constexpr std::string_view planned[] = {
-    "hyd_nodes", "hyd_node_gen", "phyd_nodes", "hyd_node_tolerance",
-    "hyd_surf_nodes", "hyd_surf_node_gen", "phyd_surf_nodes", "hyd_surf_node_tolerance",
-    "hyd_panel_rmap",
     "hyd_convert_fea_mesh",
     "hyd_flex_modes", "hyd_genmodes",
     "hyd_analysis", "hyd_close_files",

@@ -23,10 +23,11 @@ PATTERNS = (
     ("table", "kernel/quelorzt.cpp kernel/main_loop.* kernel/quelorzt_cmd.cpp kernel/util_cmd.cpp"
               " kernel/db_cmd.cpp kernel/loop_cmd.cpp matrix/mat_cmd.cpp matrix/func_cmd.cpp"
               " matrix/misc_cmd.cpp fem/fem_cmd.cpp fem/fe_elm_cmd.cpp elements/element_table.cpp"),
-    ("numeric kernel", "kernel/types.hpp elements/element_names.hpp green/*"
-                       " hydro_model/waven.* hydro_model/hydrostatics.* hydro_model/panel_motion.*"),
+    ("numeric kernel", "kernel/types.hpp fem/vectors.hpp fem/point_index.hpp green/*"
+                       " hydro_model/waven.* hydro_model/hydrostatics.* hydro_model/panel_motion.*"
+                       " hydro_model/hyd_panel_geometry.*"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
-    ("service", "kernel/*"),
+    ("service", "kernel/* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"),
 )
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)

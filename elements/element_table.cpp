@@ -1,0 +1,70 @@
+// The element table: one row a slot. Nothing else in the program spells the names of the elements.
+#include "fem/elemutil.hpp"
+#include "hydro_model/hyd_panel.hpp"
+#include "hydro_model/hyd_surf_panel.hpp"
+
+namespace quelor {
+
+/// A slot whose element is not built yet.
+static constexpr ElementRow planned(int slot, std::string_view alias, std::string_view kind) {
+    return {.slot = slot,
+            .alias = alias,
+            .kind = kind,
+            .routine = nullptr,
+            .help = {},
+            .print_help = {}};
+}
+static constexpr ElementRow unused(int slot) {
+    return planned(slot, {}, "unused");
+}
+
+std::span<const ElementRow, element_slots> element_rows() {
+    static const std::array<ElementRow, element_slots> rows{{
+        planned(1, "ntruss", "large displacement truss"),
+        planned(2, "spring", "nonlinear, elastic spring"),
+        planned(3, "beam3d", "linear, 3-D beam"),
+        planned(4, "nbeam2d", "large displacement, elastic 2D beam"),
+        planned(5, "cable", "elastic catenary cable"),
+        planned(6, "d2l3to9", "2-D, linear elastic"),
+        planned(7, "d2ltri", "2-D, linear elastic triangular"),
+        planned(8, "min3s", "Mindlin 3-D triangular, linear shell"),
+        planned(9, "min5s", "Mindlin 3-D quadrilateral, linear shell"),
+        planned(10, "min4t", "quadrilateral, linear, Mindlin shell"),
+        planned(11, "d1l234", "1-D, linear, elastic"),
+        planned(12, "smth1q", "1-D quadratic smoothing"),
+        planned(13, "smth1c", "1-D cubic smoothing"),
+        planned(14, "smth1l", "1-D discrete least squares smoothing"),
+        planned(15, "smth2q", "2-D quadratic, triangular smoothing"),
+        planned(16, "smth2l", "2-D discrete least squares smoothing"),
+        planned(17, "smthspr", "2-D node SPR smoothing"),
+        planned(18, "smthcn", "2-D, 3 to 9 node, continuous least squares smoothing"),
+        planned(19, "pbridge", "elastic, 3-D pontoon bridge"),
+        planned(20, "contact_spring", "nonlinear, contact spring"),
+        planned(21, "cableL", "elastic cable for quasi-static analysis of marine cables"),
+        planned(22, "biot1d234", "1-D element for linear, elastic consolidation"),
+        planned(23, "d1l234v2", "1-D, linear, elastic, v.2"),
+        planned(24, "biot2d3to9", "2-D element for linear, elastic consolidation"),
+        planned(25, "min6", "linear, triangular Mindlin plate"),
+        planned(26, "isomin6", "linear, triangular Mindlin plate"),
+        planned(27, "iFEM2D", "2-D, 3 to 9 node element for nonlinear iFEM"),
+        planned(28, "interface", "quadrilateral (and triangular) interface"),
+        planned(29, "truss", "linear truss"),
+        planned(30, "stiff2n", "linear elastic 2-node stiffness"),
+        planned(31, "shell3",
+                "Mindlin 3-D triangular, linear shell with membrane and shear relaxations"),
+        unused(32),
+        unused(33),
+        unused(34),
+        unused(35),
+        {36, "hyd_panel", "hydrodynamic panel", hyd_panel_element, hyd_panel_help(),
+         phyd_panel_help()},
+        planned(37, "hyd_mooring_line", "mooring line"),
+        {38, "hyd_surf_panel", "free surface panel", hyd_surf_panel_element, hyd_surf_panel_help(),
+         phyd_surf_panel_help()},
+        unused(39),
+        unused(40),
+    }};
+    return rows;
+}
+
+} // namespace quelor
