@@ -92,6 +92,13 @@ std::string_view string_of(const ArrayRef& ref) {
     return up_to_nul({chars.data(), chars.size()});
 }
 
+std::string unused_name(std::string_view name) {
+    std::string result(name);
+    while (array_exists(result))
+        result += '$';
+    return result;
+}
+
 Shape rc_to_dims(int r, int c) {
     if (r > 0 && c > 0) return {2, r, c};
     if (r == 0 && c > 0) return {2, 1, c};
@@ -159,9 +166,9 @@ Point2 line_intersect(Point2 p1, Point2 p2, Point2 p3, Point2 p4) {
 }
 
 double complex_modulus(Complex8 z) {
-    const auto [smaller, larger] = std::minmax(std::abs(z.real()), std::abs(z.imag()));
+    const double re = std::abs(z.real()), im = std::abs(z.imag()), larger = std::max(re, im);
     if (larger == 0) return 0;
-    const double ratio = smaller / larger;
+    const double ratio = std::min(re, im) / larger;
     return larger * std::sqrt(1 + ratio * ratio);
 }
 

@@ -1,0 +1,38 @@
+// The table of the matrix commands.
+#include "kernel/command.hpp"
+#include "matrix/matrix1.hpp"
+
+namespace quelor {
+
+/// One line a family of rows.
+static constexpr Family families[] = {
+    matrix1_input_rows,
+    matrix1_convert_rows,
+    matrix1_generate_rows,
+};
+
+/// Words whose commands are not built yet, by family.
+// clang-format off
+static constexpr std::string_view planned[] = {
+    "print", "p", "printf", "pf", "printi", "xprint", "xp",
+    "cp", "copy", "array3d_slice", "array3d_unslice", "extract", "sort", "trans", "cpdg", "split",
+    "unsplit", "wrap", "unwrap", "put", "putdg", "joinh", "joinv",
+    "add", "sub", "subcol", "sumcol", "norm", "max", "min", "mult_elem", "scale",
+    "mult", "tmult", "col_mult", "mult_col", "diag_mult", "invert", "gauss",
+    "ptoful", "ftopro", "pmult", "psolve", "psolve16",
+    "ptosparse", "sparse_matrix_clean", "sparse_mult",
+    "jacobi", "eigval", "arpack",
+    "fft", "fft_helper", "interpolate",
+};
+// clang-format on
+
+const CommandTable& mat_cmd() {
+    static const CommandTable table{.name = "mat_cmd",
+                                    .topic = "matrix",
+                                    .heading = "      MATRIX COMMANDS",
+                                    .families = families,
+                                    .planned = planned};
+    return table;
+}
+
+} // namespace quelor

@@ -1,0 +1,86 @@
+// Fixture of tests that run commands: an empty folder and an empty store, commands given as lines,
+// data records from a file, what appears on the screen as text.
+#pragma once
+
+#include "kernel/command.hpp"
+#include "kernel/dbfgen.hpp"
+#include "kernel/fortfile.hpp"
+#include "kernel/gencom.hpp"
+#include "kernel/iof.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <initializer_list>
+#include <unistd.h>
+
+namespace quelor {
+
+class Session : public testing::Test {
+protected:
+    using Rows = std::span<const Command>;
+
+    explicit Session(std::initializer_list<Rows> families = {}) : families_(families) {
+        std::string folder = testing::TempDir() + "quelorXXXXXX";
+        folder_ = mkdtemp(folder.data());
+        std::filesystem::current_path(folder_);
+        reset();
+    }
+    ~Session() override {
+        reset();
+        std::filesystem::current_path("/");
+        std::filesystem::remove_all(folder_);
+    }
+
+    /// What `action` writes on the screen.
+    template <class Action> static std::string screen(Action action) {
+        flush_unit(unit_screen);
+        testing::internal::CaptureStdout();
+        action();
+        flush_unit(unit_screen);
+        return testing::internal::GetCapturedStdout();
+    }
+    /// The records of a file become the input.
+    static void give_input(const std::string& text) {
+        std::ofstream("records") << text;
+        ASSERT_GT(open_input_file("records", false), 0);
+    }
+    /// Runs one command line, with the data records that it reads; what appears on the screen.
+    std::string run(std::string_view line, const std::string& records = {}) {
+        if (!records.empty()) give_input(records);
+        set_record(line);
+        const std::string word = get_command_word();
+        const Command* const row = find(word);
+        EXPECT_NE(row, nullptr) << line;
+        std::string output = screen([&] { row->run(word); });
+        close_all_inputs();
+        return output;
+    }
+    /// For death tests, whose child shares the files of its parent: the screen goes to the error
+    /// output, and nothing is waited for.
+    static void detach() {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        ASSERT_NE(std::freopen("/dev/null", "r", stdin), nullptr);
+    }
+
+private:
+    const Command* find(std::string_view word) const {
+        for (const Rows& rows : families_)
+            for (const Command& row : rows)
+                for (const auto& name : row.words)
+                    if (name == word) return &row;
+        return nullptr;
+    }
+    static void reset() {
+        db_clear();
+        close_all_inputs();
+        reset_record_state();
+    }
+
+    std::vector<Rows> families_;
+    std::filesystem::path folder_;
+};
+
+} // namespace quelor
