@@ -50,11 +50,13 @@ void set_symmetry_codes(int symmetry, int nmode) {
     if (!modesym.is(type_integer) || modesym.size() != nmode)
         stop_literal("  Dimension of .hyd_modesym .ne. nmode");
     for (int m = 1; m <= nmode; ++m) {
+        const std::string number = std::to_string(m);
         std::string text;
-        get_char_par(" " + std::to_string(m) + "=", text, 8);
+        get_char_par(std::string(" ").append(number).append("="), text, 8);
         const auto code = symmetry_code(symmetry, text);
         if (code == 0)
-            stop(" \n\tSymmetry of mode " + std::to_string(m) + " is missing or not valid\n");
+            stop(std::string(" \n\tSymmetry of mode ").append(number) +
+                 " is missing or not valid\n");
         as_span<std::int32_t>(modesym)[static_cast<std::size_t>(m - 1)] = code;
     }
 }
