@@ -27,9 +27,7 @@ struct Pager {
         write_text(unit, text + "\n");
         if (++line_count < page_length) return;
         line_count = 0;
-        write_text(unit_screen, "--q to quit--");
-        std::string answer;
-        quit = !read_raw_line(answer) || answer.starts_with('q');
+        quit = user_quits_page();
     }
 };
 
@@ -58,6 +56,12 @@ void print_line(Pager& pager, std::string_view line) {
 }
 
 } // namespace
+
+bool user_quits_page() {
+    write_unit(unit_screen, "10('--q to quit--', $)");
+    std::string answer;
+    return !read_console_answer(answer) || answer.starts_with('q');
+}
 
 int wrap_print(int unit, std::string_view text, int& line_count, int page_length) {
     if (page_length < 1) return 0;

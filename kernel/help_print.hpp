@@ -13,4 +13,8 @@ int wrap_print(int unit, std::string_view text, int& line_count, int page_length
 /// The same for lines that stand as they are, each ended by a newline.
 int print_lines(int unit, std::string_view text, int& line_count, int page_length);
 
+/// The stop after a page of the screen: asks on the console; true when the answer begins with "q",
+/// and at end of input.
+bool user_quits_page();
+
 } // namespace quelor

@@ -168,6 +168,10 @@ bool read_raw_line(std::string& line) {
     return take_line(current_source(), raw_limit, line) == LineEnd::newline || !line.empty();
 }
 
+bool read_console_answer(std::string& line) {
+    return take_line(state.console, raw_limit, line) == LineEnd::newline || !line.empty();
+}
+
 void pop_input() {
     if (!state.stack.empty()) close_inputs_from(input_depth() - 1);
 }

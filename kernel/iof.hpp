@@ -29,6 +29,9 @@ bool input_has_ended();
 /// Raw line for the project name and RETURN waits: from the current file or the console, unlogged;
 /// false at end of input.
 bool read_raw_line(std::string& line);
+/// Answer to a stop after a page: from the console also while a file is read, unlogged; false at
+/// end of input.
+bool read_console_answer(std::string& line);
 void pop_input();
 /// `return`: leaves the current file; after a replayed log the log is opened again.
 void return_from_input();

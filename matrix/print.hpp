@@ -1,6 +1,8 @@
-// Printed form of a matrix: blocks of columns under a heading, rows with a number now and then.
+// The commands that show an array, `print`, `printf`, `printi` and `xprint`, and the printed form
+// of a matrix in other files.
 #pragma once
 
+#include "kernel/command.hpp"
 #include "kernel/types.hpp"
 
 namespace quelor {
@@ -8,5 +10,7 @@ namespace quelor {
 /// The matrix as `print` shows it: 6 columns in a block, in e12.4, every fifth row numbered, a
 /// blank line behind each block.
 void write_matrix(int unit, Matrix<const double> matrix);
+
+std::span<const Command> print_rows();
 
 } // namespace quelor
