@@ -1,6 +1,7 @@
 // The table of the matrix commands.
 #include "kernel/command.hpp"
 #include "matrix/matrix1.hpp"
+#include "matrix/print.hpp"
 
 namespace quelor {
 
@@ -9,12 +10,12 @@ static constexpr Family families[] = {
     matrix1_input_rows,
     matrix1_convert_rows,
     matrix1_generate_rows,
+    print_rows,
 };
 
 /// Words whose commands are not built yet, by family.
 // clang-format off
 static constexpr std::string_view planned[] = {
-    "print", "p", "printf", "pf", "printi", "xprint", "xp",
     "cp", "copy", "array3d_slice", "array3d_unslice", "extract", "sort", "trans", "cpdg", "split",
     "unsplit", "wrap", "unwrap", "put", "putdg", "joinh", "joinv",
     "add", "sub", "subcol", "sumcol", "norm", "max", "min", "mult_elem", "scale",

@@ -112,7 +112,8 @@ TEST_F(Utilities, TextsAreIndentedByTheirTabsAndWrappedAtBlanks) {
 
 TEST_F(Utilities, PagesStopUntilTheUserGoesOn) {
     int lines = 0;
-    give_input("\nq\n");
+    give_input("record\n"); // is not an answer
+    give_console("\nq\n");
     EXPECT_EQ(wrapped("1\n2\n3\n4\n5\n6\n", lines, 2),
               "    1\n    2\n--q to quit--    3\n    4\n--q to quit--");
     EXPECT_EQ(wrapped("text", lines, 0), "");

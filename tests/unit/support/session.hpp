@@ -47,6 +47,11 @@ protected:
         std::ofstream("records") << text;
         ASSERT_GT(open_input_file("records", false), 0);
     }
+    /// The text becomes what the user types.
+    static void give_console(const std::string& text) {
+        std::ofstream("console") << text;
+        ASSERT_NE(std::freopen("console", "r", stdin), nullptr);
+    }
     /// Runs one command line, with the data records that it reads; what appears on the screen.
     std::string run(std::string_view line, const std::string& records = {}) {
         if (!records.empty()) give_input(records);
