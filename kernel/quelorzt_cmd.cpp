@@ -1,6 +1,7 @@
 // The table of the hydrodynamic commands.
 
 #include "hydro_model/hyd_body_check.hpp"
+#include "hydro_model/hyd_convert_fea_mesh.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "hydro_model/hyd_modes.hpp"
 #include "hydro_model/hyd_nodes.hpp"
@@ -18,6 +19,7 @@ static constexpr std::initializer_list<Family> families = {
     hyd_nodes_rows,
     hyd_surf_nodes_rows,
     hyd_panel_rows,
+    hyd_convert_fea_mesh_rows,
     hyd_body_check_rows,
     hyd_rigid_modes_rows,
     hyd_rmass_rows,
@@ -27,7 +29,6 @@ static constexpr std::initializer_list<Family> families = {
 
 /// Words whose commands are not built yet, by family.
 static constexpr std::string_view planned[] = {
-    "hyd_convert_fea_mesh",
     "hyd_analysis", "hyd_close_files",
     "hyd_analysis_response",
     "hyd_analysis_response_P", "hyd_postresponse_P",

@@ -1,0 +1,158 @@
+// Panels from the wet elements of a finite-element mesh. Reads `.xyz`, `.node_active` and the
+// element tables `.interface_el`, `.min5s_el`, `.min3s_el`; writes the nodes of the panel mesh and
+// all that `hyd_panel` writes.
+#include "hydro_model/hyd_convert_fea_mesh.hpp"
+
+#include "fem/nodes.hpp"
+#include "hydro_model/hyd_panel.hpp"
+#include "kernel/fortfile.hpp"
+#include "kernel/utilities.hpp"
+
+#include <algorithm>
+#include <string>
+
+namespace quelor {
+
+namespace {
+
+/// An element type that may be wet: where its table says so.
+struct WetKind {
+    std::string_view el;     ///< element table, one column an element, its nodes in the first rows
+    int nodes;               ///< corner nodes
+    int face;                ///< row: 0 dry, -1 or 1 the wet face
+    int number;              ///< row of the panel number, 0 for a type without one
+    std::string_view report; ///< message after the conversion
+};
+constexpr WetKind wet_kinds[] = {
+    {".interface_el", 4, 6, 7, "     Converted interface elements\n"},
+    {".min5s_el", 4, 8, 9, "     Converted min5s elements\n"},
+    {".min3s_el", 3, 9, 0, "     Converted min3s elements\n"},
+};
+
+using PanelNodes = std::array<std::int32_t, 4>;
+
+/// The wet elements of one type, and the panel number of each within the type.
+struct WetFamily {
+    int wet = 0;             ///< number of wet elements
+    std::int32_t panels = 0; ///< panel numbers that the type takes
+    std::vector<PanelNodes> nodes;
+    std::vector<std::int32_t> numbers;
+};
+
+/// Corner nodes as a panel. On the positive face they run counterclockwise, so their order turns.
+PanelNodes panel_nodes(std::span<const std::int32_t> element, const WetKind& kind) {
+    PanelNodes n{};
+    const auto last = static_cast<std::size_t>(kind.nodes);
+    std::copy_n(element.begin(), last, n.begin());
+    if (element[static_cast<std::size_t>(kind.face - 1)] != 1) return n;
+    std::swap(n[1], n[last - 1]);
+    if (kind.nodes == 4 && n[1] == n[2]) n[2] = n[3];
+    return n;
+}
+
+/// The table of a type; null when it is absent or has not the rows that the type needs.
+Matrix<const std::int32_t> wet_table(const WetKind& kind) {
+    const ArrayRef ref = find_array(kind.el);
+    if (!ref.is(type_integer) || ref.rows() < std::max(kind.face, kind.number)) return {};
+    return as_matrix<const std::int32_t>(ref);
+}
+
+/// An element without a panel number takes the one after its predecessor's.
+WetFamily find_wet(const WetKind& kind) {
+    WetFamily family;
+    const auto el = wet_table(kind);
+    std::int32_t largest = 0;
+    std::int32_t previous = 0;
+    for (int e = 1; e <= el.cols; ++e) {
+        if (el(kind.face, e) == 0) continue;
+        const std::int32_t given = kind.number == 0 ? 0 : el(kind.number, e);
+        largest = std::max(largest, given);
+        previous = given != 0 ? given : previous + 1;
+        family.numbers.push_back(previous);
+        family.nodes.push_back(panel_nodes(el.col(e), kind));
+    }
+    family.wet = static_cast<int>(family.nodes.size());
+    family.panels = largest > 0 ? largest : family.wet;
+    return family;
+}
+
+/// True when the panel numbers of a type lie in its range and none is used twice.
+bool numbers_fit(const WetFamily& family) {
+    auto sorted = family.numbers;
+    std::ranges::sort(sorted);
+    return sorted.empty() || (sorted.front() >= 1 && sorted.back() <= family.panels &&
+                              std::ranges::adjacent_find(sorted) == sorted.end());
+}
+
+void copy_nodes(const NodeSet& from) {
+    new_nodes(hyd_mesh_nodes, from.count);
+    NodeSet to = open_nodes(hyd_mesh_nodes);
+    for (int n = 1; n <= from.count; ++n)
+        if (from.is_active(n)) to.define(n, from.at(n));
+    create_int_scalar(hyd_num_nodes, from.count);
+}
+
+void convert(std::span<const WetFamily> families, std::int32_t total) {
+    begin_panels();
+    create_int_scalar(hyd_num_panels, total);
+    const auto panels = create_matrix<std::int32_t>(hyd_panel_el, 4, total);
+    std::int32_t offset = 0;
+    for (std::size_t k = 0; k < families.size(); ++k) {
+        const WetFamily& family = families[k];
+        for (std::size_t i = 0; i < family.nodes.size(); ++i)
+            std::ranges::copy(family.nodes[i], panels.col(family.numbers[i] + offset).begin());
+        if (family.wet > 0) print_both(wet_kinds[k].report);
+        offset += family.panels;
+    }
+    finish_panels();
+}
+
+void cmd_hyd_convert_fea_mesh(std::string_view) {
+    const NodeSet nodes = get_int(num_nodes) < 1 ? NodeSet{} : open_nodes(fe_nodes);
+    if (!nodes || nodes.count < 1)
+        return print_both(" \n\tConversion failed: FEA nodal data not found\n");
+    if (!wet_table(wet_kinds[0]) && !wet_table(wet_kinds[1]))
+        return print_both(" \n\tConversion failed: FEA element data not found\n");
+    std::array<WetFamily, std::size(wet_kinds)> families;
+    std::ranges::transform(wet_kinds, families.begin(), find_wet);
+    write_both(
+        "10(/, 5x, 'Found ', i5, ' \"wet\" interface elements to convert to panels', /, 5x, '      ', i5, ' \"wet\" min5s elements to convert to panels ', /, 5x, '      ', i5, ' \"wet\" min3s elements to convert to panels', /)",
+        {families[0].wet, families[1].wet, families[2].wet});
+    std::int64_t total = 0;
+    for (const WetFamily& family : families)
+        total += family.panels;
+    if (std::ranges::all_of(families, [](const WetFamily& f) { return f.wet == 0; }))
+        return print_both(" \n\tNo wet finite elements to convert\n");
+    if (total > INT32_MAX || !std::ranges::all_of(families, numbers_fit))
+        return print_both(
+            " \n\tConversion failed: panel numbers of the elements are out of range or used twice\n");
+    copy_nodes(nodes);
+    convert(families, static_cast<std::int32_t>(total));
+}
+
+constexpr Command rows[] = {
+    {.words = {"hyd_convert_fea_mesh"},
+     .run = cmd_hyd_convert_fea_mesh,
+     .summary = "convert FEA mesh to a hydrodynamic panel mesh",
+     .help =
+         "Command Syntax\n\thyd_convert_fea_mesh\n\n"
+         "Convert FEA mesh to a hydrodynamic panel mesh. All finite-element nodes become nodes of "
+         "the panel mesh, and the wet elements of the types interface, min5s and min3s, in this "
+         "order, become panels. An element is wet when its face is not 0: 1 for the positive face, "
+         "-1 for the negative one. The nodal coordinates must be in the inertial system.\n\n"
+         "A panel takes the ID number of its element, plus the largest numbers of the types before "
+         "it; an element without a number takes the next one.\n\n"
+         "Example:\n\thyd_convert_fea_mesh\n\n"
+         "Arrays created: .hyd_xyz, .hyd_node_active, .hyd_#nodes, .hyd_#nodes_tot and the arrays "
+         "of hyd_panel. Takes the place of hyd_nodes and hyd_panel. A conversion that fails leaves "
+         "the panel mesh as it was.\n\n"
+         "See Also\n\thyd_panel\n\tinterface\n\tmin5s\n\tmin3s\n"},
+};
+
+} // namespace
+
+std::span<const Command> hyd_convert_fea_mesh_rows() {
+    return rows;
+}
+
+} // namespace quelor

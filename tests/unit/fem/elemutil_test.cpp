@@ -1,0 +1,98 @@
+// The element protocol row by row, and the algebra of elements.
+#include "fem/elemutil.hpp"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+using namespace quelor;
+
+TEST(Protocol, NamesEveryRequestOfTheTable) {
+    const std::pair<Request, Task> rows[] = {
+        {{0, 0, 0}, Task::input},
+        {{1, 0, 0}, Task::column_heights},
+        {{1, 0, 1}, Task::connectivity},
+        {{1, 1, 0}, Task::stiffness},
+        {{1, 2, 0}, Task::stiffness},
+        {{1, 7, 0}, Task::stiffness},
+        {{1, 1, 1}, Task::loads},
+        {{1, 1, 2}, Task::mass},
+        {{1, 1, 3}, Task::mass_diagonal},
+        {{1, 1, 4}, Task::damping},
+        {{1, 1, 5}, Task::damping_diagonal},
+        {{1, 1, 10}, Task::lagrange_g},
+        {{2, 1, 0}, Task::trial_state},
+        {{2, 2, 0}, Task::commit_state},
+        {{3, 0, 0}, Task::response},
+        {{4, 1, 0}, Task::print_input},
+        {{4, 2, 0}, Task::print_state},
+        {{4, 10, 0}, Task::print_trial_state},
+        {{4, 3, 0}, Task::print_response},
+        {{5, 0, 1}, Task::error},
+        {{5, 1, 0}, Task::relative_error},
+        {{6, 0, 0}, Task::mesh_export},
+        {{1, 0, 2}, Task::none},
+        {{1, 2, 2}, Task::none},
+        {{1, 1, 6}, Task::none},
+        {{2, 0, 0}, Task::none},
+        {{4, 4, 0}, Task::none},
+        {{7, 0, 0}, Task::none},
+    };
+    for (const auto& [request, task] : rows)
+        EXPECT_EQ(task_of(request), task)
+            << request.option << ' ' << request.modifier1 << ' ' << request.modifier2;
+}
+
+TEST(Protocol, TheTableHasEverySlotInOrderAndNoNameTwice) {
+    std::vector<std::string_view> names;
+    for (int slot = 1; slot <= element_slots; ++slot) {
+        const ElementRow& row = element_rows()[static_cast<std::size_t>(slot - 1)];
+        EXPECT_EQ(row.slot, slot);
+        EXPECT_FALSE(row.kind.empty());
+        EXPECT_EQ(row.routine == nullptr, row.help.empty());
+        if (!row.alias.empty()) names.push_back(row.alias);
+    }
+    EXPECT_EQ(names.size(), 34u);
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(std::adjacent_find(names.begin(), names.end()), names.end());
+}
+
+TEST(ElemTkt, IsTheProductWithTheWholeBlockDiagonalMatrix) {
+    constexpr int r = 2, c = 3, blocks = 2;
+    std::mt19937 random(1);
+    std::uniform_real_distribution<double> value(-1, 1);
+    std::vector<double> k(16), t(r * c), result(36), whole(4 * 6);
+    for (double& x : k)
+        x = value(random);
+    for (double& x : t)
+        x = value(random);
+    const Matrix<double> K{k.data(), 4, 4}, T{t.data(), r, c}, W{whole.data(), 4, 6};
+    for (int b = 0; b < blocks; ++b)
+        for (int i = 1; i <= r; ++i)
+            for (int j = 1; j <= c; ++j)
+                W(b * r + i, b * c + j) = T(i, j);
+    const Matrix<double> R{result.data(), 6, 6};
+    ASSERT_TRUE(elem_tkt({k.data(), 4, 4}, {t.data(), r, c}, R));
+    for (int i = 1; i <= 6; ++i)
+        for (int j = 1; j <= 6; ++j) {
+            double sum = 0;
+            for (int p = 1; p <= 4; ++p)
+                for (int q = 1; q <= 4; ++q)
+                    sum += W(p, i) * K(p, q) * W(q, j);
+            EXPECT_NEAR(R(i, j), sum, 1e-14); // rounding of some ten products below 1
+        }
+    EXPECT_FALSE(elem_tkt({k.data(), 4, 4}, {t.data(), 3, 2}, R));
+    EXPECT_FALSE(elem_tkt({k.data(), 4, 4}, {t.data(), r, c}, {result.data(), 5, 5}));
+}
+
+TEST(Vectors, LengthsAndDirections) {
+    const auto [c, l] = direction_cosines({1, 2, 3}, {1, 5, 7});
+    EXPECT_EQ(l, 5);
+    EXPECT_EQ(c, (Vec3{0, 0.6, 0.8}));
+    EXPECT_EQ(direction_cosines({1, 2, 3}, {1, 2, 3}).vector, (Vec3{0, 0, 0}));
+    EXPECT_EQ(cross_product({1, 0, 0}, {0, 2, 0}).vector, (Vec3{0, 0, 2}));
+    EXPECT_EQ(cross_product({1, 0, 0}, {0, 2, 0}).length, 2);
+    EXPECT_EQ(scale_to_length({3, 0, 4}, 10), (Vec3{6, 0, 8}));
+    EXPECT_EQ(scale_to_length({0, 0, 0}, 10), (Vec3{0, 0, 0}));
+}
