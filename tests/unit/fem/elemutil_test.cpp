@@ -8,7 +8,7 @@
 
 using namespace quelor;
 
-TEST(Protocol, NamesEveryRequestOfTheTable) {
+TEST(Protocol, names_every_request_of_the_table) {
     const std::pair<Request, Task> rows[] = {
         {{0, 0, 0}, Task::input},
         {{1, 0, 0}, Task::column_heights},
@@ -44,7 +44,7 @@ TEST(Protocol, NamesEveryRequestOfTheTable) {
             << request.option << ' ' << request.modifier1 << ' ' << request.modifier2;
 }
 
-TEST(Protocol, TheTableHasEverySlotInOrderAndNoNameTwice) {
+TEST(Protocol, the_table_has_every_slot_in_order_and_no_name_twice) {
     std::vector<std::string_view> names;
     for (int slot = 1; slot <= element_slots; ++slot) {
         const ElementRow& row = element_rows()[static_cast<std::size_t>(slot - 1)];
@@ -58,7 +58,7 @@ TEST(Protocol, TheTableHasEverySlotInOrderAndNoNameTwice) {
     EXPECT_EQ(std::adjacent_find(names.begin(), names.end()), names.end());
 }
 
-TEST(ElemTkt, IsTheProductWithTheWholeBlockDiagonalMatrix) {
+TEST(ElemTkt, is_the_product_with_the_whole_block_diagonal_matrix) {
     constexpr int r = 2, c = 3, blocks = 2;
     std::mt19937 random(1);
     std::uniform_real_distribution<double> value(-1, 1);
@@ -86,7 +86,7 @@ TEST(ElemTkt, IsTheProductWithTheWholeBlockDiagonalMatrix) {
     EXPECT_FALSE(elem_tkt({k.data(), 4, 4}, {t.data(), r, c}, {result.data(), 5, 5}));
 }
 
-TEST(Vectors, LengthsAndDirections) {
+TEST(Vectors, lengths_and_directions) {
     const auto [c, l] = direction_cosines({1, 2, 3}, {1, 5, 7});
     EXPECT_EQ(l, 5);
     EXPECT_EQ(c, (Vec3{0, 0.6, 0.8}));

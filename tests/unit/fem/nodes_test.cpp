@@ -38,7 +38,7 @@ List line(int total, int a, int b, int inc, double w) {
 
 } // namespace
 
-TEST(GenerateLine, MakesTheNodesStrictlyBetween) {
+TEST(GenerateLine, makes_the_nodes_strictly_between) {
     EXPECT_EQ(line(9, 1, 5, 1, 0).defined(), (std::vector{1, 2, 3, 4, 5}));
     EXPECT_EQ(line(9, 1, 5, 2, 0).defined(), (std::vector{1, 3, 5}));
     EXPECT_EQ(line(9, 1, 4, 2, 0).defined(), (std::vector{1, 3, 4}));
@@ -48,7 +48,7 @@ TEST(GenerateLine, MakesTheNodesStrictlyBetween) {
     EXPECT_EQ(line(9, 1, 5, 2147483647, 0).defined(), (std::vector{1, 5}));
 }
 
-TEST(GenerateLine, SpacesEquallyOrByTheWeight) {
+TEST(GenerateLine, spaces_equally_or_by_the_weight) {
     const List equal = line(5, 1, 5, 1, -3);
     for (int n = 1; n <= 5; ++n)
         EXPECT_DOUBLE_EQ(equal.set.xyz(1, n), (n - 1) / 4.0);
@@ -60,7 +60,7 @@ TEST(GenerateLine, SpacesEquallyOrByTheWeight) {
     EXPECT_DOUBLE_EQ(line(5, 1, 4, 2, 0).set.xyz(1, 3), 0.5);
 }
 
-TEST(GenerateQuad, FillsAGridAndStopsAtTheShorterSide) {
+TEST(GenerateQuad, fills_a_grid_and_stops_at_the_shorter_side) {
     List grid(20);
     grid.set.define(1, {0, 0, 0});
     grid.set.define(5, {4, 0, 0});
@@ -78,7 +78,7 @@ TEST(GenerateQuad, FillsAGridAndStopsAtTheShorterSide) {
         generate_quad(grid.set, std::array{1, 5, 16, 20}, std::array{1, -5}, std::array{0., 0.}));
 }
 
-TEST(PointIndex, FindsTheSamePairsAsASearchOfAll) {
+TEST(PointIndex, finds_the_same_pairs_as_a_search_of_all) {
     std::mt19937 random(3);
     std::uniform_int_distribution<int> step(0, 9);
     std::vector<Vec3> points; // places with rounding noise, many of them shared
