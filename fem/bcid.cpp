@@ -56,8 +56,8 @@ void copy_restraints(const Restraints& r, std::int64_t previous, std::int64_t n,
 void cmd_bcid(std::string_view) {
     const int total = get_int(num_nodes_tot);
     const int count = get_int(num_nodes);
-    if (count < 1) return print_both(" \n\tNumber of nodes < 1\n");
-    if (total < count) return print_both(" \n\tNodal arrays do not agree in size\n");
+    if (count < 1) return print_both(" \n\n\tNumber of nodes < 1\n");
+    if (total < count) return print_both(" \n\n\tNodal arrays do not agree in size\n");
     delete_array(node_eqs);
     delete_array(num_eqs);
     const Restraints r = create_restraints(total);
@@ -69,7 +69,7 @@ void cmd_bcid(std::string_view) {
         get_int_par("n=", n);
         if (n == 0) return;
         if (n < 0 || n > count) {
-            print_both(" \n\tNode number out of range\n");
+            print_both(" \n\n\tNode number out of range\n");
             shutdown();
         }
         get_int_par("r=", r.codes.col(n));
@@ -95,9 +95,9 @@ void cmd_pbcid(std::string_view) {
     const ArrayRef codes_ref = find_array(bcid);
     const ArrayRef print_ref = find_array(bcid_print);
     const ArrayRef active_ref = find_array(node_active);
-    if (!codes_ref.is(type_integer)) return print_both(" \n\tArray .bcid not found\n");
-    if (!print_ref.is(type_integer)) return print_both(" \n\tArray .bcid_print not found\n");
-    if (!active_ref.is(type_character)) return print_both(" \n\tActive node array not found\n");
+    if (!codes_ref.is(type_integer)) return print_both(" \n\n\tArray .bcid not found\n");
+    if (!print_ref.is(type_integer)) return print_both(" \n\n\tArray .bcid_print not found\n");
+    if (!active_ref.is(type_character)) return print_both(" \n\n\tActive node array not found\n");
 
     const auto codes = as_matrix<std::int32_t>(codes_ref);
     const auto print = as_span<std::int32_t>(print_ref);
@@ -124,16 +124,16 @@ constexpr Command rows[] = {
          "Command Syntax\n\tbcid  [#=?]  [r=?,?,?...]  [print=?]\n\t"
          "   n=node_no  r=?,?,?...  [print=?]  [inc=inc]\n\t   (blank line)\n\n"
          "Restraint codes of the degrees of freedom of each node.\n\n"
-         "#\tDegrees of freedom a node, 6 or more. Default is 6: translations along X, Y, Z and "
+         "#\n\tDegrees of freedom a node, 6 or more. Default is 6: translations along X, Y, Z and "
          "rotations about them.\n\n"
-         "r\tCodes, on the command line the defaults of all nodes (0 when not given) and on a record "
+         "r\n\tCodes, on the command line the defaults of all nodes (0 when not given) and on a record "
          "those of its node: 0 free, 1 fixed, -m shares the equation of the same degree of freedom "
          "of node m.\n\n"
-         "print\tPrint code of pdisp: 0 not printed, 1 printed. Default is 1, or the command line's "
+         "print\n\tPrint code of pdisp: 0 not printed, 1 printed. Default is 1, or the command line's "
          "value on a record.\n\n"
-         "n\tNode number. A number out of range ends the program; the database is saved first. A "
+         "n\n\tNode number. A number out of range ends the program; the database is saved first. A "
          "blank line ends the input.\n\n"
-         "inc\tNode increment of generation (default 0: none). Nodes between this record's node and "
+         "inc\n\tNode increment of generation (default 0: none). Nodes between this record's node and "
          "the one before it take the codes of this record.\n\n"
          "Example (plane motion, node 1 fixed):\n\tbcid r=0,0,1,1,1,0\n\tn=1 r=1,1,1,1,1,1\n\t"
          "(blank line)\n\n"

@@ -30,7 +30,7 @@ void call_element(int slot, Request request) {
     if (row.routine) return row.routine(request);
     // The backslashes of this text are characters of it.
     if (row.alias.empty()) return print_both(" \\nElement is unused.\\n");
-    print_both(" \n\tElement " + std::string(row.alias) + " is not available in this version\n");
+    print_both(" \n\n\tElement " + std::string(row.alias) + " is not available in this version\n");
 }
 
 void elem_call(Request request, int source) {
@@ -60,7 +60,7 @@ static void cmd_elem_grp(std::string_view) {
     std::int32_t code = 0;
     get_int_par(" e=", slot);
     get_int_par(" code=", code);
-    if (slot < 1 || slot > element_slots) return print_both(" \n\tGroup number out of range\n");
+    if (slot < 1 || slot > element_slots) return print_both(" \n\n\tGroup number out of range\n");
     set_element_group(slot, code);
 }
 
@@ -73,7 +73,7 @@ void put_coordinates(Matrix<const double> x, std::span<const std::int32_t> nodes
                      std::ptrdiff_t node_step, std::ptrdiff_t axis_step) {
     for (const std::int32_t n : nodes) {
         if (n > x.cols) {
-            print_both(" \n\tNode number out of range\n");
+            print_both(" \n\n\tNode number out of range\n");
             shutdown();
         }
         for (int axis = 0; axis < 3; ++axis)
@@ -152,9 +152,9 @@ void check_element_lengths(std::string_view name, std::span<const double> length
 bool elem_tkt(Matrix<const double> k, Matrix<const double> t, Matrix<double> result) {
     const int r = t.rows;
     const int c = t.cols;
-    if (r < 1 || k.rows % r != 0) return print_both(" \n\tError 1 in routine elem_tkt\n"), false;
+    if (r < 1 || k.rows % r != 0) return print_both(" \n\n\tError 1 in routine elem_tkt\n"), false;
     const int blocks = k.rows / r;
-    if (result.rows != c * blocks) return print_both(" \n\tError 2 in routine elem_tkt\n"), false;
+    if (result.rows != c * blocks) return print_both(" \n\n\tError 2 in routine elem_tkt\n"), false;
 
     const int n = k.rows;
     std::vector<double> storage(static_cast<std::size_t>(n) *
@@ -178,7 +178,7 @@ bool elem_tkt(Matrix<const double> k, Matrix<const double> t, Matrix<double> res
 
 void add_element_error(double error) {
     if (!(error >= -1e-10)) {
-        print_both(" \n\tAttempt to add negative error to global finite element error\n");
+        print_both(" \n\n\tAttempt to add negative error to global finite element error\n");
         shutdown();
     }
     const double present = get_real(fem_error);
@@ -209,8 +209,8 @@ static constexpr Command rows[] = {
      .help =
          "Command Syntax\n\telem_grp  e=?  code=?\n\n"
          "Sets the group code of an element type.\n\n"
-         "e\tNumber of the element type, 1 to 40, as listed by elem_alias.\n\n"
-         "code\tGroup code. 0 (the default) takes the type out of processing and leaves its "
+         "e\n\tNumber of the element type, 1 to 40, as listed by elem_alias.\n\n"
+         "code\n\tGroup code. 0 (the default) takes the type out of processing and leaves its "
          "arrays as they are; for most types 1 is linear and 2 adds the geometric stiffness.\n\n"
          "Example (take the linear truss out):\n\telem_grp e=29 code=0\n\n"
          "The codes are in the array .elem_grp(40), which is created when it does not "
@@ -223,7 +223,7 @@ static constexpr Command rows[] = {
              "Adds up the error estimates of all active elements, then has each type form the "
              "relative errors of its elements.\n\n"
              "-SE\tError in strain energy (default).\n\n"
-             "-user\tUser-defined error; -SE wins when both are given.\n\n"
+             "-user\n\tUser-defined error; -SE wins when both are given.\n\n"
              "Example:\n\tfem_error -SE\n\n"
              "Array created: .fem_error, the global error, -1 when no element has an estimate.\n\n"
              "See Also\n\telem_grp\n"},

@@ -29,26 +29,48 @@ void run_print(std::string_view word) {
     call_element(slot_of(word), {4, 1, 0});
 }
 
-/// Two rows for each slot that is built or unused.
+/// Two rows for each slot that is built.
 std::span<const Command> element_command_rows() {
     static std::deque<std::string> summaries;
     static const std::vector<Command> commands = [] {
-        // The backslashes of this text are characters of it.
-        constexpr std::string_view unused = "Unused element.\\n";
         std::vector<Command> all;
         for (const ElementRow& row : element_rows()) {
-            if (is_planned(row)) continue;
-            const bool used = row.routine != nullptr;
+            if (!row.routine) continue;
             all.push_back({.words = {element_word(row.slot)},
                            .run = run_input,
                            .summary = row.kind,
-                           .help = used ? row.help : unused});
+                           .help = row.help});
             summaries.push_back("print: " + std::string(row.kind));
             all.push_back({.words = {print_element_word(row.slot)},
                            .run = run_print,
                            .summary = summaries.back(),
-                           .help = used ? row.print_help : unused});
+                           .help = row.print_help});
         }
+        return all;
+    }();
+    return commands;
+}
+
+/// The words of unused slots, as many to a row as it holds.
+std::span<const Command> unused_element_rows() {
+    static const std::vector<Command> commands = [] {
+        // The backslashes of the help text are characters of it.
+        const Command none{.words = {},
+                           .run = run_input,
+                           .summary = "unused elements",
+                           .help = "Unused element.\\n"};
+        std::vector<Command> all;
+        std::size_t at = none.words.size();
+        const auto add = [&](std::string_view word) {
+            if (at == none.words.size()) {
+                all.push_back(none);
+                at = 0;
+            }
+            all.back().words[at++] = word;
+        };
+        for (auto* const word_of : {element_word, print_element_word})
+            for (const ElementRow& row : element_rows())
+                if (row.alias.empty()) add(word_of(row.slot));
         return all;
     }();
     return commands;
@@ -56,6 +78,7 @@ std::span<const Command> element_command_rows() {
 
 constexpr std::initializer_list<Family> families = {
     element_command_rows,
+    unused_element_rows,
     element_alias_rows,
 };
 

@@ -53,11 +53,11 @@ std::optional<NodeRecord> next_node_record() {
 
 void check_record(const NodeRecord& record, int total) {
     if (!node_in_range(record.n, total)) {
-        print_both(" \n\t\tInvalid node number\n");
+        print_both(" \n\t\n\tInvalid node number\n");
         shutdown();
     }
     if (!is_finite(record.x)) {
-        print_both(" \n\tCoordinates of node " + std::to_string(record.n) +
+        print_both(" \n\n\tCoordinates of node " + std::to_string(record.n) +
                    " are not finite numbers\n");
         shutdown();
     }
@@ -79,16 +79,16 @@ void NodeSet::define(int n, const Vec3& p) {
 
 NodeSet open_nodes(const NodeKind& kind) {
     const int total = get_int(kind.total);
-    if (total < 1) return print_both(" \n\tNumber nodes < 1\n"), NodeSet{};
+    if (total < 1) return print_both(" \n\n\tNumber nodes < 1\n"), NodeSet{};
     const ArrayRef xyz = find_array(kind.xyz);
-    if (!xyz.is(type_real)) return print_both(" \n\tCoordinate array not found\n"), NodeSet{};
+    if (!xyz.is(type_real)) return print_both(" \n\n\tCoordinate array not found\n"), NodeSet{};
     const ArrayRef active = find_array(kind.active);
     if (!active.is(type_character))
-        return print_both(" \n\tActive node array not found\n"), NodeSet{};
+        return print_both(" \n\n\tActive node array not found\n"), NodeSet{};
 
     const int count = std::max(get_int(kind.count), 0);
     if (xyz.rows() != 3 || xyz.cols() < total || active.size() < total || count > total)
-        return print_both(" \n\tNodal arrays do not agree in size\n"), NodeSet{};
+        return print_both(" \n\n\tNodal arrays do not agree in size\n"), NodeSet{};
     return {as_matrix<double>(xyz), as_span<char>(active), count, total};
 }
 
@@ -103,7 +103,7 @@ void new_nodes(const NodeKind& kind, int total) {
 
 bool node_in_range(int n, int limit) {
     if (1 <= n && n <= limit) return true;
-    print_both(" \n\tNode number out of range\n");
+    print_both(" \n\n\tNode number out of range\n");
     return false;
 }
 
@@ -117,7 +117,7 @@ void generate_line(NodeSet& set, int a, int b, int inc, double w) {
         s = s * w + 1;
     if (!weighted) s = static_cast<double>(count + 1);
     if (!std::isfinite(s))
-        return print_both(" \n\tSpacing weight is too large; nodes not generated\n");
+        return print_both(" \n\n\tSpacing weight is too large; nodes not generated\n");
 
     Vec3 x = set.at(a);
     Vec3 d = difference(set.at(b), x);
@@ -141,7 +141,7 @@ bool generate_quad(NodeSet& set, std::span<const std::int32_t> corners,
     const double w1 = w[0] > 0 ? w[0] : 1;
     const double w2 = w[1] > 0 ? w[1] : 1;
     if (inc2 < 0 && n1 < n3 && n2 < n4) // the lines would run away from n3 n4, out of the list
-        return print_both(" \n\tNode number out of range\n"), false;
+        return print_both(" \n\n\tNode number out of range\n"), false;
 
     generate_line(set, n1, n2, inc1, w1);
     generate_line(set, n3, n4, inc1, w1);
@@ -176,7 +176,7 @@ void read_nodes(const NodeKind& kind) {
 void generate_nodes(const NodeKind& kind) {
     NodeSet set = open_nodes(kind);
     if (!set) return;
-    if (set.count < 1) return print_both(" \n\tNumber nodes < 1\n");
+    if (set.count < 1) return print_both(" \n\n\tNumber nodes < 1\n");
     for (;;) {
         std::array<std::int32_t, 2> line{not_given, 0}, inc{};
         std::array<std::int32_t, 4> quad{not_given, 0, 0, 0};
@@ -200,9 +200,9 @@ void generate_nodes(const NodeKind& kind) {
 
 void print_nodes(const NodeKind& kind) {
     const ArrayRef xyz = find_array(kind.xyz);
-    if (!xyz.is(type_real)) return print_both(" \n\tCoordinate array not found\n");
+    if (!xyz.is(type_real)) return print_both(" \n\n\tCoordinate array not found\n");
     if (!find_array(kind.active).is(type_character))
-        return print_both(" \n\tActive node array not found\n");
+        return print_both(" \n\n\tActive node array not found\n");
     const NodeSet set = open_nodes(kind);
     if (!set) return;
 
@@ -232,13 +232,13 @@ constexpr std::string_view nodes_text =
     "Command Syntax\n\t@nodes  #=?\n\t   n=node_no  x=x-coor  y=y-coor  z=z-coor  [lgen=lgen]\n\t"
     "   (blank line)\n\n"
     "Input of %, by number and coordinates.\n\n"
-    "#\tHighest node number that will ever be used. A value above 0 starts a new list of nodes; "
+    "#\n\tHighest node number that will ever be used. A value above 0 starts a new list of nodes; "
     "without it the nodes at hand are changed or added to.\n\n"
     "The records may also be five plain numbers: n x y z lgen. A blank line ends the input.\n\n"
-    "n\tNode number, 1 to #. A number out of this range ends the program; the database is saved "
+    "n\n\tNode number, 1 to #. A number out of this range ends the program; the database is saved "
     "first.\n\n"
-    "x, y, z\tCoordinates. Defaults are 0.\n\n"
-    "lgen\tNode increment of generation (default 0: none). Nodes between this record's node and the "
+    "x, y, z\n\tCoordinates. Defaults are 0.\n\n"
+    "lgen\n\tNode increment of generation (default 0: none). Nodes between this record's node and the "
     "one before it are put at equal spacing on the straight line between them; a negative value "
     "serves descending numbers.\n\n"
     "Example (nodes 1 to 5 along the x-axis):\n\t@nodes #=5\n\tn=1\n\tn=5 x=8.0 lgen=1\n\t(blank "
@@ -252,12 +252,12 @@ constexpr std::string_view gen_text =
     "   quad=node1,node2,node3,node4  [inc=inc1,inc2]  [w=w1,w2]\n\t   (blank line)\n\n"
     "Generates % between nodes that are already defined. Each record generates a line or a "
     "quadrilateral; a blank line ends the input.\n\n"
-    "linear\tNodes between node1 and node2, on a straight line.\n\n"
-    "quad\tNodes of the quadrilateral with sides node1-node2, node3-node4 (increment inc1, weight "
+    "linear\n\tNodes between node1 and node2, on a straight line.\n\n"
+    "quad\n\tNodes of the quadrilateral with sides node1-node2, node3-node4 (increment inc1, weight "
     "w1) and node1-node3, node2-node4 (inc2, w2), and within it along lines parallel to "
     "node1-node2. The corners need not lie in one plane; node3 = node4 gives a triangle.\n\n"
-    "inc\tIncrement of node numbers. Default is 1.\n\n"
-    "w\tPositive weight: each spacing is w times the one before it. Default is 1, equal spacing.\n\n"
+    "inc\n\tIncrement of node numbers. Default is 1.\n\n"
+    "w\n\tPositive weight: each spacing is w times the one before it. Default is 1, equal spacing.\n\n"
     "Example (a grid of 3 by 5 nodes between the corners 1, 5, 11, 15):\n\t@node_gen\n\t"
     "quad=1,5,11,15 inc=1,5\n\t(blank line)\n\n"
     "Arrays changed: $xyz, $active, $count.\n\n"
@@ -266,8 +266,8 @@ constexpr std::string_view gen_text =
 constexpr std::string_view print_text =
     "Command Syntax\n\tp@nodes  [nodes=first,last]  [-screen]\n\n"
     "Prints coordinates of % to the output file.\n\n"
-    "nodes\tRange of node numbers. Default is all nodes.\n\n"
-    "-screen\tPrint on the screen as well.\n\n"
+    "nodes\n\tRange of node numbers. Default is all nodes.\n\n"
+    "-screen\n\tPrint on the screen as well.\n\n"
     "Example:\n\tp@nodes nodes=1,10 -screen\n\n"
     "See Also\n\t@nodes\n\t@node_gen\n";
 

@@ -19,12 +19,12 @@ Vec3 node_coordinates(int n) {
     const ArrayRef active = find_array(node_active);
     if (n < 1 || n > get_int(num_nodes) || !coordinates.is(type_real) || coordinates.rows() != 3 ||
         n > coordinates.cols()) {
-        print_both(" \n\tError in getting nodal coordinates\n");
+        print_both(" \n\n\tError in getting nodal coordinates\n");
         shutdown();
     }
     if (!active.is(type_character) || n > active.size() ||
         as_span<char>(active)[static_cast<std::size_t>(n - 1)] != 'A') {
-        print_both(" \n\tAttempt to use undefined node\n");
+        print_both(" \n\n\tAttempt to use undefined node\n");
         shutdown();
     }
     const auto x = as_matrix<double>(coordinates);
@@ -42,7 +42,7 @@ int node_find(const Vec3& p, double tol) {
 int node_add(const Vec3& p, int bc_node) {
     const int count = get_int(num_nodes);
     if (count < 1 || get_int(num_nodes_tot) <= count || bc_node > count) return 0;
-    if (!array_exists(xyz)) return print_both(" \n\tNodal coordinate array not found\n"), 0;
+    if (!array_exists(xyz)) return print_both(" \n\n\tNodal coordinate array not found\n"), 0;
     NodeSet set = open_nodes(fe_nodes);
     if (!set) return 0;
     const int n = count + 1;
@@ -100,10 +100,10 @@ static int merge_coincident(const NodeSet& set, Matrix<std::int32_t> codes, cons
 }
 
 static void cmd_merge_nodes(std::string_view) {
-    if (get_int(num_nodes) < 1) return print_both(" \n\tNumber of nodes < 1\n");
-    if (!array_exists(xyz)) return print_both(" \n\tCoordinate array not found\n");
+    if (get_int(num_nodes) < 1) return print_both(" \n\n\tNumber of nodes < 1\n");
+    if (!array_exists(xyz)) return print_both(" \n\n\tCoordinate array not found\n");
     const ArrayRef restraints = find_array(bcid);
-    if (!restraints.is(type_integer)) return print_both(" \n\tArray .bcid not found\n");
+    if (!restraints.is(type_integer)) return print_both(" \n\n\tArray .bcid not found\n");
     const NodeSet set = open_nodes(fe_nodes);
     if (!set) return;
     if (restraints.cols() < set.count) return print_both(" /n/tIncorrect dimension of .bcid/n");
@@ -153,9 +153,9 @@ std::span<const Command> nodes_rows() {
                     "Ties nodes at the same place to the lowest-numbered of them: their first six "
                     "degrees of freedom share its equations. Earlier restraints of the tied nodes "
                     "are overwritten.\n\n"
-                    "tol\tLargest difference of a coordinate. Default is 1e-8.\n\n"
-                    "xtol, ytol, ztol\tThe same for one coordinate. Default is tol.\n\n"
-                    "-print\tDo not print the nodes that are tied.\n\n"
+                    "tol\n\tLargest difference of a coordinate. Default is 1e-8.\n\n"
+                    "xtol, ytol, ztol\n\tThe same for one coordinate. Default is tol.\n\n"
+                    "-print\n\tDo not print the nodes that are tied.\n\n"
                     "Example:\n\tmerge_nodes tol=0.001\n\n"
                     "The array .bcid is changed; .node_eqs and .#eqs are deleted, so equations are "
                     "numbered anew. Must follow bcid.\n\n"

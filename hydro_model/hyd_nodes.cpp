@@ -27,11 +27,11 @@ bool snap(double& coordinate, double tol) {
 } // namespace
 
 void set_nodes_on_planes(const NodeKind& kind, bool on_surface) {
-    if (get_int(kind.count) < 1) return print_both(" \n\tNumber nodes < 1\n");
+    if (get_int(kind.count) < 1) return print_both(" \n\n\tNumber nodes < 1\n");
     const NodeSet set = open_nodes(kind);
     if (!set) return;
     const int symmetry = get_int(hyd_symmetry);
-    if (symmetry < 0 || symmetry > 2) return print_both(" \n\tInvalid symmetry option\n");
+    if (symmetry < 0 || symmetry > 2) return print_both(" \n\n\tInvalid symmetry option\n");
     const double z_tol = tolerance("z_tol=");
     const double x_tol = tolerance("x_tol=");
     const double y_tol = tolerance("y_tol=");
@@ -81,20 +81,21 @@ std::span<const Command> hyd_nodes_rows() {
                 .run = [](std::string_view) { print_nodes(hyd_mesh_nodes); },
                 .summary = "print nodes of the panel mesh",
                 .help = help.print},
-        Command{.words = {"hyd_node_tolerance"},
-                .run = [](std::string_view) { set_nodes_on_planes(hyd_mesh_nodes, false); },
-                .summary = "put nodes near a plane of symmetry or the water line on it",
-                .help =
-                    "Command Syntax\n\thyd_node_tolerance  [z_tol=?]  [x_tol=?]  [y_tol=?]\n\n"
-                    "Puts nodes of the panel mesh that lie within a tolerance of the still-water "
-                    "plane z = 0 on it; with single or double symmetry (hyd_parameters) likewise "
-                    "the plane y = 0, and with double symmetry the plane x = 0. Each node that is "
-                    "changed is listed.\n\n"
-                    "z_tol, x_tol, y_tol\tTolerances. Defaults, also for values that are not above "
-                    "0, are 0.001.\n\n"
-                    "Example:\n\thyd_node_tolerance z_tol=0.01\n\n"
-                    "Array changed: .hyd_xyz. To be given before hyd_panel.\n\n"
-                    "See Also\n\thyd_nodes\n\thyd_panel\n\thyd_body_check\n"},
+        Command{
+            .words = {"hyd_node_tolerance"},
+            .run = [](std::string_view) { set_nodes_on_planes(hyd_mesh_nodes, false); },
+            .summary = "put nodes near a plane of symmetry or the water line on it",
+            .help =
+                "Command Syntax\n\thyd_node_tolerance  [z_tol=?]  [x_tol=?]  [y_tol=?]\n\n"
+                "Puts nodes of the panel mesh that lie within a tolerance of the still-water "
+                "plane z = 0 on it; with single or double symmetry (hyd_parameters) likewise "
+                "the plane y = 0, and with double symmetry the plane x = 0. Each node that is "
+                "changed is listed.\n\n"
+                "z_tol, x_tol, y_tol\n\tTolerances. Defaults, also for values that are not above "
+                "0, are 0.001.\n\n"
+                "Example:\n\thyd_node_tolerance z_tol=0.01\n\n"
+                "Array changed: .hyd_xyz. To be given before hyd_panel.\n\n"
+                "See Also\n\thyd_nodes\n\thyd_panel\n\thyd_body_check\n"},
     };
     return rows;
 }

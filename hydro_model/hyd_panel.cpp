@@ -67,7 +67,7 @@ std::vector<char> panel_codes(std::span<const Panel> panels, std::span<const Fla
     const int symmetry = get_int(hyd_symmetry);
     if (symmetry < 0 || symmetry > 2)
         print_both(
-            " \n\tValid symmtry code (.hyd_symmetry) not specified. See command hyd_parameters. Using no symmetry.\n");
+            " \n\n\tValid symmtry code (.hyd_symmetry) not specified. See command hyd_parameters. Using no symmetry.\n");
     std::vector<char> codes(static_cast<std::size_t>(n), ' ');
     for (std::size_t i = 0; i < panels.size(); ++i)
         codes[static_cast<std::size_t>(panels[i].number - 1)] = panel_code(flat[i], symmetry);
@@ -191,7 +191,7 @@ void read_panels() {
     }
     std::int32_t n = 0;
     get_int_par(" n=", n);
-    if (n < 1) return print_both(" \n\tNumber of panels < 1\n");
+    if (n < 1) return print_both(" \n\n\tNumber of panels < 1\n");
     begin_panels();
     read_panel_records(hyd_structure_panels, n);
     finish_panels();
@@ -221,7 +221,7 @@ void begin_panels() {
     for (const auto name :
          {hyd_panela, hyd_paneln, hyd_panel_rmap, hyd_xr, hyd_yr, hyd_zr, hyd_xyzc})
         delete_array(name);
-    fortopen_ext(unit_pan, "pan", "UNKNOWN", "FORMATTED");
+    fortopen_ext(unit_pan, ".pan", "UNKNOWN", "FORMATTED");
 }
 
 void finish_panels() {
@@ -242,13 +242,13 @@ void make_panel_rmap() {
     const ArrayRef ref = find_array(hyd_panel_map);
     if (!ref.is(type_integer)) {
         not_found(hyd_panel_map);
-        print_both(" \n\tPanels must be defined before mapping can be created\n");
+        print_both(" \n\n\tPanels must be defined before mapping can be created\n");
         shutdown();
     }
     const int n = get_int(hyd_num_panels);
     const int np = get_int(hyd_num_wetpanels);
     if (n < 1 || np < 1 || n > ref.size()) {
-        print_both(" \n\tError in panel numbers\n");
+        print_both(" \n\n\tError in panel numbers\n");
         shutdown();
     }
     const auto map = as_span<std::int32_t>(ref);
@@ -282,19 +282,19 @@ std::string_view hyd_panel_help() {
            "inc_2d=inc1_2d,inc2_2d  inc_el=inc_el]\n\t   (blank line)\n\n"
            "Input of the panels of the wetted surface, and all that the analysis needs of them: areas, "
            "normals, centroids, and which of them are wet.\n\n"
-           "n\tOn the command line the largest panel number (required); on a record the number of its "
+           "n\n\tOn the command line the largest panel number (required); on a record the number of its "
            "panel. A number out of range ends the program; the database is saved first. A blank line ends "
            "the input.\n\n"
-           "nodes\tNumbers of the corner nodes (hyd_nodes), clockwise looking from the fluid, so that the "
+           "nodes\n\tNumbers of the corner nodes (hyd_nodes), clockwise looking from the fluid, so that the "
            "normal points out of the fluid into the body. For a triangle node4 is 0 or equal to node3.\n\n"
-           "gen\tNumber of further panels in the sequence of the record (default 0), numbered n+1, n+2, "
+           "gen\n\tNumber of further panels in the sequence of the record (default 0), numbered n+1, n+2, "
            "...\n\n"
-           "inc\tNode increments within the sequence: inc1 of nodes 1 and 2, inc2 of nodes 3 and 4. "
+           "inc\n\tNode increments within the sequence: inc1 of nodes 1 and 2, inc2 of nodes 3 and 4. "
            "Defaults are 0.\n\n"
-           "gen_2d\tNumber of further sequences (default 0).\n\n"
-           "inc_2d\tNode increments from sequence to sequence: inc1_2d of nodes 1 and 2, inc2_2d of nodes "
+           "gen_2d\n\tNumber of further sequences (default 0).\n\n"
+           "inc_2d\n\tNode increments from sequence to sequence: inc1_2d of nodes 1 and 2, inc2_2d of nodes "
            "3 and 4. Defaults are 0.\n\n"
-           "inc_el\tIncrement of panel numbers from sequence to sequence. Default is gen+1.\n\n"
+           "inc_el\n\tIncrement of panel numbers from sequence to sequence. Default is gen+1.\n\n"
            "A record may also be plain numbers, in the order n, node1 to node4, inc1, inc2, gen, inc1_2d, "
            "inc2_2d, gen_2d, inc_el.\n\n"
            "Panels with a corner above z = 0 are wet (V) or dry (E) by the height of their centroid; those "
@@ -315,7 +315,7 @@ std::string_view phyd_panel_help() {
     return "Command Syntax\n\tphyd_panel  [-wet_only]\n\n"
            "Prints the nodes and the code of each panel: W wet, D dry, V wet but partially dry, E dry but "
            "partially wet. Panels left out by symmetry are not printed.\n\n"
-           "-wet_only\tPrint only the panels of the analysis, W and V.\n\n"
+           "-wet_only\n\tPrint only the panels of the analysis, W and V.\n\n"
            "Example:\n\tphyd_panel -wet_only\n\n"
            "See Also\n\thyd_panel\n\tphyd_nodes\n";
 }

@@ -30,7 +30,7 @@ std::span<const Command> hyd_surf_nodes_rows() {
                 "further away than z_tol is listed. With single or double symmetry "
                 "(hyd_parameters) nodes within y_tol of the plane y = 0 are put on it, and with "
                 "double symmetry those within x_tol of the plane x = 0.\n\n"
-                "z_tol, x_tol, y_tol\tTolerances. Defaults, also for values that are not above "
+                "z_tol, x_tol, y_tol\n\tTolerances. Defaults, also for values that are not above "
                 "0, are 0.001.\n\n"
                 "Example:\n\thyd_surf_node_tolerance z_tol=0.01\n\n"
                 "Array changed: .hyd_surf_xyz.\n\n"

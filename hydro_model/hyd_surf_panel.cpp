@@ -31,7 +31,7 @@ void read_surface_panels() {
     }
     std::int32_t n = 0;
     get_int_par(" n=", n);
-    if (n < 1) return print_both(" \n\tNumber of panels < 1\n");
+    if (n < 1) return print_both(" \n\n\tNumber of panels < 1\n");
     delete_panels(hyd_surface_panels);
     read_panel_records(hyd_surface_panels, n);
     finish_surface_panels();
@@ -101,11 +101,12 @@ Division read_division(int n) {
     get_int_par(" range=", range);
     get_int_par(" nxm=", parts);
     if (range[0] < 1 || range[0] > n)
-        return print_both(" \n\tCould not find first element in range to subdivide\n"), Division{};
+        return print_both(" \n\n\tCould not find first element in range to subdivide\n"),
+               Division{};
     if (range[1] < range[0] || range[1] > n)
-        return print_both(" \n\tCould not find last element in range to subdivide\n"), Division{};
+        return print_both(" \n\n\tCould not find last element in range to subdivide\n"), Division{};
     if (parts[0] < 1 || parts[1] < 1)
-        return print_both(" \n\tNumbers of parts (nxm) must be greater than 0\n"), Division{};
+        return print_both(" \n\n\tNumbers of parts (nxm) must be greater than 0\n"), Division{};
     return {range[0], range[1], parts[0], parts[1]};
 }
 
@@ -165,7 +166,7 @@ void divide_panels(const Division& d, std::span<const Panel> panels) {
 void subdivide_surface_panels() {
     const ArrayRef ref = find_array(hyd_surf_panel_el);
     if (!ref.is(type_integer) || ref.rows() != 4) {
-        print_both(" \n\tHYD_SURF_PANEL element information not found\n");
+        print_both(" \n\n\tHYD_SURF_PANEL element information not found\n");
         shutdown();
     }
     const Division d = read_division(ref.cols());
@@ -175,7 +176,7 @@ void subdivide_surface_panels() {
         return d.first <= panel.number && panel.number <= d.last;
     });
     if (in_range * d.parts12 > most_panels / d.parts14)
-        return print_both(" \n\tToo many panels to generate\n");
+        return print_both(" \n\n\tToo many panels to generate\n");
     divide_panels(d, panels);
 }
 
@@ -203,17 +204,17 @@ std::string_view hyd_surf_panel_help() {
            "Input of the panels of the free surface. They are only used when exporting the surface "
            "elevation to graphics programs for visualization. They are not used for any "
            "calculations.\n\n"
-           "n\tOn the command line the largest panel number (required); on a record the number of "
+           "n\n\tOn the command line the largest panel number (required); on a record the number of "
            "its panel. A blank line ends the input.\n\n"
-           "nodes\tNumbers of the corner nodes (hyd_surf_nodes), clockwise looking at the surface "
+           "nodes\n\tNumbers of the corner nodes (hyd_surf_nodes), clockwise looking at the surface "
            "from above. For a triangle node4 is 0 or equal to node3.\n\n"
-           "gen, inc, gen_2d, inc_2d, inc_el\tGeneration, as for hyd_panel. Defaults are 0; inc_el "
+           "gen, inc, gen_2d, inc_2d, inc_el\n\tGeneration, as for hyd_panel. Defaults are 0; inc_el "
            "defaults to gen+1.\n\n"
-           "-subdivide\tDivide each panel of a range of those at hand into smaller ones. Nodes that "
+           "-subdivide\n\tDivide each panel of a range of those at hand into smaller ones. Nodes that "
            "already lie at the corners of the parts are used, others are added. The first part "
            "keeps the number of its panel; the others follow the largest number.\n\n"
-           "range\tFirst and last panel to divide. Default is all panels.\n\n"
-           "nxm\tNumbers of parts in the direction from node 1 to node 2, and from node 1 to node 4. "
+           "range\n\tFirst and last panel to divide. Default is all panels.\n\n"
+           "nxm\n\tNumbers of parts in the direction from node 1 to node 2, and from node 1 to node 4. "
            "Defaults are 1.\n\n"
            "Example:\n\thyd_surf_panel n=1\n\tn=1 nodes=1,2,3,4\n\t(blank line)\n\t"
            "hyd_surf_panel -subdivide range=1,1 nxm=10,5\n\n"
@@ -226,7 +227,7 @@ std::string_view hyd_surf_panel_help() {
 std::string_view phyd_surf_panel_help() {
     return "Command Syntax\n\tphyd_surf_panel  [-wet_only]\n\n"
            "Prints the nodes of each panel of the free surface; the code of all is W.\n\n"
-           "-wet_only\tPrint only panels with code W or V.\n\n"
+           "-wet_only\n\tPrint only panels with code W or V.\n\n"
            "Example:\n\tphyd_surf_panel\n\n"
            "See Also\n\thyd_surf_panel\n\tphyd_surf_nodes\n";
 }

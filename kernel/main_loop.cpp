@@ -22,7 +22,8 @@ static std::string read_command() {
 void dispatch(std::span<const CommandTable* const> chain, std::string_view word) {
     if (const Command* command = find_command(chain, word)) return command->run(word);
     if (is_planned(chain, word)) {
-        return write_both("('    Command \"', a, '\" is not available in this version')", {word});
+        return write_both("('    Command \"', a, '\" is not available in this version')",
+                          {alias_to_user(word)});
     }
     write_both("('    Command \"', a, '\" not found')", {word.substr(0, word.find(' '))});
 }
