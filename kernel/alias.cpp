@@ -70,7 +70,7 @@ constexpr Command palias_row[] = {
 constexpr Command elem_alias_row[] = {
     {.words = {"elem_alias"},
      .run = cmd_elem_alias,
-     .summary = "prints the names of the elements and their aliases",
+     .summary = "prints the element commands and their aliases",
      .help = "Command Syntax\n\telem_alias\n\n"
              "Prints the element commands elem01 to elem40 that are in use, and the aliases under "
              "which they are known. Either name can be given as the command.\n\n"

@@ -332,7 +332,7 @@ constexpr Command condition_row[] = {
 constexpr Command loop_row[] = {
     {.words = {"while"},
      .run = cmd_while,
-     .summary = "repeats a block of commands while a condition holds",
+     .summary = "repeats a block while a condition holds",
      .help = "Command Syntax\n\twhile arg1 [operator arg2]\n\tblock of commands\n\tend_while\n\n"
              "Repeats the block as long as the condition holds; it is tested before each pass. The "
              "condition is that of the command if.\n\n"
@@ -349,7 +349,7 @@ constexpr Command loop_row[] = {
      .help = "Command Syntax\n\tend_while\n\nEnds the block of a while.\n\nSee Also\n\twhile\n"},
     {.words = {"do"},
      .run = cmd_do,
-     .summary = "repeats a block of commands, counting",
+     .summary = "repeats a block, counting",
      .help =
          "Command Syntax\n\tdo arg1 f=? l=? [s=?]\n\tblock of commands\n\tend_do\n\n"
          "Repeats the block with arg1 going from f to l by steps of s. arg1 is an integer or a "

@@ -37,6 +37,7 @@ bool ask_project_name() {
         }
         const auto first = line.find_first_not_of(' ');
         if (first == std::string::npos) continue;
+        line.resize(line.find_last_not_of(' ') + 1);
         set_project_name(std::string_view(line).substr(first));
         close_log();
         if (!open_log()) return false;

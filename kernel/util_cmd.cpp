@@ -234,7 +234,7 @@ constexpr Command system_row[] = {
              "See Also\n\trm_file\n"},
     {.words = {"flush"},
      .run = cmd_flush,
-     .summary = "writes the buffer of an output file to the disk",
+     .summary = "writes the buffer of a unit to its file",
      .help = "Command Syntax\n\tflush [unit=]\n\n"
              "Writes what is still held in the buffer of a unit to its file. The unit is 2, the "
              "output file, by default.\n"},

@@ -25,7 +25,9 @@ PATTERNS = (
               " matrix/misc_cmd.cpp fem/fem_cmd.cpp fem/fe_elm_cmd.cpp elements/element_table.cpp"),
     ("numeric kernel", "kernel/types.hpp fem/vectors.hpp fem/point_index.hpp green/*"
                        " hydro_model/waven.* hydro_model/hydrostatics.* hydro_model/panel_motion.*"
-                       " hydro_model/hyd_panel_geometry.*"),
+                       " hydro_model/hyd_panel_geometry.* hydro_analysis/coefficients.*"
+                       " hydro_analysis/csolve.* hydro_analysis/incoming_wave.*"
+                       " hydro_analysis/solve2.* hydro_analysis/symmetry.hpp solvers/lapack.hpp"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
     ("service", "kernel/* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"),
 )

@@ -102,13 +102,13 @@ class Run:
         if not path.is_file():
             return None
         text = path.read_bytes().decode(ENCODING)
-        return after(BANNER_END, text, 2) if name == "out" else text
+        return after(BANNER_END, text) if name == "out" else text
 
 
-def after(mark, text, count=1):
-    """The text behind the count-th match; all of it when there are fewer."""
-    matches = list(mark.finditer(text))
-    return text[matches[count - 1].end():] if len(matches) >= count else text
+def after(mark, text):
+    """The text behind the first match; all of it when there is none."""
+    match = mark.search(text)
+    return text[match.end():] if match else text
 
 
 def same_numbers(expected, actual, tolerance):

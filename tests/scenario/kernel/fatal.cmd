@@ -1,0 +1,4 @@
+fat
+seti a v=4
+readdb nosuchfile
+q

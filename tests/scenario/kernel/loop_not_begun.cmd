@@ -1,0 +1,4 @@
+nob
+end_do
+
+q

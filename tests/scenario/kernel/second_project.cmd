@@ -1,0 +1,9 @@
+first
+seti a v=1
+filein change.txt
+ll
+logfile -off
+unlogged
+logfile
+logged
+q

@@ -1,0 +1,4 @@
+many
+filein self
+after
+q
