@@ -1,0 +1,2 @@
+db
+readdb cut

@@ -1,0 +1,3 @@
+db
+seti a v=1
+readdb nosuchfile
