@@ -72,7 +72,7 @@ void delete_results() {
 
 void read_angles(int nbeta) {
     std::vector<double> degrees(static_cast<std::size_t>(nbeta));
-    read_real_record("Enter wave angles in degrees", degrees);
+    read_real_record("Enter wave angles in degrees\n", degrees);
     if (!std::ranges::all_of(degrees, [](double a) { return std::isfinite(a); }))
         stop(" \n\tWave angles must be numbers\n");
     std::ranges::transform(degrees, create_matrix<double>(hyd_beta, nbeta, 0).data,
@@ -81,8 +81,8 @@ void read_angles(int nbeta) {
 
 std::vector<double> read_periods_or_frequencies(int n, bool frequencies) {
     std::vector<double> values(static_cast<std::size_t>(n));
-    read_real_record(frequencies ? "Enter wave frequencies, rad/sec" : "Enter wave periods (sec)",
-                     values);
+    read_real_record(
+        frequencies ? "Enter wave frequencies, rad/sec\n" : "Enter wave periods (sec)\n", values);
     return values;
 }
 

@@ -1,0 +1,312 @@
+#include "../support/session.hpp"
+
+#include "fem/elemutil.hpp"
+#include "hydro_model/hyd_input.hpp"
+#include "hydro_model/hyd_modes.hpp"
+#include "hydro_model/hyd_nodes.hpp"
+#include "hydro_model/hyd_panel.hpp"
+
+#include <numeric>
+#include <random>
+#include <sstream>
+
+namespace quelor {
+
+namespace {
+
+struct Box {
+    double x0, x1, y0, y1, draft = 3;
+    int nx = 4, ny = 4, nz = 2;
+};
+
+/// Records of nodes and panels; each panel has four nodes of its own.
+class MeshText {
+public:
+    void add(const Box& b, bool cut_x = false, bool cut_y = false) {
+        const double hx = (b.x1 - b.x0) / b.nx, hy = (b.y1 - b.y0) / b.ny, hz = b.draft / b.nz;
+        for (int i = 0; i < b.nx; ++i)
+            for (int j = 0; j < b.ny; ++j)
+                face({b.x0 + i * hx, b.y0 + j * hy, -b.draft}, {hx, 0, 0}, {0, hy, 0});
+        for (int k = 0; k < b.nz; ++k) {
+            const double z = -b.draft + k * hz;
+            for (int i = 0; i < b.nx; ++i) {
+                face({b.x0 + i * hx, b.y1, z}, {hx, 0, 0}, {0, 0, hz});
+                if (!cut_y) face({b.x0 + i * hx, b.y0, z}, {0, 0, hz}, {hx, 0, 0});
+            }
+            for (int j = 0; j < b.ny; ++j) {
+                face({b.x1, b.y0 + j * hy, z}, {0, 0, hz}, {0, hy, 0});
+                if (!cut_x) face({b.x0, b.y0 + j * hy, z}, {0, hy, 0}, {0, 0, hz});
+            }
+        }
+    }
+    int panel_count() const { return panel_count_; }
+    std::string nodes() const { return nodes_.str() + "\n"; }
+    std::string panels() const { return panels_.str() + "\n"; }
+
+private:
+    using Point = std::array<double, 3>;
+    /// Corners p, p + a, p + a + b, p + b; the normal is along a x b.
+    void face(Point p, Point a, Point b) {
+        const int first = 4 * panel_count_++;
+        const double at[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+        panels_ << panel_count_;
+        nodes_.precision(17);
+        for (int c = 0; c < 4; ++c) {
+            nodes_ << first + c + 1;
+            for (std::size_t i = 0; i < 3; ++i)
+                nodes_ << ' ' << p[i] + at[c][0] * a[i] + at[c][1] * b[i];
+            nodes_ << '\n';
+            panels_ << ' ' << first + c + 1;
+        }
+        panels_ << '\n';
+    }
+
+    int panel_count_ = 0;
+    std::ostringstream nodes_, panels_;
+};
+
+std::vector<double> reals(std::string_view name) {
+    const auto span = as_span<const double>(find_array(name));
+    return {span.begin(), span.end()};
+}
+Matrix<double> matrix(std::string_view name) {
+    return as_matrix<double>(find_array(name));
+}
+
+void expect_near(std::span<const double> a, std::span<const double> b, double tolerance) {
+    ASSERT_EQ(a.size(), b.size());
+    for (std::size_t i = 0; i < a.size(); ++i)
+        EXPECT_NEAR(a[i], b[i], tolerance) << i;
+}
+
+/// Values that are all different.
+void fill_random(std::string_view name, int rows, int cols) {
+    std::mt19937 generator(static_cast<unsigned>(name.size() * 7 + name.back()));
+    std::uniform_real_distribution<double> value(-1, 1);
+    for (double& x : create_matrix<double>(name, rows, cols).all())
+        x = value(generator);
+}
+
+constexpr Command panel_input[] = {{.words = {"hyd_panel"},
+                                    .run =
+                                        [](std::string_view) {
+                                            hyd_panel_element({0, 0, 0});
+                                        },
+                                    .summary = "",
+                                    .help = ""}};
+
+class HydModes : public Session {
+protected:
+    HydModes()
+        : Session({hyd_input_rows(), hyd_nodes_rows(), panel_input, hyd_rigid_modes_rows(),
+                   hyd_rmass_rows(), hyd_flex_modes_rows(), hyd_genmodes_rows()}) {}
+
+    void make_mesh(const MeshText& mesh) {
+        const std::string nodes = std::to_string(4 * mesh.panel_count());
+        run("hyd_nodes #=" + nodes, mesh.nodes());
+        run("hyd_panel n=" + std::to_string(mesh.panel_count()), mesh.panels());
+    }
+    /// `.hyd_kf` of bodies meshed one after the other, without symmetry.
+    std::vector<double> stiffness_of(const std::vector<Box>& boxes,
+                                     const std::vector<std::string>& axes) {
+        MeshText mesh;
+        std::vector<int> last{0};
+        for (const Box& box : boxes) {
+            mesh.add(box);
+            last.push_back(mesh.panel_count());
+        }
+        run("hyd_parameters h=50 nbodies=" + std::to_string(boxes.size()));
+        for (std::size_t i = 0; i < axes.size(); ++i)
+            run("hyd_coordaxs body=" + std::to_string(i + 1) + " " + axes[i]);
+        make_mesh(mesh);
+        for (std::size_t i = 0; i < boxes.size(); ++i)
+            run("hyd_rigid_modes body=" + std::to_string(i + 1) +
+                " panels=" + std::to_string(last[i] + 1) + "," + std::to_string(last[i + 1]) +
+                " nodes=" + std::to_string(4 * last[i] + 1) + "," +
+                std::to_string(4 * last[i + 1]));
+        return reals(hyd_kf);
+    }
+    /// The same from the mesh of one body and the command that names its reflections.
+    std::vector<double> reflected_stiffness(const MeshText& mesh, int symmetry,
+                                            const std::vector<std::string>& axes,
+                                            const std::string& command) {
+        run("hyd_parameters h=50 symmetry=" + std::to_string(symmetry) +
+            " nbodies=" + std::to_string(axes.size()));
+        for (std::size_t i = 0; i < axes.size(); ++i)
+            run("hyd_coordaxs body=" + std::to_string(i + 1) + " " + axes[i]);
+        make_mesh(mesh);
+        run(command);
+        return reals(hyd_kf);
+    }
+};
+
+} // namespace
+
+TEST_F(HydModes, reflected_bodies_have_the_stiffness_of_bodies_with_a_mesh_of_their_own) {
+    const double tolerance = 1e-12 * 1025 * 9.81 * 2e3; // of the largest entry
+    const std::vector<std::string> twins{"xb=1 yb=6 zb=-1 zcg=.5", "xb=1 yb=-6 zb=-1 zcg=.8"};
+    MeshText port;
+    port.add({-8, 12, 4, 9});
+    expect_near(reflected_stiffness(port, 1, twins, "hyd_rigid_modes body_sym=0 reflected=2"),
+                stiffness_of({{-8, 12, 4, 9}, {-8, 12, -9, -4}}, twins), tolerance);
+
+    const std::vector<std::string> four{"xb=9 yb=6 zcg=.5", "xb=-9 yb=-6 zcg=.1",
+                                        "xb=9 yb=-6 zcg=.2", "xb=-9 yb=6 zcg=.3"};
+    MeshText one;
+    one.add({6, 11, 4, 9});
+    expect_near(
+        reflected_stiffness(one, 2, four, "hyd_rigid_modes body_sym=0 reflected=2,3,4"),
+        stiffness_of({{6, 11, 4, 9}, {-11, -6, -9, -4}, {6, 11, -9, -4}, {-11, -6, 4, 9}}, four),
+        tolerance);
+
+    // Half of a body that the x-z plane cuts, reflected in the y-z plane.
+    const std::vector<std::string> row{"xb=9 zb=-1", "xb=-9 zb=-1"};
+    MeshText half;
+    half.add({6, 11, 0, 4}, false, true);
+    expect_near(reflected_stiffness(half, 2, row, "hyd_rigid_modes body_sym=1 reflected=2"),
+                stiffness_of({{6, 11, -4, 4, 3, 4, 8}, {-11, -6, -4, 4, 3, 4, 8}}, row), tolerance);
+    const auto codes = as_span<const std::int32_t>(find_array(hyd_modesym));
+    EXPECT_EQ(codes.size(), 12u);
+}
+
+TEST_F(HydModes,
+       rigid_motion_given_as_flexible_modes_has_the_normals_and_stiffness_of_rigid_modes) {
+    for (const int symmetry : {0, 1}) {
+        MeshText mesh;
+        if (symmetry == 0) mesh.add({-8, 12, -4, 4, 3, 4, 8});
+        if (symmetry == 1) mesh.add({-8, 12, 0, 4, 3, 4, 4}, false, true);
+        run("hyd_parameters h=50 nmodef=3 symmetry=" + std::to_string(symmetry));
+        run("hyd_coordaxs xb=1 zb=-1"); // centre of gravity at the origin: no weight term
+        make_mesh(mesh);
+        run("hyd_rigid_modes");
+        const auto xyz = matrix(hyd_xyz);
+        std::ostringstream heave, roll, pitch;
+        heave << "7 0 0\n";
+        roll << "8 1 0\n";
+        pitch << "9 0 1\n";
+        for (int n = 1; n <= xyz.cols; ++n) {
+            const double dx = xyz(1, n) - 1, dy = xyz(2, n), dz = xyz(3, n) + 1;
+            heave << n << " 0 0 1\n";
+            roll << n << " 0 " << -dz << ' ' << dy << " 1\n";
+            pitch << n << ' ' << dz << " 0 " << -dx << " 0 1\n";
+        }
+        run("hyd_flex_modes", heave.str() + "\n\n" + roll.str() + "\n" + pitch.str() + "\n");
+
+        const auto un = matrix(hyd_un), uz = matrix(hyd_uz), kf = matrix(hyd_kf);
+        for (int m = 3; m <= 5; ++m)
+            for (int p = 1; p <= un.cols; ++p) {
+                EXPECT_NEAR(un(m + 4, p), un(m, p), 1e-13);
+                EXPECT_NEAR(uz(m + 4, p), uz(m, p), 1e-13);
+            }
+        for (int i = 3; i <= 5; ++i)
+            for (int j = 3; j <= 5; ++j) {
+                EXPECT_NEAR(kf(i + 4, j + 4), kf(i, j), 1e-12 * kf(5, 5));
+                EXPECT_NEAR(kf(i, j + 4), kf(i, j), 1e-12 * kf(5, 5));
+            }
+        EXPECT_NEAR(kf(7, 8), 0, symmetry == 1 ? 0 : 1e-12 * kf(5, 5)); // symmetric, antisymmetric
+    }
+    const auto codes = as_span<const std::int32_t>(find_array(hyd_modesym));
+    EXPECT_EQ(std::vector(codes.begin(), codes.end()), (std::vector{1, 2, 1, 2, 1, 2, 1, 2, 1}));
+}
+
+TEST_F(HydModes, mode_shapes_of_the_structure_skip_the_rigid_columns_and_follow_constraints) {
+    MeshText mesh;
+    mesh.add({-8, 12, -4, 4, 3, 1, 1, 1});
+    run("hyd_parameters h=50 nmoder=0 nmodef=2");
+    run("hyd_coordaxs");
+    make_mesh(mesh);
+    const int nn = 4 * mesh.panel_count();
+    create_int_scalar(".#eqs", 3 * nn);
+    const auto eqs = create_matrix<std::int32_t>(".node_eqs", 6, nn);
+    for (int n = 1; n <= nn; ++n)
+        for (int d = 1; d <= 3; ++d)
+            eqs(d, n) = 3 * (n - 1) + d;
+    eqs(3, 2) = -1; // follows z of node 1 and, doubled, x of node 3
+    const std::int32_t masters[] = {2, 1, 3}, dofs[] = {3, 3, 1};
+    const double factors[] = {1, 1, 2};
+    std::ranges::copy(masters, create_matrix<std::int32_t>(".const_nodes", 3, 1).data);
+    std::ranges::copy(dofs, create_matrix<std::int32_t>(".const_dofs", 3, 1).data);
+    std::ranges::copy(factors, create_matrix<double>(".const_factor", 3, 1).data);
+    fill_random("shapes", 3 * nn, 2);
+    run("hyd_flex_modes shapes");
+    const auto shapes = matrix("shapes");
+    const auto umx = matrix(hyd_umx), umz = matrix(hyd_umz);
+    for (int m = 1; m <= 2; ++m) {
+        EXPECT_EQ(umx(4, m), shapes(10, m));
+        EXPECT_EQ(umz(3, m), shapes(9, m));
+        EXPECT_EQ(umz(2, m), shapes(3, m) + 2 * shapes(7, m));
+        EXPECT_EQ(matrix(hyd_thx)(1, m), 0);
+        // The first panel is the bottom, nodes 1 to 4, and the rotations are 0.
+        const double mean = (umz(1, m) + umz(2, m) + umz(3, m) + umz(4, m)) / 4;
+        EXPECT_NEAR(matrix(hyd_un)(m, 1), mean, 1e-15);
+    }
+    EXPECT_NE(run("hyd_flex_modes absent").find("Can't find mode shapes"), std::string::npos);
+}
+
+TEST_F(HydModes, generalised_coordinates_describe_the_same_motion) {
+    constexpr int nmode = 5, np = 7, nn = 9;
+    run("hyd_parameters h=50 symmetry=2 nmoder=3 nmodef=2");
+    for (const auto name : {hyd_mstr, hyd_kstr, hyd_kf, hyd_psi})
+        fill_random(name, nmode, nmode);
+    for (const auto name : nodal_mode_arrays)
+        fill_random(name, nn, nmode);
+    fill_random(hyd_un, nmode, np);
+    fill_random(hyd_uz, nmode, np);
+    const auto mass = reals(hyd_mstr), kf = reals(hyd_kf), un = reals(hyd_un), thz = reals(hyd_thz);
+    const auto text = run("hyd_genmodes 1=S/A 2=A/S 3=S/S 4=A/A 5=S/A");
+    EXPECT_NE(text.find("    Transformed hyd_mstr\n"), std::string::npos);
+    EXPECT_NE(text.find("hyd_cstr not found"), std::string::npos);
+
+    const std::array<double, nmode> u{0.3, -1.2, 0.8, 0.5, -0.4};
+    std::array<double, nmode> d{};
+    const auto psi = matrix(hyd_psi);
+    for (int i = 1; i <= nmode; ++i)
+        for (int j = 1; j <= nmode; ++j)
+            d[static_cast<std::size_t>(i - 1)] += psi(i, j) * u[static_cast<std::size_t>(j - 1)];
+    const auto form = [](std::span<const double> a, const std::array<double, nmode>& v) {
+        double sum = 0;
+        for (std::size_t i = 0; i < nmode; ++i)
+            for (std::size_t j = 0; j < nmode; ++j)
+                sum += v[i] * a[i + nmode * j] * v[j];
+        return sum;
+    };
+    EXPECT_NEAR(form(reals(hyd_mstr), u), form(mass, d), 1e-13);
+    EXPECT_NEAR(form(reals(hyd_kf), u), form(kf, d), 1e-13);
+    const auto new_un = reals(hyd_un), new_thz = reals(hyd_thz);
+    const auto column = [&](const std::vector<double>& a, std::size_t p) {
+        return a.begin() + static_cast<std::ptrdiff_t>(nmode * p);
+    };
+    for (std::size_t p = 0; p < np; ++p)
+        EXPECT_NEAR(std::inner_product(u.begin(), u.end(), column(new_un, p), 0.0),
+                    std::inner_product(d.begin(), d.end(), column(un, p), 0.0), 1e-14);
+    for (std::size_t n = 0; n < nn; ++n) {
+        double before = 0, after = 0;
+        for (std::size_t j = 0; j < nmode; ++j) {
+            before += thz[n + nn * j] * d[j];
+            after += new_thz[n + nn * j] * u[j];
+        }
+        EXPECT_NEAR(after, before, 1e-14);
+    }
+    const auto codes = as_span<const std::int32_t>(find_array(hyd_modesym));
+    EXPECT_EQ(std::vector(codes.begin(), codes.end()), (std::vector{1, 2, 3, 4, 1}));
+    EXPECT_FALSE(array_exists("$tmp"));
+}
+
+TEST_F(HydModes, mass_rows_fill_the_block_of_a_body_or_the_whole_rigid_part) {
+    run("hyd_parameters h=50 nbodies=2 nmodef=1");
+    const std::string rows = "1 2 3 4 5 6\n0\n0\n0\n0\n0 0 0 0 0 7\n";
+    run("hyd_rmass body=2", rows);
+    const auto mass = matrix(hyd_mstr);
+    EXPECT_EQ(mass.rows, 13);
+    EXPECT_EQ(mass(7, 8), 2);
+    EXPECT_EQ(mass(8, 7), 0);
+    EXPECT_EQ(mass(12, 12), 7);
+    std::string all;
+    for (int i = 1; i <= 12; ++i)
+        all += "1,,2\n";
+    run("hyd_rmass", all);
+    EXPECT_EQ(matrix(hyd_mstr)(12, 2), 2);
+    EXPECT_EQ(matrix(hyd_mstr)(12, 12), 0);
+}
+
+} // namespace quelor
