@@ -1,0 +1,181 @@
+// The deep-water wave term against quadrature of its defining integral, and the batch kernels
+// against the single-point routine.
+#include "green/deep_wave.hpp"
+#include "green/expi.hpp"
+#include "green/infred_f.hpp"
+#include "quadrature.hpp"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+using namespace quelor;
+using quadrature::Real;
+
+namespace {
+
+constexpr double pi = std::numbers::pi;
+
+struct Points {
+    std::vector<double> R, Z;
+    void add(double r, double z) {
+        R.push_back(r);
+        Z.push_back(z);
+    }
+};
+
+// R from 1e-6 to 1e3 and Z from 0 to 60 by decades, and both sides of every boundary between
+// regions or tables.
+Points test_points() {
+    Points points;
+    for (double R = 1e-6; R < 1.1e3; R *= 3.1)
+        for (const double Z : {0.0, 1e-6, 1e-3, 0.03, 0.3, 1.1, 3.0, 6.1, 14.5, 33.0, 60.0})
+            points.add(R, Z);
+    for (const double side : {1 - 1e-9, 1.0, 1 + 1e-9}) {
+        for (const double R : {3.7, 8.0, 10.0})
+            for (const double Z : {0.0, 1.9, 5.0, 19.0, 21.0})
+                points.add(R * side, Z);
+        for (const double Z : {2.0, 4.0, 8.0, 20.0})
+            for (const double R : {1e-3, 1.7, 5.0, 30.0})
+                points.add(R, Z * side);
+        for (const double s : {0.5, 1.0, 2.0, 4.0})
+            for (const double Z : {1.5, 3.9, 12.0, 25.0})
+                points.add(s * side * Z, Z);
+        for (const double rho : {14.0, 28.0})
+            points.add(0.2 * rho, std::sqrt(0.96) * rho * side);
+    }
+    return points;
+}
+
+struct Terms {
+    std::vector<double> f1, f2, f3, f7, g1, g2, g3, g7;
+    explicit Terms(const Points& points) {
+        for (auto* v : {&f1, &f2, &f3, &f7, &g1, &g2, &g3, &g7})
+            v->resize(points.R.size());
+        deep_wave_terms(points.R, points.Z,
+                        {f1.data(), f2.data(), f3.data(), f7.data(), g1.data(), g2.data(),
+                         g3.data(), g7.data()});
+    }
+};
+
+// Exact F, dF/dR and dF/dZ. In the derivatives the part without the pole is integrated in closed
+// form: k/(k - 1) = 1 + 1/(k - 1).
+struct Exact {
+    Real F, Fr, Fz;
+    Exact(Real R, Real Z) {
+        const auto decay = [Z](Real k) { return std::exp(-k * Z); };
+        const Real rho = std::hypot(R, Z);
+        F = 2 * quadrature::hankel_principal_value(decay, 1, R, 0);
+        Fr = -2 * (R / (rho * (rho + Z)) + quadrature::hankel_principal_value(decay, 1, R, 1));
+        Fz = -2 / rho - F;
+    }
+};
+
+double relative(Real value, Real exact, Real rankine) {
+    return static_cast<double>(std::abs(value - exact) / std::max(std::abs(exact), rankine));
+}
+
+// The tables are fitted to 5e-9 of 1/rho^2 and so are the derivatives; F is better.
+TEST(DeepWave, value_and_gradient_agree_with_quadrature_everywhere) {
+    const Points points = test_points();
+    const Terms terms(points);
+    for (std::size_t i = 0; i < points.R.size(); ++i) {
+        const Real R = points.R[i], Z = points.Z[i], p = 1 / std::hypot(R, Z), e = std::exp(-Z);
+        const Exact exact(R, Z);
+        SCOPED_TRACE(testing::Message() << "R " << R << " Z " << Z);
+        EXPECT_LT(relative(terms.f1[i], exact.F, p), 2e-9);
+        EXPECT_LT(relative(terms.f2[i], exact.Fr, p * p), 1e-8);
+        EXPECT_LT(relative(terms.f3[i], exact.Fz, p * p), 1e-8);
+        EXPECT_LT(relative(terms.g1[i], -2 * pi * e * j0l(R), std::max(p, std::abs(exact.F))),
+                  2e-9);
+        EXPECT_LT(relative(terms.g2[i], 2 * pi * e * j1l(R), std::max(p * p, std::abs(exact.Fr))),
+                  1e-8);
+        EXPECT_EQ(terms.g3[i], -terms.g1[i]);
+        EXPECT_EQ(terms.f7[i], terms.f3[i]);
+        EXPECT_EQ(terms.g7[i], terms.g3[i]);
+    }
+}
+
+TEST(DeepWave, the_batch_gives_the_bits_of_the_single_point) {
+    const Points points = test_points();
+    const Terms terms(points);
+    std::vector<double> F(points.R.size()), Fr(F), Fz(F);
+    for (const bool with_image : {false, true}) {
+        deep_images(points.R, points.Z, with_image, F.data(), Fr.data(), Fz.data());
+        for (std::size_t i = 0; i < F.size(); ++i) {
+            const auto single = infred_f(points.R[i], points.Z[i], with_image ? 1 : 2);
+            SCOPED_TRACE(testing::Message() << "R " << points.R[i] << " Z " << points.Z[i]);
+            // The image is added in another order, so its last bit may differ.
+            const double p = with_image ? 1 / std::hypot(points.R[i], points.Z[i]) : 0.0;
+            EXPECT_NEAR(F[i], single.F, 1e-15 * p);
+            EXPECT_NEAR(Fr[i], single.Fr, 1e-15 * p * p);
+            EXPECT_NEAR(Fz[i], single.Fz, 1e-15 * p * p);
+            EXPECT_TRUE(with_image || F[i] == terms.f1[i]);
+        }
+    }
+}
+
+TEST(DeepWave, on_the_vertical_axis_it_is_the_exponential_integral) {
+    Points points;
+    for (double Z = 1e-7; Z < 1e8; Z *= 1.7)
+        points.add(0.0, Z);
+    const Terms terms(points);
+    for (std::size_t i = 0; i < points.R.size(); ++i) {
+        const double Z = points.Z[i], exact = -2 * expi(Z, 3);
+        EXPECT_LT(relative(terms.f1[i], exact, 1 / Z), 2e-9) << Z;
+        EXPECT_EQ(terms.f2[i], 0.0);
+        EXPECT_EQ(terms.g2[i], 0.0);
+        EXPECT_NEAR(terms.g1[i], -2 * pi * std::exp(-Z), 1e-11);
+    }
+}
+
+TEST(DeepWave, far_away_it_stays_finite_and_at_the_water_line_it_is_zero) {
+    Points points;
+    for (const double far : {1e4, 1e6, 1e8})
+        for (const double other : {0.0, 1.0, 0.3 * far, far}) {
+            points.add(far, other);
+            points.add(other, far);
+        }
+    const std::size_t finite = points.R.size();
+    points.add(0.0, 0.0);
+    points.add(4e-9, 5e-9);
+    const Terms terms(points);
+    for (std::size_t i = 0; i < finite; ++i) {
+        const double p = 1 / std::hypot(points.R[i], points.Z[i]);
+        EXPECT_LT(std::abs(terms.f1[i]), 2.1 * p + 6 * std::sqrt(p)); // -2/rho and the wave
+        EXPECT_LT(std::abs(terms.f2[i]), 2.1 * p * p + 6 * std::sqrt(p));
+        EXPECT_LT(std::abs(terms.f3[i]), 2.1 * p * p + 6 * std::sqrt(p));
+    }
+    for (std::size_t i = finite; i < points.R.size(); ++i)
+        for (const auto* v : {&terms.f1, &terms.f2, &terms.f3, &terms.g1, &terms.g2, &terms.g3})
+            EXPECT_EQ((*v)[i], 0.0);
+}
+
+TEST(Infred, forms_with_logarithms_are_bounded_and_their_derivatives_belong_to_them) {
+    for (const int mode : {1, 2, 3, 4})
+        for (const double R : {0.3, 2.0, 6.0, 40.0})
+            for (const double Z : {0.2, 1.0, 7.0, 18.0}) {
+                const double h = 1e-4, p = 1 / std::hypot(R, Z);
+                const auto f = infred_f(R, Z, mode);
+                const auto slope = [&](double InfredTerms::*what, double dr, double dz) {
+                    const auto a = infred_f(R + dr, Z + dz, mode),
+                               b = infred_f(R - dr, Z - dz, mode);
+                    return (a.*what - b.*what) / (2 * h);
+                };
+                // Fit errors of 1e-8 p^2 over h, and the truncation h^2/6 times a third derivative.
+                const double tolerance = 3e-4 * p * p + 3e-8;
+                EXPECT_NEAR(f.Fr, slope(&InfredTerms::F, h, 0), tolerance);
+                EXPECT_NEAR(f.Fz, slope(&InfredTerms::F, 0, h), tolerance);
+                EXPECT_NEAR(f.Frz, slope(&InfredTerms::Fr, 0, h), tolerance);
+                EXPECT_NEAR(f.Fzz, slope(&InfredTerms::Fz, 0, h), tolerance);
+            }
+    // PV int_0^inf (exp(-kZ) J0(kR)/(k - 1) ...) ~ -log((rho + Z)/2) - gamma at the origin.
+    for (const double t : {1e-6, 1e-4}) {
+        const double limit = 2 * (std::numbers::ln2 - std::numbers::egamma);
+        EXPECT_NEAR(infred_f(t, 2 * t, 4).F, limit, 100 * t);
+        EXPECT_NEAR(infred_f(t, 0, 3).F, limit, 100 * t);
+    }
+    EXPECT_EQ(infred_f(9.0, 20.0 + 1e-9, 2).e, 0.0);
+    EXPECT_DOUBLE_EQ(infred_f(9.0, 2.0, 2).e, std::exp(-2.0));
+}
+
+} // namespace
