@@ -64,7 +64,7 @@ BodyVolume body_volume(const VolumeSums& sums, int body_sym) {
         body.projections[i] = -sums.first[i];
     const double volume = (body.projections[0] + body.projections[1] + body.projections[2]) / 3;
     for (std::size_t i = 0; i < 3; ++i)
-        body.buoyancy[i] = -sums.second[i] * 0.5 / volume;
+        body.buoyancy[i] = (0.0 - sums.second[i]) * 0.5 / volume; // 0 rather than -0
     if (body_sym >= 1) body.buoyancy[1] = 0.0;
     if (body_sym == 2) body.buoyancy[0] = 0.0;
     const double parts = body_sym == 0 ? 1.0 : body_sym == 1 ? 2.0 : 4.0;
@@ -125,9 +125,9 @@ constexpr Command rows[] = {
              "listed; the volume by X-, Y- and Z-projection, the surface area, the center of "
              "buoyancy and its distance from the center of gravity are written to the output "
              "file. The three volumes of a closed mesh agree.\n\n"
-             "\tbody: Body number; default 1.\n"
-             "\tnodes: First and last node of the body; default all nodes.\n"
-             "\tpanels: First and last panel of the body; default all panels.\n"
+             "body\n\tBody number; default 1.\n"
+             "nodes\n\tFirst and last node of the body; default all nodes.\n"
+             "panels\n\tFirst and last panel of the body; default all panels.\n"
              "\tbody_sym: 0 for a mesh of the entire body, 1 for half, 2 for a quarter of it; "
              "default the symmetry of hyd_parameters.\n\n"
              "For a single body no parameters are needed. For several bodies there is one command "

@@ -324,7 +324,7 @@ constexpr Command rows[] = {
              "\t(a blank line)\n"
              "The input ends after nmodef modes. x_z_sym and y_z_sym are 0 for a mode symmetric, "
              "1 for one antisymmetric about the plane.\n\n"
-             "\t-noread: No records follow; .hyd_umx, .hyd_umy, .hyd_umz, .hyd_thx, .hyd_thy, "
+             "-noread\n\tNo records follow; .hyd_umx, .hyd_umy, .hyd_umz, .hyd_thx, .hyd_thy, "
              ".hyd_thz and .hyd_modesym hold the data.\n\n"
              "This command defines .hyd_un and .hyd_uz for the flexible modes and it forms an "
              "estimate - for the flexible modes - of the hydrostatic stiffness .hyd_kf based on "

@@ -156,7 +156,7 @@ constexpr Command rows[] = {
              "before such that {d} = [psi] {u}, where {d} is the displacement vector and {u} the "
              "vector of generalized displacements. For several rigid bodies the assumed modes are "
              "usually symmetric and antisymmetric combinations of the modes of the bodies.\n\n"
-             "\ti=?/?: Symmetry of assumed mode i, for each mode from 1 to nmode, when symmetry "
+             "i=?/?\n\tSymmetry of assumed mode i, for each mode from 1 to nmode, when symmetry "
              "is not 0. Single symmetry: S or A. Double symmetry: S/S, S/A, A/S or A/A, first "
              "for the x-z plane, then for the y-z plane. There is no default.\n\n"
              "The command changes hyd_mstr, hyd_kstr, hyd_cstr (those that exist), .hyd_kf, "

@@ -70,7 +70,6 @@ protected:
         ASSERT_NE(std::freopen("/dev/null", "r", stdin), nullptr);
     }
 
-private:
     const Command* find(std::string_view word) const {
         for (const Rows& rows : families_)
             for (const Command& row : rows)
@@ -78,6 +77,8 @@ private:
                     if (name == word) return &row;
         return nullptr;
     }
+
+private:
     static void reset() {
         db_clear();
         close_all_inputs();
