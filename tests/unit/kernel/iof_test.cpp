@@ -1,0 +1,126 @@
+// Input files: line ends, the end of a file, rewinding, the loop file, the nested command line.
+
+#include "kernel/dbfgen.hpp"
+#include "kernel/iof.hpp"
+#include "kernel/main_loop.hpp"
+#include "kernel/project.hpp"
+#include "kernel/utilities.hpp"
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace quelor {
+
+namespace {
+
+class InputFiles : public testing::Test {
+protected:
+    void SetUp() override {
+        std::filesystem::create_directories(folder);
+        set_project_name(path("project"));
+    }
+    void TearDown() override {
+        close_all_inputs();
+        std::filesystem::remove_all(folder);
+        db_clear();
+    }
+
+    std::string path(const std::string& name) const { return (folder / name).string(); }
+    void open(const std::string& content) {
+        std::ofstream(path("input"), std::ios::binary) << content;
+        ASSERT_GT(open_input_file(path("input"), false), 0);
+    }
+    static std::string next() { return read_input_line("", true).text; }
+
+    std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("quelorzt_iof_" + std::to_string(getpid()));
+};
+
+} // namespace
+
+TEST_F(InputFiles, AFileThatEndsGivesReturnForEver) {
+    open("one\n\n  two\r\nthree");
+    EXPECT_EQ(next(), "one");
+    EXPECT_EQ(next(), "");
+    EXPECT_EQ(next(), "  two");
+    EXPECT_EQ(next(), "three");
+    EXPECT_FALSE(input_has_ended());
+    EXPECT_EQ(next(), "return");
+    EXPECT_TRUE(input_has_ended());
+    EXPECT_EQ(next(), "return");
+}
+
+TEST_F(InputFiles, ALastLineOfOneCharacterIsLostUnlessItHasALineEnd) {
+    open("ab\nx");
+    EXPECT_EQ(next(), "ab");
+    EXPECT_EQ(next(), "return");
+    pop_input();
+    open("x\n");
+    EXPECT_EQ(next(), "x");
+    EXPECT_EQ(next(), "return");
+}
+
+TEST_F(InputFiles, ALineEndsAtANulAndIsCutWhereNoRecordCanHoldIt) {
+    open(std::string("ab\0cd\n", 6) + std::string(200000, 'x') + "\nlast\n");
+    EXPECT_EQ(next(), "ab");
+    EXPECT_EQ(next(), std::string(2053, 'x'));
+    EXPECT_EQ(next(), "last");
+}
+
+TEST_F(InputFiles, WhatCannotBeReadIsNotPushed) {
+    EXPECT_EQ(open_input_file(path("absent"), false), 0);
+    EXPECT_EQ(open_input_file(folder.string(), false), 0);
+    EXPECT_TRUE(input_is_console());
+}
+
+TEST_F(InputFiles, TheStackHoldsThirtyFilesAndGoesBackToTheLastOneOpened) {
+    open("first\nsecond\n");
+    EXPECT_EQ(next(), "first");
+    for (int depth = 2; depth <= input_levels; ++depth)
+        ASSERT_EQ(open_input_file(path("input"), true), depth);
+    EXPECT_EQ(open_input_file(path("input"), true), 0);
+    EXPECT_EQ(next(), "first");
+    EXPECT_TRUE(input_echo());
+    close_inputs_from(1);
+    EXPECT_FALSE(input_echo());
+    EXPECT_EQ(next(), "second");
+}
+
+TEST_F(InputFiles, TheLoopFileRewindsWhetherOrNotItFitsTheBuffer) {
+    for (const int records : {3, 20000}) {
+        ASSERT_TRUE(create_loop_file());
+        for (int i = 1; i <= records; ++i)
+            write_loop_record("record " + std::to_string(i));
+        set_log_on(true);
+        ASSERT_TRUE(replay_loop_file());
+        EXPECT_FALSE(log_on());
+        for (int pass = 1; pass <= 2; ++pass) {
+            for (int i = 1; i <= records; ++i)
+                ASSERT_EQ(next(), "record " + std::to_string(i));
+            ASSERT_EQ(next(), "return");
+            ASSERT_TRUE(rewind_input());
+        }
+        EXPECT_TRUE(std::filesystem::exists(path("project.LuP")));
+        discard_loop_file();
+        EXPECT_FALSE(std::filesystem::exists(path("project.LuP")));
+        EXPECT_TRUE(log_on());
+        EXPECT_TRUE(input_is_console());
+    }
+}
+
+TEST_F(InputFiles, ALoopFileThatCannotBeMadeIsNoticed) {
+    set_project_name(path("no/such/folder/project"));
+    EXPECT_FALSE(create_loop_file());
+    EXPECT_FALSE(loop_file_is_read());
+}
+
+TEST_F(InputFiles, TheNestedCommandLineEndsAtExitAndOffersNoFiniteElementCommands) {
+    open("seti a v=4\nnodes\nexit\nseti a v=5\n"); // `nodes` would read "exit" as a record
+    nested_command_line();
+    EXPECT_EQ(get_int("a"), 4);
+    EXPECT_EQ(next(), "seti a v=5");
+}
+
+} // namespace quelor
