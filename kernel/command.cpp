@@ -24,11 +24,11 @@ const WordIndex& word_index() {
             for (const Family rows : table->families) {
                 for (const Command& command : rows()) {
                     for (const auto word : command.words)
-                        words.try_emplace(word, table, &command);
+                        words.try_emplace(word, Claim{table, &command});
                 }
             }
             for (const auto word : table->planned)
-                words.try_emplace(word, table, nullptr);
+                words.try_emplace(word, Claim{table, nullptr});
         }
         words.erase(""); // unused alias entries
         return words;

@@ -100,7 +100,7 @@ void cmd_date(std::string_view) {
 
 void cmd_time(std::string_view) {
     const std::string arg1(get_arg(1)), arg2(get_arg(2)), arg3(get_arg(3));
-    const double now = static_cast<float>(cpu_seconds()); // the clock has single precision
+    const auto now = static_cast<double>(static_cast<float>(cpu_seconds())); // in single precision
     create_real_scalar(arg1, now);
     if (is_blank(arg3) || !array_exists(arg2)) return;
     create_real_scalar(arg3, now - get_real(arg2));
