@@ -1,4 +1,0 @@
-fat
-seti a v=4
-readdb nosuchfile
-q

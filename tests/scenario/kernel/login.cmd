@@ -1,0 +1,6 @@
+logged
+login
+after
+login -noecho
+in_log_again
+q
