@@ -1,16 +1,13 @@
 // Units: what the bytes of each form are, what an open does to an existing file, and how failures
 // are reported. The screen is captured, the files live in a folder of their own.
 #include "kernel/fortfile.hpp"
+
+#include "../support/session.hpp"
 #include "kernel/project.hpp"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <numeric>
 #include <sstream>
-#include <unistd.h>
 
 namespace quelor {
 namespace {
@@ -24,29 +21,9 @@ std::string file_bytes(const std::string& name) {
     return text.str();
 }
 
-class Fortfile : public testing::Test {
-protected:
-    void SetUp() override {
-        fs::remove_all(folder);
-        fs::create_directory(folder);
-        fs::current_path(folder);
-        set_project_name("hull");
-    }
-    void TearDown() override {
-        close_all_units();
-        fs::current_path("/");
-        fs::remove_all(folder);
-    }
-    /// What the screen shows while `action` runs.
-    template <class Action> std::string screen(Action action) {
-        flush_unit(unit_screen);
-        testing::internal::CaptureStdout();
-        action();
-        flush_unit(unit_screen);
-        return testing::internal::GetCapturedStdout();
-    }
-    const fs::path folder =
-        fs::temp_directory_path() / ("fortfile_test_" + std::to_string(getpid()));
+struct Fortfile : Session {
+    Fortfile() { set_project_name("hull"); }
+    ~Fortfile() override { close_all_units(); }
 };
 
 TEST_F(Fortfile, ReportsGoToTheScreenAndTheOutputFileAlike) {
@@ -108,6 +85,18 @@ TEST_F(Fortfile, FailedOpensAreReportedOnBothUnitsWithTheirStatus) {
     const std::string long_extension = "." + std::string(200, 'e');
     ASSERT_EQ(fortopen_ext(99, long_extension, "NEW", "FORMATTED"), 0);
     EXPECT_TRUE(fs::exists(("hull" + long_extension).substr(0, 132)));
+}
+
+TEST_F(Fortfile, AnUnknownFormIsFatal) {
+    EXPECT_EXIT(
+        {
+            detach();
+            fortopen_ext(99, ".x", "NEW", "odd");
+        },
+        testing::ExitedWithCode(0),
+        "Error opening file hull.xin routine fortopen_ext. File type odd not supported"
+        "(.|\n)*Program must shutdown");
+    EXPECT_FALSE(fs::exists("hull.x"));
 }
 
 TEST_F(Fortfile, AFullDiskIsReportedOnceAndTheProgramGoesOn) {
