@@ -1,5 +1,5 @@
 // The format interpreter: runs the edits of a format over the items of one write statement
-// (ISO/IEC 1539-1:2010, 10.4 to 10.8).
+// [ISO 1539-1, 10.4 to 10.8].
 //
 // A format text is parsed once and its program kept by the text, so that a literal inside a loop
 // costs one look-up.

@@ -1,6 +1,6 @@
 // Fortran formatted output: a format text is parsed into a list of edits (format_parse.hpp), and
-// field writers turn one value into text (format_edit.cpp). The rules are those of ISO/IEC
-// 1539-1:2010, clause 10; where it leaves freedom, those of tests/data/format_cases.txt.
+// field writers turn one value into text (format_edit.cpp). The rules are those of [ISO 1539-1,
+// clause 10]; where it leaves freedom, those of tests/data/format_cases.txt.
 #pragma once
 
 #include "kernel/format_parse.hpp"

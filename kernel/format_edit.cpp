@@ -1,4 +1,4 @@
-// Field writers: one value to one field of text (ISO/IEC 1539-1:2010, 10.7).
+// Field writers: one value to one field of text [ISO 1539-1, 10.7].
 //
 // Digits come from std::to_chars with a precision: the exact binary value correctly rounded, ties
 // to even, free of locale. Works on its arguments only.
