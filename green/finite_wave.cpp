@@ -1,0 +1,259 @@
+// Batches of the finite-depth Green function. A block of points is sorted: first those of the
+// eigenfunction series (R >= h/2), the nearest in front, so that mode m serves a leading part of
+// the block; then those of the deep-water function with the polynomials. Each loop is free of
+// branches.
+#include "green/finite_wave.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+#include "green/bessel_core.hpp"
+#include "green/deep_wave.hpp"
+#include "green/fineigseries.hpp"
+
+namespace quelor {
+
+namespace {
+
+constexpr int lanes = 8;         // doubles of the widest vector; classes are filled up to it
+constexpr int block_size = 1024; // what a block needs, 200 kB, stays in the second-level cache
+constexpr int classes = evanescent_modes + 1;
+constexpr int room = block_size + classes * lanes;
+using Row = std::array<double, room>;
+
+/// A sorted block; f1 to f7 and g1 to g7 as in WaveTerms. All counts are whole groups of lanes.
+struct Block {
+    int n = 0, series = 0;                          // places; those of the series come first
+    std::array<int, evanescent_modes + 1> served{}; // places that mode m serves, at [m]
+    std::array<std::uint16_t, room> order;          // the point of the batch in each place
+    alignas(64) Row R, d1, d2;
+    alignas(64) Row inverse, inverse_root; // 1/R and R^(-1/2); for the polynomials Z in `inverse`
+    alignas(64) Row b, d;                  // derivatives in B and D
+    alignas(64) Row j0, j1, y0, y1;        // at k0 R
+    alignas(64) Row f1, f2, f3, f7, g1, g2, g3, g7;
+};
+
+/// Modes of the series, 0 for the points below R = h/2 and for what is not a number.
+int modes_needed(double R, const DepthCache& cache) {
+    return R >= 0.5 * cache.h ? finite_core::series_terms(R, cache) : 0;
+}
+
+/// Counting sort by falling number of modes. Each class is filled up with copies of its first
+/// point, so that no point's result depends on its neighbours.
+void sort_block(const double* R, const double* d1, const double* d2, int n, const DepthCache& cache,
+                Block& block) {
+    std::array<std::uint8_t, block_size> modes;
+    std::array<int, classes> count{}, first{}, next{};
+    for (int i = 0; i < n; ++i)
+        ++count[modes[i] = static_cast<std::uint8_t>(modes_needed(R[i], cache))];
+    block.n = 0;
+    for (int m = evanescent_modes; m >= 0; --m) {
+        first[m] = next[m] = block.n;
+        block.n += (count[m] + lanes - 1) / lanes * lanes;
+        block.served[m] = block.n;
+    }
+    block.series = block.served[1];
+    for (int i = 0; i < n; ++i)
+        block.order[next[modes[i]]++] = static_cast<std::uint16_t>(i);
+    for (int m = 0; m < classes; ++m)
+        while (next[m] < block.served[m])
+            block.order[next[m]++] = block.order[first[m]];
+    for (int place = 0; place < block.n; ++place) {
+        const int i = block.order[place];
+        block.R[place] = R[i];
+        block.d1[place] = d1[i];
+        block.d2[place] = d2[i];
+    }
+    for (int place = block.series; place < block.n; ++place) // no mode is added there
+        block.f1[place] = block.f2[place] = block.b[place] = block.d[place] = 0.0;
+}
+
+/// Mode m of the series, added to the first `count` points.
+template <int degree>
+QUELOR_INLINE void add_mode_to_block(const BesselKTable<degree>& table, double k, double half_c,
+                                     double h, int count, Block& block) {
+    const double inverse_root_k = 1.0 / std::sqrt(k);
+    for (int i = 0; i < count; ++i) {
+        const double d1 = block.d1[i], d2 = block.d2[i];
+        const finite_core::SeriesPoint point{block.R[i], 2.0 * h - d1 - d2, d1 - d2,
+                                             block.inverse[i], block.inverse_root[i]};
+        SeparatedField sum{block.f1[i], block.f2[i], block.b[i], block.d[i]};
+        finite_core::add_mode<false>(table, k, half_c, inverse_root_k, point, sum);
+        block.f1[i] = sum.v;
+        block.f2[i] = sum.r;
+        block.b[i] = sum.b;
+        block.d[i] = sum.d;
+    }
+}
+
+/// The Rankine terms with their sign reversed, from which the sum of the modes starts.
+QUELOR_CLONES void start_series(double h, Block& block) {
+    const int count = block.series;
+    for (int i = 0; i < count; ++i) {
+        const double R = block.R[i], d1 = block.d1[i], d2 = block.d2[i];
+        SeparatedField sum;
+        finite_core::add_rankine_d<false>(-1.0, R, d1 - d2, sum);
+        finite_core::add_rankine_b<false>(-1.0, R, d1 + d2, -1.0, sum);
+        finite_core::add_rankine_b<false>(-1.0, R, 2.0 * h - d1 - d2, 1.0, sum);
+        block.f1[i] = sum.v;
+        block.f2[i] = sum.r;
+        block.b[i] = sum.b;
+        block.d[i] = sum.d;
+        block.inverse[i] = 1.0 / R;
+        block.inverse_root[i] = 1.0 / std::sqrt(R);
+    }
+}
+
+QUELOR_CLONES void add_modes(const DepthCache& cache, Block& block) {
+    for (int m = 1; m <= evanescent_modes && block.served[m] > 0; ++m) {
+        const auto i = static_cast<std::size_t>(m - 1);
+        const double k = cache.roots.k[i], half_c = 0.5 * cache.roots.c[i];
+        const int count = block.served[m];
+        finite_core::with_bessel_table(
+            m, [&](const auto& table) __attribute__((always_inline)) {
+                add_mode_to_block(table, k, half_c, cache.h, count, block);
+            });
+    }
+}
+
+/// The propagating wave: the imaginary part of every point, and the real part of the series, which
+/// ends with it.
+QUELOR_CLONES void add_propagating_wave(const DepthCache& cache, Block& block) {
+    const int count = block.n;
+    for (int i = 0; i < count; ++i) {
+        const auto w = finite_core::wave_amplitude(block.d1[i], block.d2[i], cache);
+        const double ak = -w.a * cache.roots.k0, shift = block.b[i], twist = block.d[i];
+        block.g1[i] = w.a * block.j0[i];
+        block.g2[i] = ak * block.j1[i];
+        block.g3[i] = w.a1 * block.j0[i];
+        block.g7[i] = w.a2 * block.j0[i];
+        block.f1[i] += w.a * block.y0[i];
+        block.f2[i] += ak * block.y1[i];
+        block.f3[i] = w.a1 * block.y0[i] + twist - shift;
+        block.f7[i] = w.a2 * block.y0[i] - twist - shift;
+    }
+}
+
+/// Adds the polynomials to the deep-water function, which stands in f1, f2 and f3.
+/// The local copy shows the compiler that no coefficient changes with what the loop stores.
+QUELOR_CLONES void add_polynomials(const DepthCache& shared, Block& block) {
+    const DepthCache cache = shared;
+    const double inverse_h = 1.0 / cache.h;
+    const int end = block.n;
+    for (int i = block.series; i < end; ++i) {
+        const double d1 = block.d1[i], d2 = block.d2[i], deep = block.f3[i];
+        const SeparatedField smooth =
+            finite_core::smooth_part<false>(cache, inverse_h, block.R[i], d1, d2);
+        block.f1[i] += smooth.v;
+        block.f2[i] += smooth.r;
+        block.f3[i] = deep - smooth.b + smooth.d;
+        block.f7[i] = deep - smooth.b - smooth.d;
+    }
+}
+
+/// Bessel functions of one range of x = k0 R, from <= x < to, for one group of points.
+template <class Function>
+QUELOR_INLINE void bessel_range(double k0, double from, double to, int start, Block& block,
+                                const Function& function) {
+    for (int i = start; i < start + lanes; ++i) {
+        const double x = k0 * block.R[i], above = x < from ? from : x,
+                     bounded = x < to ? above : to;
+        const bool inside = x >= from && x < to;
+        const Bessel bessel = function(bounded);
+        block.j0[i] = inside ? bessel.j0 : block.j0[i];
+        block.j1[i] = inside ? bessel.j1 : block.j1[i];
+        block.y0[i] = inside ? bessel.y0 : block.y0[i];
+        block.y1[i] = inside ? bessel.y1 : block.y1[i];
+    }
+}
+
+/// J0, J1, Y0 and Y1 at k0 R for all points, from the three ranges of the tables. Through the sort
+/// most groups lie in one range.
+QUELOR_CLONES void bessel_functions(double k0, Block& block) {
+    using namespace deep_tables;
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    for (int start = 0; start < block.n; start += lanes) {
+        double low = k0 * block.R[start], high = low;
+        for (int i = start; i < start + lanes; ++i) {
+            const double x = k0 * block.R[i];
+            low = x < low ? x : low;
+            high = x > high ? x : high;
+        }
+        if (low < 4.0)
+            bessel_range(
+                k0, 0.0, 4.0, start, block, [](double x) __attribute__((always_inline)) {
+                    return finite_core::near_bessel(x);
+                });
+        if (high >= 4.0 && low < 10.0)
+            bessel_range(
+                k0, 4.0, 10.0, start, block, [](double x) __attribute__((always_inline)) {
+                    return large_bessel<HankelNear>(x, 1.0 / x);
+                });
+        if (!(high < 10.0))
+            bessel_range(
+                k0, 10.0, infinity, start, block, [](double x) __attribute__((always_inline)) {
+                    return large_bessel<HankelFar>(x, 1.0 / x);
+                });
+    }
+}
+
+/// Deep-water function of the points below R = h/2, into f1, f2 and f3.
+void deep_part(Block& block) {
+    for (int i = block.series; i < block.n; ++i)
+        block.inverse[i] = block.d1[i] + block.d2[i];
+    const auto count = static_cast<std::size_t>(block.n - block.series);
+    deep_images({&block.R[block.series], count}, {&block.inverse[block.series], count}, false,
+                &block.f1[block.series], &block.f2[block.series], &block.f3[block.series]);
+}
+
+/// Copies one sorted row to its places in the batch.
+void scatter(const Block& block, const Row& row, double* out) {
+    for (int i = 0; i < block.n; ++i)
+        out[block.order[i]] = row[i];
+}
+
+/// The point and its image in the water line, where the remainder counts as zero.
+void clear_coincident(Block& block) {
+    for (int i = block.series; i < block.n; ++i)
+        if (block.R[i] + block.d1[i] + block.d2[i] < 1e-8)
+            for (Row* row : {&block.f1, &block.f2, &block.f3, &block.f7, &block.g1, &block.g2,
+                             &block.g3, &block.g7})
+                (*row)[i] = 0.0;
+}
+
+void evaluate_block(const DepthCache& cache, Block& block) {
+    bessel_functions(cache.roots.k0, block);
+    start_series(cache.h, block);
+    add_modes(cache, block);
+    add_propagating_wave(cache, block);
+    if (block.series == block.n) return;
+    deep_part(block);
+    add_polynomials(cache, block);
+    clear_coincident(block);
+}
+
+} // namespace
+
+void finite_wave_terms(std::span<const double> R, std::span<const double> d1,
+                       std::span<const double> d2, const DepthCache& cache, const WaveTerms& out) {
+    Block block;
+    for (std::size_t start = 0; start < R.size(); start += block_size) {
+        const auto n = static_cast<int>(std::min<std::size_t>(block_size, R.size() - start));
+        sort_block(&R[start], &d1[start], &d2[start], n, cache, block);
+        evaluate_block(cache, block);
+        scatter(block, block.f1, out.f1 + start);
+        scatter(block, block.f2, out.f2 + start);
+        scatter(block, block.f3, out.f3 + start);
+        scatter(block, block.f7, out.f7 + start);
+        scatter(block, block.g1, out.g1 + start);
+        scatter(block, block.g2, out.g2 + start);
+        scatter(block, block.g3, out.g3 + start);
+        scatter(block, block.g7, out.g7 + start);
+    }
+}
+
+} // namespace quelor
