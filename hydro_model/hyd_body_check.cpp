@@ -5,7 +5,7 @@
 #include "hydro_model/mesh_part.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
-#include "kernel/project.hpp"
+#include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
 
 namespace quelor {
@@ -102,10 +102,7 @@ void cmd_hyd_body_check(std::string_view) {
     const BodyAxes axes = hyd_body_axes(part.body);
     std::int32_t body_sym = part.symmetry;
     get_int_par(" body_sym=", body_sym);
-    if (body_sym < 0 || body_sym > 2) {
-        print_both(" \n\tbody_sym should be 0, 1 or 2\n");
-        shutdown();
-    }
+    if (body_sym < 0 || body_sym > 2) shutdown_with(" \n\tbody_sym should be 0, 1 or 2\n");
     write_both("10(/, '  Summary of Check for Body', i4, /)", {part.body});
     report_nodes(part, body_sym);
     const BodyVolume body = body_volume(volume_sums(part.panels, part.list), body_sym);

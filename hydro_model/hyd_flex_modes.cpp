@@ -13,7 +13,6 @@
 #include "hydro_model/panel_motion.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
-#include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
 #include "matrix/print.hpp"
@@ -25,11 +24,6 @@ namespace quelor {
 
 namespace {
 
-[[noreturn]] void stop(std::string_view message) {
-    print_both(message);
-    shutdown();
-}
-
 struct FlexSizes : ModeSizes {
     int nmoder, nmodef, symmetry;
 };
@@ -38,13 +32,15 @@ FlexSizes flex_sizes() {
     FlexSizes s{};
     s.nmodef = require_int(hyd_nmodef);
     if (s.nmodef < 1)
-        stop(" \n\tNumber of flexible modes must be > 0 to use the command hyd_flex_modes\n");
+        shutdown_with(
+            " \n\tNumber of flexible modes must be > 0 to use the command hyd_flex_modes\n");
     s.nmoder = require_int(hyd_nmoder);
-    s.nmode = s.nmoder + s.nmodef;
+    s.nmode = hyd_mode_count();
     s.symmetry = require_int(hyd_symmetry);
-    if (s.symmetry < 0 || s.symmetry > 2) stop(" \n\tsymmetry should be 0, 1 or 2\n");
+    if (s.symmetry < 0 || s.symmetry > 2) shutdown_with(" \n\tsymmetry should be 0, 1 or 2\n");
     s.np = require_int(hyd_num_wetpanels);
     s.nnodes = require_int(hyd_num_nodes);
+    if (s.np < 1 || s.nnodes < 1) shutdown_with(" \n\tThere are no nodes or no wet panels\n");
     return s;
 }
 
@@ -74,7 +70,7 @@ ModeArrays flex_arrays(const FlexSizes& s, Origin origin) {
     }
     if (!match || !has_size(hyd_un, s.nmode, s.np) || !has_size(hyd_uz, s.nmode, s.np)) {
         print_both(" \n\tModal displacement arrays are not of same size\n");
-        stop(" \n\tCheck if hyd_rigid_modes command was run.\n");
+        shutdown_with(" \n\tCheck if hyd_rigid_modes command was run.\n");
     }
     const bool codes_needed = s.symmetry != 0 && origin != Origin::records;
     if (!codes_needed && !array_exists(hyd_modesym))
@@ -105,7 +101,7 @@ struct FeModel {
 FeModel fe_model() {
     const ArrayRef eqs = find_array(".#eqs"), node_eqs = find_array(".node_eqs");
     if (!eqs.is(type_integer) || !node_eqs.is(type_integer))
-        stop(" \n\tArray with structural equation numbers, .node_eqs, not found\n");
+        shutdown_with(" \n\tArray with structural equation numbers, .node_eqs, not found\n");
     FeModel model{*as_span<const std::int32_t>(eqs).data(),
                   as_matrix<const std::int32_t>(node_eqs),
                   {},
@@ -113,14 +109,15 @@ FeModel fe_model() {
                   {}};
     const auto equations = model.node_eqs.all();
     if (std::ranges::any_of(equations, [&](int e) { return e > model.neq; }))
-        stop(" \n\tAn equation number in .node_eqs is above .#eqs\n");
+        shutdown_with(" \n\tAn equation number in .node_eqs is above .#eqs\n");
     const int constraints = -std::min(0, std::ranges::min(equations));
     if (constraints == 0) return model;
     model.const_nodes = require_matrix<std::int32_t>(".const_nodes");
     const int rows = model.const_nodes.rows, cols = model.const_nodes.cols;
     model.const_dofs = require_matrix<std::int32_t>(".const_dofs", rows, cols);
     model.const_factor = require_matrix<double>(".const_factor", rows, cols);
-    if (constraints > cols) stop(" \n\tA constraint number in .node_eqs is out of range\n");
+    if (constraints > cols)
+        shutdown_with(" \n\tA constraint number in .node_eqs is out of range\n");
     return model;
 }
 
@@ -147,7 +144,7 @@ double displacement(const FeModel& model, int dof, int node, std::span<const dou
 void take_mode_shapes(const FlexSizes& s, std::string_view name, const ModeArrays& modes) {
     const FeModel model = fe_model();
     const auto shapes = require_matrix<double>(name, model.neq);
-    if (shapes.cols < s.nmode) stop(" \n\tThe array of mode shapes has too few columns\n");
+    if (shapes.cols < s.nmode) shutdown_with(" \n\tThe array of mode shapes has too few columns\n");
     for (int dof = 1; dof <= 6; ++dof)
         for (int m = s.nmoder + 1; m <= s.nmode; ++m)
             for (int node = 1; node <= s.nnodes; ++node)
@@ -171,9 +168,9 @@ std::int32_t symmetry_code(int symmetry, int x_z_sym, int y_z_sym) {
 
 void set_mode_code(const FlexSizes& s, std::span<const std::int32_t> head,
                    std::span<std::int32_t> modesym) {
-    if (head[0] <= s.nmoder || head[0] > s.nmode) stop(" \n\tMode number out of range\n");
+    if (head[0] <= s.nmoder || head[0] > s.nmode) shutdown_with(" \n\tMode number out of range\n");
     for (const int sym : head.subspan(1))
-        if (sym != 0 && sym != 1) stop(" \n\tSymmetry of a mode should be 0 or 1\n");
+        if (sym != 0 && sym != 1) shutdown_with(" \n\tSymmetry of a mode should be 0 or 1\n");
     if (s.symmetry != 0)
         modesym[static_cast<std::size_t>(head[0] - 1)] =
             symmetry_code(s.symmetry, head[1], head[2]);
@@ -188,9 +185,9 @@ void read_mode(const FlexSizes& s, int mode, const ModeArrays& modes) {
         read_real_record("Enter node  ux  uy  uz  thx  thy  thz\n", record);
         if (record_text().empty() || at_end_of_input()) return;
         if (!std::ranges::all_of(record, [](double v) { return std::isfinite(v); }))
-            stop(" \n\tModal displacements must be numbers\n");
+            shutdown_with(" \n\tModal displacements must be numbers\n");
         if (!(record[0] >= 1.0) || record[0] > s.nnodes)
-            stop(" \n\tNode number of a mode out of range\n");
+            shutdown_with(" \n\tNode number of a mode out of range\n");
         for (std::size_t i = 0; i < 6; ++i)
             modes.nodal[i](static_cast<int>(record[0]), mode) = record[i + 1];
     }
@@ -232,12 +229,12 @@ std::vector<PanelNodes> panel_nodes(const FlexSizes& s) {
     for (int e = 1; e <= el.cols; ++e) {
         const int p = map[static_cast<std::size_t>(e - 1)];
         if (p < 1) continue;
-        if (p > s.np) stop(" \n\tThe panel map does not fit the number of wet panels\n");
+        if (p > s.np) shutdown_with(" \n\tThe panel map does not fit the number of wet panels\n");
         PanelNodes panel{p, {}, {}};
         Corners corners{};
         for (int i = 1; i <= 4; ++i) {
             const int node = i == 4 && el(4, e) == 0 ? el(3, e) : el(i, e);
-            if (node < 1 || node > s.nnodes) stop(" \n\tNodes of a panel out of range\n");
+            if (node < 1 || node > s.nnodes) shutdown_with(" \n\tNodes of a panel out of range\n");
             panel.nodes[static_cast<std::size_t>(i - 1)] = node;
             corners[static_cast<std::size_t>(i - 1)] = {xr(p, i), yr(p, i), zr(p, i)};
         }

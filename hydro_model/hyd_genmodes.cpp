@@ -20,11 +20,6 @@ namespace {
 
 constexpr std::string_view work = "$tmp";
 
-[[noreturn]] void stop(std::string_view message) {
-    print_both(message);
-    shutdown();
-}
-
 [[noreturn]] void stop_literal(std::string_view line) {
     write_both("(a)", {line});
     shutdown();
@@ -44,7 +39,7 @@ std::int32_t symmetry_code(int symmetry, std::string_view text) {
 
 void set_symmetry_codes(int symmetry, int nmode) {
     if (symmetry == 0) return write_both("(a)", {"  Zero symmetry; .hyd_modesym left unchanged"});
-    if (symmetry != 1 && symmetry != 2) stop(" \n\tsymmetry should be 0, 1 or 2\n");
+    if (symmetry != 1 && symmetry != 2) shutdown_with(" \n\tsymmetry should be 0, 1 or 2\n");
     if (!array_exists(hyd_modesym)) create_matrix<std::int32_t>(hyd_modesym, nmode, 0);
     const ArrayRef modesym = find_array(hyd_modesym);
     if (!modesym.is(type_integer) || modesym.size() != nmode)
@@ -55,8 +50,8 @@ void set_symmetry_codes(int symmetry, int nmode) {
         get_char_par(std::string(" ").append(number).append("="), text, 8);
         const auto code = symmetry_code(symmetry, text);
         if (code == 0)
-            stop(std::string(" \n\tSymmetry of mode ").append(number) +
-                 " is missing or not valid\n");
+            shutdown_with(std::string(" \n\tSymmetry of mode ").append(number) +
+                          " is missing or not valid\n");
         as_span<std::int32_t>(modesym)[static_cast<std::size_t>(m - 1)] = code;
     }
 }
@@ -89,7 +84,7 @@ void transform_matrix(std::string_view name, Matrix<const double> psi) {
     if (!ref) return write_both("('    ', a, ' not found')", {name});
     const std::string_view plain = name.front() == '.' ? name.substr(1) : name;
     if (!ref.is(type_real) || ref.ndim() != 2 || ref.rows() != psi.rows || ref.cols() != psi.rows)
-        stop(" \n\t" + std::string(plain) + " must be (nmode,nmode)\n");
+        shutdown_with(" \n\t" + std::string(plain) + " must be (nmode,nmode)\n");
     const auto a = as_matrix<double>(ref);
     const Temporary<double> product(work, psi.rows, psi.cols);
     multiply(a, psi, product.view);
@@ -100,10 +95,10 @@ void transform_matrix(std::string_view name, Matrix<const double> psi) {
 /// The array, which must exist with nmode rows or columns.
 Matrix<double> mode_array(std::string_view name, int nmode, bool by_row) {
     const ArrayRef ref = find_array(name);
-    if (!ref) stop(" \n\t" + std::string(name) + " not found\n");
+    if (!ref) shutdown_with(" \n\t" + std::string(name) + " not found\n");
     if (!ref.is(type_real) || ref.ndim() != 2 || (by_row ? ref.rows() : ref.cols()) != nmode)
-        stop(" \n\t" + std::string(name) + " must have nmode " + (by_row ? "rows" : "columns") +
-             "\n");
+        shutdown_with(" \n\t" + std::string(name) + " must have nmode " +
+                      (by_row ? "rows" : "columns") + "\n");
     return as_matrix<double>(ref);
 }
 
@@ -130,7 +125,7 @@ Matrix<const double> transformation(int nmode) {
         shutdown();
     }
     if (!psi.is(type_real) || psi.ndim() != 2 || psi.rows() != nmode || psi.cols() != nmode)
-        stop(" \n\thyd_psi must be (nmode,nmode)\n");
+        shutdown_with(" \n\thyd_psi must be (nmode,nmode)\n");
     return as_matrix<const double>(psi);
 }
 

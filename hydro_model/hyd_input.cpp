@@ -7,9 +7,7 @@
 
 #include "hydro_model/hyd_nodes.hpp"
 #include "kernel/gencom.hpp"
-#include "kernel/project.hpp"
 #include "kernel/require.hpp"
-#include "kernel/utilities.hpp"
 
 #include <algorithm>
 #include <array>
@@ -20,11 +18,6 @@
 namespace quelor {
 
 namespace {
-
-[[noreturn]] void stop(std::string_view message) {
-    print_both(message);
-    shutdown();
-}
 
 // --- hyd_parameters
 
@@ -45,11 +38,11 @@ ModelCounts read_counts() {
 void settle_mode_count(ModelCounts& counts) {
     std::int64_t nmoder = counts.nmoder;
     if (counts.nbodies > 0) nmoder = std::int64_t{6} * counts.nbodies;
-    if (nmoder < 0 || counts.nmodef < 0) stop(" \n\tNumber of modes cannot be negative\n");
+    if (nmoder < 0 || counts.nmodef < 0) shutdown_with(" \n\tNumber of modes cannot be negative\n");
     const std::int64_t nmode = nmoder + counts.nmodef;
-    if (nmode == 0) stop(" \n\tNumber of modes cannot be zero\n");
+    if (nmode == 0) shutdown_with(" \n\tNumber of modes cannot be zero\n");
     if (nmode * nmode > std::numeric_limits<std::int32_t>::max())
-        stop(" \n\tToo many modes for matrices of (nmode,nmode)\n");
+        shutdown_with(" \n\tToo many modes for matrices of (nmode,nmode)\n");
     counts.nmoder = static_cast<std::int32_t>(nmoder);
 }
 
@@ -79,11 +72,11 @@ void cmd_hyd_parameters(std::string_view) {
     for (auto& real : reals)
         get_real_par(real.key, real.value);
     auto& [depth, grav, rho, deep_water, gauge, hdamp] = reals;
-    if (!is_positive(depth.value)) stop(" \n\tA positive water depth must be given\n");
+    if (!is_positive(depth.value)) shutdown_with(" \n\tA positive water depth must be given\n");
     if (!is_positive(grav.value) || !is_positive(rho.value))
-        stop(" \n\tgrav and rho must be greater than 0\n");
+        shutdown_with(" \n\tgrav and rho must be greater than 0\n");
     if (!std::isfinite(gauge.value) || !std::isfinite(hdamp.value))
-        stop(" \n\tgauge and hdamp must be numbers\n");
+        shutdown_with(" \n\tgauge and hdamp must be numbers\n");
     if (!is_positive(deep_water.value)) deep_water.value = 10.0;
     for (const auto& real : reals)
         create_real_scalar(real.array, real.value);
@@ -106,7 +99,7 @@ void cmd_hyd_coordaxs(std::string_view) {
     std::int32_t body = 1;
     get_int_par(" body=", body);
     body = std::max(body, 1);
-    if (body > std::max(nbodies, 1)) stop(" \n\tBody number > number of bodies\n");
+    if (body > std::max(nbodies, 1)) shutdown_with(" \n\tBody number > number of bodies\n");
 
     std::array<double, axes_rows> axes{};
     const std::span<double> values(axes);
@@ -118,7 +111,7 @@ void cmd_hyd_coordaxs(std::string_view) {
     get_real_par(" theta=", axes[9]);
     get_real_par(" zcg=", axes[10]);
     if (!std::ranges::all_of(axes, [](double x) { return std::isfinite(x); }))
-        stop(" \n\tCoordinates and angles must be numbers\n");
+        shutdown_with(" \n\tCoordinates and angles must be numbers\n");
     std::ranges::copy(axes, body_columns(nbodies).col(body).begin());
 }
 
@@ -160,11 +153,11 @@ void cmd_hyd_coord_trans(std::string_view) {
     std::array<std::int32_t, 2> nodes{1, nnodes};
     get_int_par(" body=", body);
     get_int_par(" nodes=", nodes);
-    if (body < 1 || body > hyd_body_count()) stop(" \n\tIllegal body number\n");
+    if (body < 1 || body > hyd_body_count()) shutdown_with(" \n\tIllegal body number\n");
     const BodyAxes axes = hyd_body_axes(body);
     const auto xyz = as_matrix<double>(require_array(hyd_xyz, type_real, {3, any_size}));
     if (nodes[0] < 1 || nodes[1] < nodes[0] || nodes[1] > std::min(nnodes, xyz.cols))
-        stop(" \n\tIllegal node range\n");
+        shutdown_with(" \n\tIllegal node range\n");
 
     constexpr double radians = std::numbers::pi / 180.0;
     const Rotation r = bryant_rotation(axes.angles[0] * radians, axes.angles[1] * radians,
@@ -255,15 +248,17 @@ int hyd_body_count() {
 }
 
 int hyd_mode_count() {
-    return require_int(hyd_nmoder) + require_int(hyd_nmodef);
+    const int nmoder = require_int(hyd_nmoder), nmodef = require_int(hyd_nmodef);
+    if (nmoder < 0 || nmodef < 0 || nmoder + nmodef < 1)
+        shutdown_with(" \n\tThe numbers of modes in .hyd_nmoder and .hyd_nmodef are not valid\n");
+    return nmoder + nmodef;
 }
 
 BodyAxes hyd_body_axes(int body) {
     const auto columns = require_matrix<double>(hyd_coordaxs, axes_rows);
     if (body < 1 || body > columns.cols) {
-        print_both(" \n\tCoordinate systems of body " + std::to_string(body) +
-                   " not found; see command hyd_coordaxs\n");
-        shutdown();
+        shutdown_with(" \n\tCoordinate systems of body " + std::to_string(body) +
+                      " not found; see command hyd_coordaxs\n");
     }
     const auto c = columns.col(body);
     return {{c[0], c[1], c[2]}, {c[3], c[4], c[5]}, c[6], c[7], c[8], c[9], c[10]};

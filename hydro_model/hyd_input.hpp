@@ -55,7 +55,7 @@ inline constexpr int axes_rows = 11;
 BodyAxes hyd_body_axes(int body);
 /// Number of bodies, at least 1.
 int hyd_body_count();
-/// nmoder + nmodef.
+/// nmoder + nmodef, at least 1.
 int hyd_mode_count();
 
 /// waven with the warning on both units when the iteration does not converge.

@@ -13,9 +13,7 @@
 #include "hydro_model/mesh_part.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
-#include "kernel/project.hpp"
 #include "kernel/require.hpp"
-#include "kernel/utilities.hpp"
 #include "matrix/print.hpp"
 
 #include <algorithm>
@@ -27,11 +25,6 @@ namespace quelor {
 namespace {
 
 constexpr int body_modes = 6;
-
-[[noreturn]] void stop(std::string_view message) {
-    print_both(message);
-    shutdown();
-}
 
 // --- reflected bodies
 
@@ -56,14 +49,18 @@ int reflections_wanted(int symmetry, int body_sym) {
 void check_reflected_bodies(const ReflectionRequest& request, int wanted, int body, int nbodies) {
     std::set<std::int32_t> named(request.bodies.begin(), request.bodies.end());
     const auto count = std::ranges::count_if(request.bodies, [](int b) { return b != 0; });
-    if (wanted == 0 && count > 0) stop(" \n\tA reflected body number may not be specified\n");
-    if (wanted == 1 && count == 0) stop(" \n\tA reflected body number must be specified\n");
-    if (wanted == 1 && count > 1) stop(" \n\tOnly one reflected body number may be specified\n");
-    if (wanted == 3 && count != 3) stop(" \n\tThree reflected body numbers must be specified\n");
+    if (wanted == 0 && count > 0)
+        shutdown_with(" \n\tA reflected body number may not be specified\n");
+    if (wanted == 1 && count == 0)
+        shutdown_with(" \n\tA reflected body number must be specified\n");
+    if (wanted == 1 && count > 1)
+        shutdown_with(" \n\tOnly one reflected body number may be specified\n");
+    if (wanted == 3 && count != 3)
+        shutdown_with(" \n\tThree reflected body numbers must be specified\n");
     named.erase(0);
     const bool distinct = std::ssize(named) == count && !named.contains(body);
     if (!distinct || (count > 0 && (*named.begin() < 1 || *named.rbegin() > nbodies)))
-        stop(" \n\tReflected body number out of range\n");
+        shutdown_with(" \n\tReflected body number out of range\n");
 }
 
 /// How far the origin of the other body is from the mirror image of this body's.
@@ -187,7 +184,7 @@ void set_symmetry_codes(const MeshPart& part, std::span<std::int32_t> modesym) {
 
 void cmd_hyd_rigid_modes(std::string_view) {
     if (require_int(hyd_nmoder) != body_modes * hyd_body_count())
-        stop(
+        shutdown_with(
             " \n\tNumber of user-defined modes must be 6 * number of bodies to use the command hyd_rigid_modes\n");
     const MeshPart part = hyd_mesh_part();
     const BodyAxes axes = hyd_body_axes(part.body);
@@ -198,7 +195,8 @@ void cmd_hyd_rigid_modes(std::string_view) {
                            hyd_body_count());
     const auto bodies = bodies_of_mesh(part, axes, request);
     if (part.symmetry != 0 && axes.theta != 0.0)
-        stop(" \n\tA rotated body-fixed coordinate system is not consistent with the symmetry\n");
+        shutdown_with(
+            " \n\tA rotated body-fixed coordinate system is not consistent with the symmetry\n");
 
     const ModeSizes sizes{part.nnodes, hyd_mode_count(), part.np};
     if (part.body == 1) hyd_create_modes(sizes);
@@ -217,26 +215,28 @@ Matrix<double> structural_mass(int nmode) {
     if (!array_exists(hyd_mstr)) return create_matrix<double>(hyd_mstr, nmode, nmode);
     const ArrayRef mass = find_array(hyd_mstr);
     if (!mass.is(type_real) || mass.rows() != nmode || mass.cols() != nmode)
-        stop(" \n\thyd_mstr must be (nmode,nmode)\n");
+        shutdown_with(" \n\thyd_mstr must be (nmode,nmode)\n");
     return as_matrix<double>(mass);
 }
 
 void cmd_hyd_rmass(std::string_view) {
     const int nmoder = require_int(hyd_nmoder);
-    if (nmoder < 1) stop(" \n\tNumber of user-defined modes is zero\n");
+    if (nmoder < 1) shutdown_with(" \n\tNumber of user-defined modes is zero\n");
     std::int32_t body = 0;
     get_int_par(" body=", body);
     const int nbodies = hyd_body_count();
-    if (body < 0 || body > nbodies) stop(" \n\tIllegal body number\n");
+    if (body < 0 || body > nbodies) shutdown_with(" \n\tIllegal body number\n");
     const bool one_of_several = body > 0 && nbodies > 1;
     const int n = one_of_several ? body_modes : nmoder;
     const int first = one_of_several ? body_modes * (body - 1) : 0;
+    if (first + n > nmoder)
+        shutdown_with(" \n\tNumber of user-defined modes must be 6 * number of bodies\n");
 
     const Temporary<double> rows("$hyd_rmass", n, n); // a record is a column here
     for (int i = 1; i <= n; ++i)
         read_real_record("Enter mass matrix, one row a record\n", rows.view.col(i));
     if (!std::ranges::all_of(rows.view.all(), [](double m) { return std::isfinite(m); }))
-        stop(" \n\tMasses must be numbers\n");
+        shutdown_with(" \n\tMasses must be numbers\n");
     const auto mass = structural_mass(hyd_mode_count());
     for (int j = 1; j <= n; ++j)
         for (int i = 1; i <= n; ++i)

@@ -39,11 +39,6 @@ constexpr FrequencyResult frequency_results[] = {
 constexpr std::string_view result_files[] = {"rad", "dif",  "pot", "hpr",
                                              "prs", "prs2", "dis", "res"};
 
-[[noreturn]] void stop(std::string_view message) {
-    print_both(message);
-    shutdown();
-}
-
 struct WaveInput {
     std::int32_t nbeta = 1, nfreq = 1;
     bool frequencies = false, descending = false;
@@ -74,7 +69,7 @@ void read_angles(int nbeta) {
     std::vector<double> degrees(static_cast<std::size_t>(nbeta));
     read_real_record("Enter wave angles in degrees\n", degrees);
     if (!std::ranges::all_of(degrees, [](double a) { return std::isfinite(a); }))
-        stop(" \n\tWave angles must be numbers\n");
+        shutdown_with(" \n\tWave angles must be numbers\n");
     std::ranges::transform(degrees, create_matrix<double>(hyd_beta, nbeta, 0).data,
                            [](double a) { return a * std::numbers::pi / 180.0; });
 }
@@ -94,7 +89,7 @@ void convert_periods(std::span<double> values) {
 void check_positive(std::span<const double> values) {
     if (std::ranges::all_of(values, [](double v) { return std::isfinite(v) && v > 0.0; })) return;
     print_both(" \n\tPeriods and frequencies must be greater than 0\n");
-    stop(" \n\tProgram is shutting down\n");
+    shutdown_with(" \n\tProgram is shutting down\n");
 }
 
 void read_frequencies(const WaveInput& input) {
@@ -113,13 +108,13 @@ void read_frequencies(const WaveInput& input) {
 void input_waves() {
     const WaveInput input = read_wave_parameters();
     if (input.nbeta < 1 || input.nfreq < 1)
-        stop(" \n\tAt least one frequency and one angle must be input\n");
+        shutdown_with(" \n\tAt least one frequency and one angle must be input\n");
     delete_results();
     const auto wave = create_matrix<std::int32_t>(hyd_wave, 2, 0);
     wave(1) = input.nbeta;
     wave(2) = input.nfreq;
     if (input.nbeta > most_waves || input.nfreq > most_waves)
-        stop(" \n\tCannot input more than 1,000 frequencies or angles\n");
+        shutdown_with(" \n\tCannot input more than 1,000 frequencies or angles\n");
     read_angles(input.nbeta);
     read_frequencies(input);
     create_matrix<double>(hyd_twnk, input.nfreq, 2);

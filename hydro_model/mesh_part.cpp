@@ -5,9 +5,7 @@
 #include "hydro_model/hyd_nodes.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "kernel/gencom.hpp"
-#include "kernel/project.hpp"
 #include "kernel/require.hpp"
-#include "kernel/utilities.hpp"
 
 namespace quelor {
 
@@ -15,11 +13,6 @@ namespace {
 
 bool within(const std::array<std::int32_t, 2>& range, int last) {
     return 1 <= range[0] && range[0] <= range[1] && range[1] <= last;
-}
-
-[[noreturn]] void stop(std::string_view message) {
-    print_both(message);
-    shutdown();
 }
 
 } // namespace
@@ -44,14 +37,16 @@ MeshPart hyd_mesh_part() {
     get_int_par(" body=", part.body);
     get_int_par(" nodes=", part.nodes);
     get_int_par(" panels=", range);
-    if (part.symmetry < 0 || part.symmetry > 2) stop(" \n\tsymmetry should be 0, 1 or 2\n");
-    if (part.body < 1 || part.body > nbodies) stop(" \n\tIllegal body number\n");
+    if (part.symmetry < 0 || part.symmetry > 2)
+        shutdown_with(" \n\tsymmetry should be 0, 1 or 2\n");
+    if (part.body < 1 || part.body > nbodies) shutdown_with(" \n\tIllegal body number\n");
     const auto stored = std::min(part.xyz.cols, static_cast<int>(part.active.size()));
-    if (!within(part.nodes, std::min(part.nnodes, stored))) stop(" \n\tIllegal node range\n");
-    if (!within(range, npanels)) stop(" \n\tIllegal panel range\n");
+    if (!within(part.nodes, std::min(part.nnodes, stored)))
+        shutdown_with(" \n\tIllegal node range\n");
+    if (!within(range, npanels)) shutdown_with(" \n\tIllegal panel range\n");
     for (auto e = range[0]; e <= range[1]; ++e) {
         const int p = map[static_cast<std::size_t>(e - 1)];
-        if (p > part.np) stop(" \n\tIllegal panel range\n");
+        if (p > part.np) shutdown_with(" \n\tIllegal panel range\n");
         if (p > 0) part.list.push_back(p);
     }
     return part;

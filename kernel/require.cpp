@@ -22,6 +22,11 @@ bool has_shape(const ArrayRef& ref, std::initializer_list<int> dims) {
 
 } // namespace
 
+void shutdown_with(std::string_view message) {
+    print_both(message);
+    shutdown();
+}
+
 ArrayRef require_array(std::string_view name, TypeCode type, std::initializer_list<int> dims) {
     const ArrayRef ref = find_array(name);
     if (!ref) {
@@ -29,8 +34,7 @@ ArrayRef require_array(std::string_view name, TypeCode type, std::initializer_li
         shutdown();
     }
     if (ref.type != type || !has_shape(ref, dims)) {
-        print_both(" \n\tArray " + std::string(name) + " is of the wrong type or size\n");
-        shutdown();
+        shutdown_with(" \n\tArray " + std::string(name) + " is of the wrong type or size\n");
     }
     return ref;
 }

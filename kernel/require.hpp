@@ -6,6 +6,9 @@
 
 namespace quelor {
 
+/// The message on both units, then the fatal path.
+[[noreturn]] void shutdown_with(std::string_view message);
+
 inline constexpr int any_size = -1;
 
 /// The array `name` of the given type and dimensions (any_size: any); dims beyond those given count
