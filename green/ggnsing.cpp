@@ -123,7 +123,7 @@ RankineIntegral ggnsing(const GreenPoint& p, const FlatPanel& panel, const Panel
     return result;
 }
 
-RankineIntegral rankine_terms(const GreenPoint& p, const RankineSource& source, double sign_x,
+RankineIntegral rankine_terms(const GreenPoint& p, const SourcePanel& source, double sign_x,
                               double sign_y, double depth) {
     const double dx = p.x - sign_x * source.centroid.x;
     const double dy = p.y - sign_y * source.centroid.y;
@@ -142,7 +142,7 @@ RankineIntegral rankine_terms(const GreenPoint& p, const RankineSource& source, 
             const double factor = -source.area * inverse * inverse * inverse;
             part = {source.area * inverse, factor * dx, factor * dy, factor * dz};
         } else {
-            part = ggnsing(p, source.panel, images[term]);
+            part = ggnsing(p, source.flat, images[term]);
         }
         sum.value += part.value;
         sum.x += part.x;

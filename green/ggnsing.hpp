@@ -51,19 +51,18 @@ struct RankineIntegral {
 /// [Newman 1986], [Wilton 1984]; angle of an edge after [Van Oosterom 1983]
 RankineIntegral ggnsing(const GreenPoint& p, const FlatPanel& panel, const PanelImage& image = {});
 
-/// A source panel for the Rankine terms: exact within the distance L of the centroid, else
-/// concentrated in the centroid.
-struct RankineSource {
-    const FlatPanel& panel;
+/// A source panel, all lengths times K.
+struct SourcePanel {
+    FlatPanel flat;
     GreenPoint centroid; ///< as stored, not reflected
     double area;
-    double L;
+    double L; ///< the Rankine terms are exact within this distance of a centroid, else concentrated
 };
 
 /// Sum of the three Rankine terms 1/r, 1/r1 (image in z = 0) and 1/r2 (image in z = -depth) of a
 /// source panel reflected by sign_x, sign_y. Each term is exact if the distance of the field point
 /// from the centroid of its image is not above L. The bottom term is there in any depth.
-RankineIntegral rankine_terms(const GreenPoint& p, const RankineSource& source, double sign_x,
+RankineIntegral rankine_terms(const GreenPoint& p, const SourcePanel& source, double sign_x,
                               double sign_y, double depth);
 
 } // namespace quelor

@@ -235,7 +235,7 @@ TEST(RankineIntegral, of_a_panel_in_a_mirror_plane_keeps_the_limit_from_the_flui
 TEST(RankineTerms, are_exact_within_the_length_and_concentrated_beyond) {
     const FlatPanel panel = flat_panel({{{0, 0, -1}, {0, 1, -1}, {1, 1, -1}, {1, 0, -1}}}, false);
     const GreenPoint p = {0.5, 0.5, -0.5}; // 0.5, 1.5 and 4.5 from the three centroids
-    const RankineSource source = {panel, {0.5, 0.5, -1}, 1.0, 1.5};
+    const SourcePanel source = {panel, {0.5, 0.5, -1}, 1.0, 1.5};
     const RankineIntegral sum = rankine_terms(p, source, 1, 1, 3);
     const RankineIntegral direct = ggnsing(p, panel), surface = ggnsing(p, panel, {1, 1, -1, 0});
     EXPECT_NEAR(sum.value, direct.value + surface.value + 1 / 4.5, 1e-14);

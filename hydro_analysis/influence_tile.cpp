@@ -1,0 +1,133 @@
+// Vector loops over the pairs of a tile row. Selections instead of branches, no calls.
+#include "hydro_analysis/influence_tile.hpp"
+
+#include <cmath>
+
+#include "green/vecmath.hpp"
+
+namespace quelor {
+
+QUELOR_CLONES
+void pair_geometry(const PanelBlock& block, const RowPanel& row, const PairGeometry& out) {
+    const double xs = row.sign_x * row.x, ys = row.sign_y * row.y;
+    const double depth = row.z < 0 ? -row.z : 0.0;
+    const double* __restrict x = block.x, * __restrict y = block.y, * __restrict z = block.z;
+    double* __restrict R = out.R, * __restrict Z = out.Z;
+    double* __restrict d1 = out.d1, * __restrict d2 = out.d2;
+#pragma GCC ivdep
+    for (int j = 0; j < block.n; ++j) {
+        const double dx = x[j] - xs, dy = y[j] - ys;
+        const double d = z[j] < 0 ? -z[j] : 0.0;
+        R[j] = std::sqrt(dx * dx + dy * dy);
+        d1[j] = d;
+        d2[j] = depth;
+        Z[j] = d + depth;
+    }
+}
+
+namespace {
+
+// With S the sum of 1/r^3 over the Rankine terms, the gradient at j for the source i is
+// horizontally (dx, dy) (f2/R - S) and vertically -f3 - sum dz/r^3. In the mirror pair dx and dy
+// change sign where the image keeps theirs, dz changes sign in 1/r alone, and f7 stands for f3.
+template <bool finite>
+QUELOR_INLINE int far_row_of(const PanelBlock& block, const RowPanel& row, double twice_depth,
+                             const double* __restrict R, const WaveTerms& wave,
+                             const PairValues& out) {
+    const double xs = row.sign_x * row.x, ys = row.sign_y * row.y, zs = row.z, L = row.L;
+    const double nx_mirror = -row.sign_x * row.nx, ny_mirror = -row.sign_y * row.ny, nz = row.nz;
+    const double* __restrict x = block.x, * __restrict y = block.y, * __restrict z = block.z;
+    const double* __restrict nxj = block.nx, * __restrict nyj = block.ny, * __restrict nzj = block.nz;
+    const double* __restrict Lj = block.L;
+    const double* __restrict f1 = wave.f1, * __restrict f2 = wave.f2, * __restrict f3 = wave.f3;
+    const double* __restrict f7 = wave.f7, * __restrict g1 = wave.g1, * __restrict g2 = wave.g2;
+    const double* __restrict g3 = wave.g3, * __restrict g7 = wave.g7;
+    double* __restrict G = out.G, * __restrict G_mirror = out.G_mirror, * __restrict G_im = out.G_im;
+    double* __restrict D = out.D, * __restrict D_im = out.D_im, * __restrict r_out = out.r;
+    double* __restrict D_mirror = out.D_mirror, * __restrict D_mirror_im = out.D_mirror_im;
+    std::int64_t near = 0;
+#pragma GCC ivdep
+    for (int j = 0; j < block.n; ++j) {
+        const double dx = x[j] - xs, dy = y[j] - ys, dz = z[j] - zs, sum_z = z[j] + zs;
+        const double R2 = dx * dx + dy * dy;
+        const double r = std::sqrt(R2 + dz * dz);
+        const double p = 1.0 / r, p3 = p * p * p;
+        const double q = 1.0 / std::sqrt(R2 + sum_z * sum_z), q3 = q * q * q;
+        double potential = p + q, cubes = p3 + q3, vertical = -sum_z * q3;
+        if constexpr (finite) {
+            const double bottom_z = sum_z + twice_depth;
+            const double b = 1.0 / std::sqrt(R2 + bottom_z * bottom_z), b3 = b * b * b;
+            potential += b;
+            cubes += b3;
+            vertical -= bottom_z * b3;
+        }
+        const double direct = dz * p3;
+        const bool apart = R[j] > 1e-6;
+        const double Rinv = 1.0 / (apart ? R[j] : 1.0);
+        const double h = apart ? f2[j] * Rinv - cubes : 0.0;
+        const double h_im = apart ? g2[j] * Rinv : 0.0;
+        const double along = nxj[j] * dx + nyj[j] * dy;
+        const double along_mirror = nx_mirror * dx + ny_mirror * dy;
+        G[j] = f1[j] + potential;
+        G_mirror[j] = f1[j] + potential;
+        G_im[j] = g1[j];
+        D[j] = along * h + nzj[j] * (vertical - direct - f3[j]);
+        D_im[j] = along * h_im - nzj[j] * g3[j];
+        D_mirror[j] = along_mirror * h + nz * (vertical + direct - f7[j]);
+        D_mirror_im[j] = along_mirror * h_im - nz * g7[j];
+        r_out[j] = r;
+        const double reach = L > Lj[j] ? L : Lj[j];
+        near += r <= reach ? 1 : 0;
+    }
+    return static_cast<int>(near);
+}
+
+template <int ns>
+QUELOR_INLINE void class_row_of(const PanelBlock& block, double area, const PairValues& values,
+                                int stride, const double* sign, double inverse_K,
+                                const ClassRow& out) {
+    const double* __restrict area_j = block.area;
+    Complex4* __restrict alpha = out.alpha, * __restrict beta = out.beta;
+    Complex4* __restrict alpha_mirror = out.alpha_mirror, * __restrict beta_mirror =
+                                                              out.beta_mirror;
+    const double area_K = area * inverse_K;
+#pragma GCC ivdep
+    for (int j = 0; j < block.n; ++j) {
+        double G = 0, G_mirror = 0, G_im = 0, D = 0, D_im = 0, D_mirror = 0, D_mirror_im = 0;
+#pragma GCC unroll 4
+        for (int m = 0; m < ns; ++m) {
+            const int k = j + m * stride;
+            G += sign[m] * values.G[k];
+            G_mirror += sign[m] * values.G_mirror[k];
+            G_im += sign[m] * values.G_im[k];
+            D += sign[m] * values.D[k];
+            D_im += sign[m] * values.D_im[k];
+            D_mirror += sign[m] * values.D_mirror[k];
+            D_mirror_im += sign[m] * values.D_mirror_im[k];
+        }
+        const double a = area_j[j], a_K = a * inverse_K;
+        alpha[j] = {static_cast<float>(area_K * G), static_cast<float>(area_K * G_im)};
+        beta[j] = {static_cast<float>(area * D), static_cast<float>(area * D_im)};
+        alpha_mirror[j] = {static_cast<float>(a_K * G_mirror), static_cast<float>(a_K * G_im)};
+        beta_mirror[j] = {static_cast<float>(a * D_mirror), static_cast<float>(a * D_mirror_im)};
+    }
+}
+
+} // namespace
+
+QUELOR_CLONES
+int far_row(const PanelBlock& block, const RowPanel& row, double twice_depth, const double* R,
+            const WaveTerms& wave, const PairValues& out) {
+    if (twice_depth > 0) return far_row_of<true>(block, row, twice_depth, R, wave, out);
+    return far_row_of<false>(block, row, twice_depth, R, wave, out);
+}
+
+QUELOR_CLONES
+void class_row(const PanelBlock& block, double area, const PairValues& values, int stride, int ns,
+               const double* sign, double inverse_K, const ClassRow& out) {
+    if (ns == 1) return class_row_of<1>(block, area, values, stride, sign, inverse_K, out);
+    if (ns == 2) return class_row_of<2>(block, area, values, stride, sign, inverse_K, out);
+    class_row_of<4>(block, area, values, stride, sign, inverse_K, out);
+}
+
+} // namespace quelor

@@ -1,0 +1,69 @@
+// The vector loops of the influence matrices: one row of a tile, that is one source panel i (or an
+// image of it) with the field panels j of a block, and at once each pair's mirror, source panel j
+// with the field panel i. The two have the same horizontal distance and the same two depths, so
+// that they share the wave terms; only the two derivatives in depth change places.
+//
+// All lengths are times K. Values are for a source panel of unit area.
+#pragma once
+
+#include "green/wave_terms.hpp"
+#include "kernel/types.hpp"
+
+namespace quelor {
+
+/// Centroids, normals, areas and lengths L of consecutive panels, n of each.
+struct PanelBlock {
+    int n;
+    const double *x, *y, *z, *nx, *ny, *nz, *area, *L;
+
+    PanelBlock from(int first, int count) const {
+        return {count,      x + first,  y + first,    z + first, nx + first,
+                ny + first, nz + first, area + first, L + first};
+    }
+};
+
+/// One panel i of a row, and the reflection by which it, and j in the mirror pair, is a source.
+struct RowPanel {
+    double x, y, z, nx, ny, nz, area, L;
+    double sign_x, sign_y;
+};
+
+/// What the wave terms depend on: horizontal distance R, depth sum Z and the depths d1 of j, d2 of
+/// i.
+struct PairGeometry {
+    double *R, *Z, *d1, *d2;
+
+    PairGeometry from(int k) const { return {R + k, Z + k, d1 + k, d2 + k}; }
+};
+void pair_geometry(const PanelBlock& block, const RowPanel& row, const PairGeometry& out);
+
+/// Green function G and normal derivative D of a pair and of its mirror pair (G of which differs in
+/// the near field only). r is the distance of the centroids.
+struct PairValues {
+    double *G, *G_mirror, *G_im, *D, *D_im, *D_mirror, *D_mirror_im, *r;
+
+    PairValues from(int k) const {
+        return {G + k,    G_mirror + k, G_im + k,        D + k,
+                D_im + k, D_mirror + k, D_mirror_im + k, r + k};
+    }
+};
+
+/// Far field: the wave terms plus 1/r, 1/r1 and, for twice_depth > 0, 1/r2, all from the centroids.
+/// No horizontal gradient below R = 1e-6. Returns how many pairs have r within the larger of the
+/// two lengths L; their values are to be replaced.
+int far_row(const PanelBlock& block, const RowPanel& row, double twice_depth, const double* R,
+            const WaveTerms& wave, const PairValues& out);
+
+/// Sums over the images with the signs of one class, times the area of the source.
+/// values           in   the first image; image m lies (m - 1) * stride further
+/// sign             in   (ns) signs of the images
+/// inverse_K        in   1 / K, which makes G dimensional
+/// alpha, beta      out  source i: n values each
+/// alpha_mirror, beta_mirror  out  source j: n values each
+struct ClassRow {
+    Complex4 *alpha, *beta, *alpha_mirror, *beta_mirror;
+};
+void class_row(const PanelBlock& block, double area, const PairValues& values, int stride, int ns,
+               const double* sign, double inverse_K, const ClassRow& out);
+
+} // namespace quelor
