@@ -112,7 +112,7 @@ void cmd_pbcid(std::string_view) {
         if (active[at] != 'A') continue;
         FormatItems items;
         items.add(n).add(std::span<const std::int32_t>(codes.col(n))).add(print[at]);
-        write_both(row, std::move(items));
+        write_both(row, items);
     }
 }
 

@@ -106,7 +106,7 @@ void check_nodes(std::string_view name, Matrix<const std::int32_t> el, int nodes
                 {name, e});
         FormatItems items;
         items.add(list);
-        write_both("30(8x, 'Element nodes', (10i6))", std::move(items));
+        write_both("30(8x, 'Element nodes', (10i6))", items);
     }
     if (!bad) return;
     print_both(" \nSave database and quit\n");

@@ -212,9 +212,9 @@ void print_nodes(const NodeKind& kind) {
     if (first > set.count) return;
     const int last = std::max(std::min(range[1], set.count), first);
     const bool screen = has_flag("-screen");
-    const auto put = [&](const Format& format, FormatItems items) {
+    const auto put = [&](const Format& format, const FormatItems& items) {
         if (screen) write_unit(unit_screen, format, items);
-        write_unit(unit_output, format, std::move(items));
+        write_unit(unit_output, format, items);
     };
     put("10(/,'   NODE                NODAL COORDINATES',/,            ' NUMBER',12x,'X', 12x, 'Y', 12x,'Z')",
         {});

@@ -24,9 +24,9 @@ struct WetKind {
     std::string_view report; ///< message after the conversion
 };
 constexpr WetKind wet_kinds[] = {
-    {".interface_el", 4, 6, 7, "     Converted interface elements\n"},
-    {".min5s_el", 4, 8, 9, "     Converted min5s elements\n"},
-    {".min3s_el", 3, 9, 0, "     Converted min3s elements\n"},
+    {".interface_el", 4, 6, 7, "     Converted interface elements"},
+    {".min5s_el", 4, 8, 9, "     Converted min5s elements"},
+    {".min3s_el", 3, 9, 0, "     Converted min3s elements"},
 };
 
 using PanelNodes = std::array<std::int32_t, 4>;
@@ -101,7 +101,7 @@ void convert(std::span<const WetFamily> families, std::int32_t total) {
         const WetFamily& family = families[k];
         for (std::size_t i = 0; i < family.nodes.size(); ++i)
             std::ranges::copy(family.nodes[i], panels.col(family.numbers[i] + offset).begin());
-        if (family.wet > 0) print_both(wet_kinds[k].report);
+        if (family.wet > 0) write_both("(a)", {wet_kinds[k].report});
         offset += family.panels;
     }
     finish_panels();

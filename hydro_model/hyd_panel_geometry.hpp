@@ -19,7 +19,7 @@ struct FlatPanel {
 ///
 /// The normal is that of the diagonals, n = d1 x d2 / |d1 x d2|. With C the mean of the nodes and
 /// D = n . (P1 - C), the corners P1 - D n, P2 + D n, P3 - D n, P4 + D n lie in one plane, for C
-/// halves the distance of the two diagonals.   Source: [Hess and Smith 1964]
+/// halves the distance of the two diagonals.   Source: [Hess 1967]
 /// Area and centroid are those of the triangles 1,2,4 and 2,3,4. A warp D below 1e-10 of the
 /// diagonals is rounding and taken as none.
 FlatPanel flat_panel(const std::array<Vec3, 4>& nodes, bool triangle);

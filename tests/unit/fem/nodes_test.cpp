@@ -1,6 +1,9 @@
 // Generation of nodes, and the search for points at the same place.
-#include "fem/node_family.hpp"
+#include "fem/bcid.hpp"
+#include "fem/elemutil.hpp"
+#include "fem/nodes.hpp"
 #include "fem/point_index.hpp"
+#include "kernel/utilities.hpp"
 
 #include <gtest/gtest.h>
 
@@ -99,4 +102,76 @@ TEST(PointIndex, finds_the_same_pairs_as_a_search_of_all) {
     }
     EXPECT_GT(wanted.size(), 100u);
     EXPECT_EQ(found, wanted);
+}
+
+namespace {
+
+/// A model of 8 nodes at most, with 1, 2 and 4 defined.
+class Services : public testing::Test {
+protected:
+    Services() {
+        new_nodes(fe_nodes, 8);
+        NodeSet set = open_nodes(fe_nodes);
+        set.define(1, {0, 0, 0});
+        set.define(2, {2, 0, 0});
+        set.define(4, {0, 2, 0});
+        create_int_scalar(num_nodes, 4);
+    }
+    ~Services() override { db_clear(); }
+};
+
+} // namespace
+
+TEST_F(Services, the_lowest_node_within_the_tolerance_is_found_if_it_is_active) {
+    EXPECT_EQ(node_find({2, 1e-9, 0}, 1e-8), 2);
+    EXPECT_EQ(node_find({2, 1e-7, 0}, 1e-8), 0);
+    EXPECT_EQ(node_coordinates(4), (Vec3{0, 2, 0}));
+    // Node 3 is not defined and stands at the origin: it hides nothing behind node 1, but an
+    // inactive first match is not passed over.
+    as_span<char>(find_array(node_active))[0] = ' ';
+    EXPECT_EQ(node_find({0, 0, 0}, 1e-8), 0);
+}
+
+TEST_F(Services, a_node_is_added_behind_the_last_with_the_restraints_of_another) {
+    const auto codes = create_matrix<std::int32_t>(bcid, 6, 8);
+    codes(3, 2) = 1;
+    EXPECT_EQ(node_add({9, 9, 9}, 2), 5);
+    EXPECT_EQ(codes(3, 5), 1);
+    EXPECT_EQ(get_int(num_nodes), 5);
+    EXPECT_EQ(node_add({9, 9, 9}, 6), 0); // no such node to copy from
+    for (int n = 6; n <= 8; ++n)
+        EXPECT_EQ(node_add({0, 0, 1.0 * n}, -1), n);
+    EXPECT_EQ(node_add({0, 0, 9}, -1), 0); // full
+}
+
+TEST_F(Services, a_chain_uses_the_nodes_at_hand_and_ends_exactly) {
+    std::array<std::int32_t, 4> chain{};
+    node_line_chain({0, 0, 0}, {2, 0, 0}, 2, chain);
+    EXPECT_EQ(chain, (std::array<std::int32_t, 4>{1, 5, 2, 0}));
+    EXPECT_EQ(node_coordinates(5), (Vec3{1, 0, 0}));
+    node_line_chain({0, 0, 0}, {0.1, 0.2, 0.7}, 3, chain);
+    EXPECT_EQ(node_coordinates(chain[3]), (Vec3{0.1, 0.2, 0.7}));
+}
+
+TEST_F(Services, element_coordinates_come_in_both_layouts) {
+    const std::array<std::int32_t, 3> nodes{4, 0, 2};
+    const auto x = as_matrix<const double>(find_array(xyz));
+    std::array<double, 9> a{}, b{};
+    element_coordinates(x, nodes, {a.data(), 3, 3});
+    element_coordinates_transposed(x, nodes, {b.data(), 3, 3});
+    EXPECT_EQ(a, (std::array<double, 9>{0, 2, 0, 0, 0, 0, 2, 0, 0}));
+    EXPECT_EQ(b, (std::array<double, 9>{0, 0, 2, 2, 0, 0, 0, 0, 0}));
+}
+
+TEST_F(Services, errors_add_up_and_are_divided_by_their_sum) {
+    create_real_scalar(fem_error, -1);
+    add_element_error(3);
+    add_element_error(5);
+    EXPECT_EQ(get_real(fem_error), 8);
+    std::array errors{3.0, 5.0};
+    scale_element_errors(errors);
+    EXPECT_EQ(errors, (std::array{0.375, 0.625}));
+    create_real_scalar(fem_error, 0);
+    scale_element_errors(errors);
+    EXPECT_EQ(errors[0], 0.375);
 }

@@ -1,0 +1,22 @@
+job
+merge_nodes
+nodes #=9
+1
+2 1 0 0
+3 0 0 1e-9
+4 1 0.0005 0
+5 0 0 0
+7 1 0 0
+8 1 0 0.0005
+
+merge_nodes
+bcid r=1
+
+merge_nodes -noprint
+pbcid
+bcid
+
+merge_nodes xtol=0 ztol=0 tol=0.001
+merge_nodes tol=0.001 -print
+pbcid
+quit

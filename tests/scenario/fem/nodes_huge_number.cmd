@@ -1,0 +1,5 @@
+job
+nodes #=3
+1e300 0 0 0
+
+quit

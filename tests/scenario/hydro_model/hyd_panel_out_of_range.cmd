@@ -1,0 +1,13 @@
+job
+hyd_parameters h=100
+hyd_nodes #=4
+1 0 0 -1
+2 1 0 -1
+3 1 1 -1
+4 0 1 -1
+
+hyd_panel n=2
+n=2 nodes=1,2,3,4 gen=1 inc=1,1
+
+
+quit
