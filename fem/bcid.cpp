@@ -5,7 +5,7 @@
 #include "fem/nodes.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
-#include "kernel/project.hpp"
+#include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
 
 #include <algorithm>
@@ -56,8 +56,8 @@ void copy_restraints(const Restraints& r, std::int64_t previous, std::int64_t n,
 void cmd_bcid(std::string_view) {
     const int total = get_int(num_nodes_tot);
     const int count = get_int(num_nodes);
-    if (count < 1) return print_both(" \n\n\tNumber of nodes < 1\n");
-    if (total < count) return print_both(" \n\n\tNodal arrays do not agree in size\n");
+    if (count < 1) return print_both(" \n\tNumber of nodes < 1\n");
+    if (total < count) return print_both(" \n\tNodal arrays do not agree in size\n");
     delete_array(node_eqs);
     delete_array(num_eqs);
     const Restraints r = create_restraints(total);
@@ -68,10 +68,7 @@ void cmd_bcid(std::string_view) {
         next_record("Enter nodal restraints: n  r  print  inc\n");
         get_int_par("n=", n);
         if (n == 0) return;
-        if (n < 0 || n > count) {
-            print_both(" \n\n\tNode number out of range\n");
-            shutdown();
-        }
+        if (n < 0 || n > count) shutdown_with(" \n\tNode number out of range\n");
         get_int_par("r=", r.codes.col(n));
         get_int_par("print=", r.print(n));
         get_int_par("inc=", inc);
@@ -95,9 +92,9 @@ void cmd_pbcid(std::string_view) {
     const ArrayRef codes_ref = find_array(bcid);
     const ArrayRef print_ref = find_array(bcid_print);
     const ArrayRef active_ref = find_array(node_active);
-    if (!codes_ref.is(type_integer)) return print_both(" \n\n\tArray .bcid not found\n");
-    if (!print_ref.is(type_integer)) return print_both(" \n\n\tArray .bcid_print not found\n");
-    if (!active_ref.is(type_character)) return print_both(" \n\n\tActive node array not found\n");
+    if (!codes_ref.is(type_integer)) return print_both(" \n\tArray .bcid not found\n");
+    if (!print_ref.is(type_integer)) return print_both(" \n\tArray .bcid_print not found\n");
+    if (!active_ref.is(type_character)) return print_both(" \n\tActive node array not found\n");
 
     const auto codes = as_matrix<std::int32_t>(codes_ref);
     const auto print = as_span<std::int32_t>(print_ref);

@@ -5,7 +5,6 @@
 #include "fem/nodes.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
-#include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
 
@@ -30,7 +29,7 @@ void call_element(int slot, Request request) {
     if (row.routine) return row.routine(request);
     // The backslashes of this text are characters of it.
     if (row.alias.empty()) return print_both(" \\nElement is unused.\\n");
-    print_both(" \n\n\tElement " + std::string(row.alias) + " is not available in this version\n");
+    print_both(" \n\tElement " + std::string(row.alias) + " is not available in this version\n");
 }
 
 void elem_call(Request request, int source) {
@@ -60,7 +59,7 @@ static void cmd_elem_grp(std::string_view) {
     std::int32_t code = 0;
     get_int_par(" e=", slot);
     get_int_par(" code=", code);
-    if (slot < 1 || slot > element_slots) return print_both(" \n\n\tGroup number out of range\n");
+    if (slot < 1 || slot > element_slots) return print_both(" \n\tGroup number out of range\n");
     set_element_group(slot, code);
 }
 
@@ -72,10 +71,7 @@ namespace {
 void put_coordinates(Matrix<const double> x, std::span<const std::int32_t> nodes, double* out,
                      std::ptrdiff_t node_step, std::ptrdiff_t axis_step) {
     for (const std::int32_t n : nodes) {
-        if (n > x.cols) {
-            print_both(" \n\n\tNode number out of range\n");
-            shutdown();
-        }
+        if (n > x.cols) shutdown_with(" \n\tNode number out of range\n");
         for (int axis = 0; axis < 3; ++axis)
             out[axis * axis_step] = n < 1 ? 0 : x(axis + 1, n);
         out += node_step;
@@ -109,8 +105,7 @@ void check_nodes(std::string_view name, Matrix<const std::int32_t> el, int nodes
         write_both("30(8x, 'Element nodes', (10i6))", items);
     }
     if (!bad) return;
-    print_both(" \nSave database and quit\n");
-    shutdown();
+    shutdown_with(" \nSave database and quit\n");
 }
 
 } // namespace
@@ -142,8 +137,7 @@ void check_element_lengths(std::string_view name, std::span<const double> length
                    {name, static_cast<std::int32_t>(i + 1)});
     }
     if (!bad) return;
-    print_both(" \nSave database and quit\n");
-    shutdown();
+    shutdown_with(" \nSave database and quit\n");
 }
 
 // --- element matrices and errors
@@ -152,9 +146,9 @@ void check_element_lengths(std::string_view name, std::span<const double> length
 bool elem_tkt(Matrix<const double> k, Matrix<const double> t, Matrix<double> result) {
     const int r = t.rows;
     const int c = t.cols;
-    if (r < 1 || k.rows % r != 0) return print_both(" \n\n\tError 1 in routine elem_tkt\n"), false;
+    if (r < 1 || k.rows % r != 0) return print_both(" \n\tError 1 in routine elem_tkt\n"), false;
     const int blocks = k.rows / r;
-    if (result.rows != c * blocks) return print_both(" \n\n\tError 2 in routine elem_tkt\n"), false;
+    if (result.rows != c * blocks) return print_both(" \n\tError 2 in routine elem_tkt\n"), false;
 
     const int n = k.rows;
     std::vector<double> storage(static_cast<std::size_t>(n) *
@@ -177,10 +171,8 @@ bool elem_tkt(Matrix<const double> k, Matrix<const double> t, Matrix<double> res
 }
 
 void add_element_error(double error) {
-    if (!(error >= -1e-10)) {
-        print_both(" \n\n\tAttempt to add negative error to global finite element error\n");
-        shutdown();
-    }
+    if (!(error >= -1e-10))
+        shutdown_with(" \n\tAttempt to add negative error to global finite element error\n");
     const double present = get_real(fem_error);
     create_real_scalar(fem_error, (present == -1.0 ? 0.0 : present) + error);
 }

@@ -2,7 +2,7 @@
 
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
-#include "kernel/project.hpp"
+#include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
 
 #include <algorithm>
@@ -52,15 +52,10 @@ std::optional<NodeRecord> next_node_record() {
 }
 
 void check_record(const NodeRecord& record, int total) {
-    if (!node_in_range(record.n, total)) {
-        print_both(" \n\t\n\tInvalid node number\n");
-        shutdown();
-    }
-    if (!is_finite(record.x)) {
-        print_both(" \n\n\tCoordinates of node " + std::to_string(record.n) +
-                   " are not finite numbers\n");
-        shutdown();
-    }
+    if (!node_in_range(record.n, total)) shutdown_with(" \n\t\tInvalid node number\n");
+    if (!is_finite(record.x))
+        shutdown_with(" \n\tCoordinates of node " + std::to_string(record.n) +
+                      " are not finite numbers\n");
 }
 
 bool all_in_range(std::span<const std::int32_t> nodes, int limit) {
@@ -79,16 +74,16 @@ void NodeSet::define(int n, const Vec3& p) {
 
 NodeSet open_nodes(const NodeKind& kind) {
     const int total = get_int(kind.total);
-    if (total < 1) return print_both(" \n\n\tNumber nodes < 1\n"), NodeSet{};
+    if (total < 1) return print_both(" \n\tNumber nodes < 1\n"), NodeSet{};
     const ArrayRef xyz = find_array(kind.xyz);
-    if (!xyz.is(type_real)) return print_both(" \n\n\tCoordinate array not found\n"), NodeSet{};
+    if (!xyz.is(type_real)) return print_both(" \n\tCoordinate array not found\n"), NodeSet{};
     const ArrayRef active = find_array(kind.active);
     if (!active.is(type_character))
-        return print_both(" \n\n\tActive node array not found\n"), NodeSet{};
+        return print_both(" \n\tActive node array not found\n"), NodeSet{};
 
     const int count = std::max(get_int(kind.count), 0);
     if (xyz.rows() != 3 || xyz.cols() < total || active.size() < total || count > total)
-        return print_both(" \n\n\tNodal arrays do not agree in size\n"), NodeSet{};
+        return print_both(" \n\tNodal arrays do not agree in size\n"), NodeSet{};
     return {as_matrix<double>(xyz), as_span<char>(active), count, total};
 }
 
@@ -103,7 +98,7 @@ void new_nodes(const NodeKind& kind, int total) {
 
 bool node_in_range(int n, int limit) {
     if (1 <= n && n <= limit) return true;
-    print_both(" \n\n\tNode number out of range\n");
+    print_both(" \n\tNode number out of range\n");
     return false;
 }
 
@@ -117,7 +112,7 @@ void generate_line(NodeSet& set, int a, int b, int inc, double w) {
         s = s * w + 1;
     if (!weighted) s = static_cast<double>(count + 1);
     if (!std::isfinite(s))
-        return print_both(" \n\n\tSpacing weight is too large; nodes not generated\n");
+        return print_both(" \n\tSpacing weight is too large; nodes not generated\n");
 
     Vec3 x = set.at(a);
     Vec3 d = difference(set.at(b), x);
@@ -141,7 +136,7 @@ bool generate_quad(NodeSet& set, std::span<const std::int32_t> corners,
     const double w1 = w[0] > 0 ? w[0] : 1;
     const double w2 = w[1] > 0 ? w[1] : 1;
     if (inc2 < 0 && n1 < n3 && n2 < n4) // the lines would run away from n3 n4, out of the list
-        return print_both(" \n\n\tNode number out of range\n"), false;
+        return print_both(" \n\tNode number out of range\n"), false;
 
     generate_line(set, n1, n2, inc1, w1);
     generate_line(set, n3, n4, inc1, w1);
@@ -176,7 +171,7 @@ void read_nodes(const NodeKind& kind) {
 void generate_nodes(const NodeKind& kind) {
     NodeSet set = open_nodes(kind);
     if (!set) return;
-    if (set.count < 1) return print_both(" \n\n\tNumber nodes < 1\n");
+    if (set.count < 1) return print_both(" \n\tNumber nodes < 1\n");
     for (;;) {
         std::array<std::int32_t, 2> line{not_given, 0}, inc{};
         std::array<std::int32_t, 4> quad{not_given, 0, 0, 0};
@@ -200,9 +195,9 @@ void generate_nodes(const NodeKind& kind) {
 
 void print_nodes(const NodeKind& kind) {
     const ArrayRef xyz = find_array(kind.xyz);
-    if (!xyz.is(type_real)) return print_both(" \n\n\tCoordinate array not found\n");
+    if (!xyz.is(type_real)) return print_both(" \n\tCoordinate array not found\n");
     if (!find_array(kind.active).is(type_character))
-        return print_both(" \n\n\tActive node array not found\n");
+        return print_both(" \n\tActive node array not found\n");
     const NodeSet set = open_nodes(kind);
     if (!set) return;
 

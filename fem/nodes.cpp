@@ -3,7 +3,7 @@
 #include "fem/point_index.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
-#include "kernel/project.hpp"
+#include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
 
 #include <algorithm>
@@ -18,15 +18,11 @@ Vec3 node_coordinates(int n) {
     const ArrayRef coordinates = find_array(xyz);
     const ArrayRef active = find_array(node_active);
     if (n < 1 || n > get_int(num_nodes) || !coordinates.is(type_real) || coordinates.rows() != 3 ||
-        n > coordinates.cols()) {
-        print_both(" \n\n\tError in getting nodal coordinates\n");
-        shutdown();
-    }
+        n > coordinates.cols())
+        shutdown_with(" \n\tError in getting nodal coordinates\n");
     if (!active.is(type_character) || n > active.size() ||
-        as_span<char>(active)[static_cast<std::size_t>(n - 1)] != 'A') {
-        print_both(" \n\n\tAttempt to use undefined node\n");
-        shutdown();
-    }
+        as_span<char>(active)[static_cast<std::size_t>(n - 1)] != 'A')
+        shutdown_with(" \n\tAttempt to use undefined node\n");
     const auto x = as_matrix<double>(coordinates);
     return {x(1, n), x(2, n), x(3, n)};
 }
@@ -42,7 +38,7 @@ int node_find(const Vec3& p, double tol) {
 int node_add(const Vec3& p, int bc_node) {
     const int count = get_int(num_nodes);
     if (count < 1 || get_int(num_nodes_tot) <= count || bc_node > count) return 0;
-    if (!array_exists(xyz)) return print_both(" \n\n\tNodal coordinate array not found\n"), 0;
+    if (!array_exists(xyz)) return print_both(" \n\tNodal coordinate array not found\n"), 0;
     NodeSet set = open_nodes(fe_nodes);
     if (!set) return 0;
     const int n = count + 1;
@@ -100,10 +96,10 @@ static int merge_coincident(const NodeSet& set, Matrix<std::int32_t> codes, cons
 }
 
 static void cmd_merge_nodes(std::string_view) {
-    if (get_int(num_nodes) < 1) return print_both(" \n\n\tNumber of nodes < 1\n");
-    if (!array_exists(xyz)) return print_both(" \n\n\tCoordinate array not found\n");
+    if (get_int(num_nodes) < 1) return print_both(" \n\tNumber of nodes < 1\n");
+    if (!array_exists(xyz)) return print_both(" \n\tCoordinate array not found\n");
     const ArrayRef restraints = find_array(bcid);
-    if (!restraints.is(type_integer)) return print_both(" \n\n\tArray .bcid not found\n");
+    if (!restraints.is(type_integer)) return print_both(" \n\tArray .bcid not found\n");
     const NodeSet set = open_nodes(fe_nodes);
     if (!set) return;
     if (restraints.cols() < set.count) return print_both(" /n/tIncorrect dimension of .bcid/n");

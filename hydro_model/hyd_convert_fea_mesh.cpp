@@ -110,9 +110,9 @@ void convert(std::span<const WetFamily> families, std::int32_t total) {
 void cmd_hyd_convert_fea_mesh(std::string_view) {
     const NodeSet nodes = get_int(num_nodes) < 1 ? NodeSet{} : open_nodes(fe_nodes);
     if (!nodes || nodes.count < 1)
-        return print_both(" \n\n\tConversion failed: FEA nodal data not found\n");
+        return print_both(" \n\tConversion failed: FEA nodal data not found\n");
     if (!wet_table(wet_kinds[0]) && !wet_table(wet_kinds[1]))
-        return print_both(" \n\n\tConversion failed: FEA element data not found\n");
+        return print_both(" \n\tConversion failed: FEA element data not found\n");
     std::array<WetFamily, std::size(wet_kinds)> families;
     std::ranges::transform(wet_kinds, families.begin(), find_wet);
     write_both(
@@ -122,10 +122,10 @@ void cmd_hyd_convert_fea_mesh(std::string_view) {
     for (const WetFamily& family : families)
         total += family.panels;
     if (std::ranges::all_of(families, [](const WetFamily& f) { return f.wet == 0; }))
-        return print_both(" \n\n\tNo wet finite elements to convert\n");
+        return print_both(" \n\tNo wet finite elements to convert\n");
     if (total > INT32_MAX || !std::ranges::all_of(families, numbers_fit))
         return print_both(
-            " \n\n\tConversion failed: panel numbers of the elements are out of range or used twice\n");
+            " \n\tConversion failed: panel numbers of the elements are out of range or used twice\n");
     copy_nodes(nodes);
     convert(families, static_cast<std::int32_t>(total));
 }

@@ -27,11 +27,11 @@ bool snap(double& coordinate, double tol) {
 } // namespace
 
 void set_nodes_on_planes(const NodeKind& kind, bool on_surface) {
-    if (get_int(kind.count) < 1) return print_both(" \n\n\tNumber nodes < 1\n");
+    if (get_int(kind.count) < 1) return print_both(" \n\tNumber nodes < 1\n");
     const NodeSet set = open_nodes(kind);
     if (!set) return;
     const int symmetry = get_int(hyd_symmetry);
-    if (symmetry < 0 || symmetry > 2) return print_both(" \n\n\tInvalid symmetry option\n");
+    if (symmetry < 0 || symmetry > 2) return print_both(" \n\tInvalid symmetry option\n");
     const double z_tol = tolerance("z_tol=");
     const double x_tol = tolerance("x_tol=");
     const double y_tol = tolerance("y_tol=");

@@ -9,7 +9,7 @@
 #include "hydro_model/hyd_panel_geometry.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
-#include "kernel/project.hpp"
+#include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
 
 #include <algorithm>
@@ -67,7 +67,7 @@ std::vector<char> panel_codes(std::span<const Panel> panels, std::span<const Fla
     const int symmetry = get_int(hyd_symmetry);
     if (symmetry < 0 || symmetry > 2)
         print_both(
-            " \n\n\tValid symmtry code (.hyd_symmetry) not specified. See command hyd_parameters. Using no symmetry.\n");
+            " \n\tValid symmtry code (.hyd_symmetry) not specified. See command hyd_parameters. Using no symmetry.\n");
     std::vector<char> codes(static_cast<std::size_t>(n), ' ');
     for (std::size_t i = 0; i < panels.size(); ++i)
         codes[static_cast<std::size_t>(panels[i].number - 1)] = panel_code(flat[i], symmetry);
@@ -185,13 +185,10 @@ void write_summary(std::span<const Panel> panels, std::span<const char> codes) {
 // -------------------------------------------------------------------------------------
 
 void read_panels() {
-    if (!array_exists(hyd_xyz)) {
-        print_both(hyd_structure_panels.no_nodes);
-        shutdown();
-    }
+    if (!array_exists(hyd_xyz)) shutdown_with(hyd_structure_panels.no_nodes);
     std::int32_t n = 0;
     get_int_par(" n=", n);
-    if (n < 1) return print_both(" \n\n\tNumber of panels < 1\n");
+    if (n < 1) return print_both(" \n\tNumber of panels < 1\n");
     begin_panels();
     read_panel_records(hyd_structure_panels, n);
     finish_panels();
@@ -242,15 +239,11 @@ void make_panel_rmap() {
     const ArrayRef ref = find_array(hyd_panel_map);
     if (!ref.is(type_integer)) {
         not_found(hyd_panel_map);
-        print_both(" \n\n\tPanels must be defined before mapping can be created\n");
-        shutdown();
+        shutdown_with(" \n\tPanels must be defined before mapping can be created\n");
     }
     const int n = get_int(hyd_num_panels);
     const int np = get_int(hyd_num_wetpanels);
-    if (n < 1 || np < 1 || n > ref.size()) {
-        print_both(" \n\n\tError in panel numbers\n");
-        shutdown();
-    }
+    if (n < 1 || np < 1 || n > ref.size()) shutdown_with(" \n\tError in panel numbers\n");
     const auto map = as_span<std::int32_t>(ref);
     const auto rmap = create_matrix<std::int32_t>(hyd_panel_rmap, np, 0);
     for (int e = 1; e <= n; ++e)

@@ -5,7 +5,7 @@
 #include "fem/elemutil.hpp"
 #include "fem/point_index.hpp"
 #include "kernel/gencom.hpp"
-#include "kernel/project.hpp"
+#include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
 
 #include <algorithm>
@@ -25,13 +25,10 @@ void finish_surface_panels() {
 }
 
 void read_surface_panels() {
-    if (!array_exists(hyd_surf_xyz)) {
-        print_both(hyd_surface_panels.no_nodes);
-        shutdown();
-    }
+    if (!array_exists(hyd_surf_xyz)) shutdown_with(hyd_surface_panels.no_nodes);
     std::int32_t n = 0;
     get_int_par(" n=", n);
-    if (n < 1) return print_both(" \n\n\tNumber of panels < 1\n");
+    if (n < 1) return print_both(" \n\tNumber of panels < 1\n");
     delete_panels(hyd_surface_panels);
     read_panel_records(hyd_surface_panels, n);
     finish_surface_panels();
@@ -101,12 +98,12 @@ Division read_division(int n) {
     get_int_par(" range=", range);
     get_int_par(" nxm=", parts);
     if (range[0] < 1 || range[0] > n)
-        return print_both(" \n\n\tCould not find first element in range to subdivide\n"),
+        return print_both(" \n\tCould not find first element in range to subdivide\n"),
                Division{};
     if (range[1] < range[0] || range[1] > n)
-        return print_both(" \n\n\tCould not find last element in range to subdivide\n"), Division{};
+        return print_both(" \n\tCould not find last element in range to subdivide\n"), Division{};
     if (parts[0] < 1 || parts[1] < 1)
-        return print_both(" \n\n\tNumbers of parts (nxm) must be greater than 0\n"), Division{};
+        return print_both(" \n\tNumbers of parts (nxm) must be greater than 0\n"), Division{};
     return {range[0], range[1], parts[0], parts[1]};
 }
 
@@ -165,10 +162,8 @@ void divide_panels(const Division& d, std::span<const Panel> panels) {
 
 void subdivide_surface_panels() {
     const ArrayRef ref = find_array(hyd_surf_panel_el);
-    if (!ref.is(type_integer) || ref.rows() != 4) {
-        print_both(" \n\n\tHYD_SURF_PANEL element information not found\n");
-        shutdown();
-    }
+    if (!ref.is(type_integer) || ref.rows() != 4)
+        shutdown_with(" \n\tHYD_SURF_PANEL element information not found\n");
     const Division d = read_division(ref.cols());
     if (d.parts12 == 0) return;
     const auto panels = checked_panels(hyd_surface_panels);
@@ -176,7 +171,7 @@ void subdivide_surface_panels() {
         return d.first <= panel.number && panel.number <= d.last;
     });
     if (in_range * d.parts12 > most_panels / d.parts14)
-        return print_both(" \n\n\tToo many panels to generate\n");
+        return print_both(" \n\tToo many panels to generate\n");
     divide_panels(d, panels);
 }
 

@@ -3,6 +3,7 @@
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/project.hpp"
+#include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
 
 #include <algorithm>
@@ -64,17 +65,12 @@ std::array<std::int32_t, 4> advanced(const std::array<std::int32_t, 4>& nodes,
 }
 
 void store_record(const PanelRecord& r, Matrix<std::int32_t> el) {
-    if (r.gen < 0 || r.gen_2d < 0) {
-        print_both(" \n\tNumber of panels to generate is negative\n");
-        shutdown();
-    }
+    if (r.gen < 0 || r.gen_2d < 0) shutdown_with(" \n\tNumber of panels to generate is negative\n");
     const std::int64_t inc_el = r.inc_el == 0 ? std::int64_t{r.gen} + 1 : r.inc_el;
     for (std::int64_t sequence = 0; sequence <= r.gen_2d; ++sequence) {
         const std::int64_t first = r.e + sequence * inc_el;
-        if (first < 1 || first + r.gen > el.cols) {
-            print_both(" \n\tPanel out of range - PANEL\n");
-            shutdown();
-        }
+        if (first < 1 || first + r.gen > el.cols)
+            shutdown_with(" \n\tPanel out of range - PANEL\n");
         const auto nodes = advanced(r.nodes, r.inc_2d, sequence);
         for (std::int32_t k = 0; k <= r.gen; ++k)
             std::ranges::copy(advanced(nodes, r.inc, k),
@@ -130,15 +126,13 @@ bool check_nodes(const PanelKind& kind, int e, std::span<const std::int32_t> nod
 ArrayRef require_panels(std::string_view array, TypeCode type, std::string_view message) {
     const ArrayRef ref = find_array(array);
     if (ref.is(type)) return ref;
-    print_both(message);
-    shutdown();
+    shutdown_with(message);
 }
 
 } // namespace
 
 void quit_after_bad_input() {
-    print_both(" \nSave database and quit\n");
-    shutdown();
+    shutdown_with(" \nSave database and quit\n");
 }
 
 void read_panel_records(const PanelKind& kind, int n) {
@@ -176,10 +170,7 @@ int number_panels(const PanelKind& kind, std::span<const char> codes, bool (*in_
     for (int e = 1; e <= n; ++e)
         if (in_mesh(codes[static_cast<std::size_t>(e - 1)])) map(e) = ++total;
     create_int_scalar(kind.wet_count, total);
-    if (total < 1) {
-        print_both(" \n\tThere are no wet panels. This is not allowed.\n");
-        shutdown();
-    }
+    if (total < 1) shutdown_with(" \n\tThere are no wet panels. This is not allowed.\n");
     return total;
 }
 
