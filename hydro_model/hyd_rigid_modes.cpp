@@ -153,8 +153,10 @@ void form_normals(const MeshPart& part, const BodyFrame& frame, const ModeArrays
     for (const int p : part.list) {
         const BodyPoint point = body_point(part.panels, p, frame);
         const RigidValues un = rigid_normal(point), uz = rigid_vertical(point);
-        std::ranges::copy(un, &modes.un(first + 1, p));
-        std::ranges::copy(uz, &modes.uz(first + 1, p));
+        for (int m = 1; m <= body_modes; ++m) {
+            modes.un(first + m, p) = un[static_cast<std::size_t>(m - 1)] + 0.0; // 0 for -0
+            modes.uz(first + m, p) = uz[static_cast<std::size_t>(m - 1)] + 0.0;
+        }
     }
 }
 
@@ -177,9 +179,8 @@ void set_symmetry_codes(const MeshPart& part, std::span<std::int32_t> modesym) {
     static constexpr std::array<std::array<std::int32_t, body_modes>, 2> codes{
         {{1, 2, 1, 2, 1, 2}, {1, 2, 3, 2, 1, 4}}};
     if (part.symmetry == 0) return;
-    const auto first = static_cast<std::size_t>(body_modes * (part.body - 1));
-    std::ranges::copy(codes[static_cast<std::size_t>(part.symmetry - 1)],
-                      modesym.subspan(first).begin());
+    const int first = body_modes * (part.body - 1);
+    std::ranges::copy(codes[static_cast<std::size_t>(part.symmetry - 1)], modesym.begin() + first);
 }
 
 void cmd_hyd_rigid_modes(std::string_view) {

@@ -84,18 +84,16 @@ WaterplaneSums waterplane_sums(const WetPanels& panels, std::span<const std::int
 
 std::array<double, 36> rigid_stiffness(const WaterplaneSums& sums, double zcg, double rho,
                                        double grav) {
-    std::array<double, 36> k{};
-    const auto set = [&](int i, int j, double value) {
-        k[static_cast<std::size_t>((i - 1) + 6 * (j - 1))] = value * rho * grav;
-        k[static_cast<std::size_t>((j - 1) + 6 * (i - 1))] = value * rho * grav;
-    };
+    std::array<double, 36> block{};
+    const Matrix<double> k{block.data(), 6, 6};
+    const auto set = [&](int i, int j, double value) { k(i, j) = k(j, i) = value * rho * grav; };
     set(3, 3, sums.sw);
     set(3, 4, sums.sy);
     set(3, 5, 0.0 - sums.sx); // 0, not -0, on a symmetric body
     set(4, 4, sums.syy + sums.ty - zcg * sums.volume);
     set(4, 5, sums.txy - sums.sxy);
     set(5, 5, sums.sxx + sums.tx - zcg * sums.volume);
-    return k;
+    return block;
 }
 
 VolumeSums volume_sums(const WetPanels& panels, std::span<const std::int32_t> list) {
