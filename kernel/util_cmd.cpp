@@ -52,15 +52,17 @@ void cmd_login(std::string_view) {
     if (!input_is_console()) return print_both("         Login command in file ignored\n");
     const bool echo = !has_flag(" -noecho");
     close_log();
-    if (open_input_file(log_name(), echo) == 0) print_both(" \n\tError opening log file\n");
+    if (open_input_file(log_name(), echo) > 0) return;
+    print_both(" \n\tError opening log file\n");
+    open_log();
 }
 
 // --- leaving
 
-/// While the log is replayed no log is open, and quit only returns to it.
+/// While the log is replayed it is an input file and not open for writing; quit then returns to it.
 void quit_program(bool save) {
     if (save) save_database(project_name());
-    if (log_is_open()) final_exit(false);
+    if (log_is_open() || input_is_console()) final_exit(false);
     close_inputs_from(1);
     set_echo_flag(true);
 }

@@ -39,8 +39,10 @@ def random_inputs(source):
         yield source.randbytes(length)
     # Mostly what a record may hold, so that the parser and the block readers see more of it.
     letters = b"abipq .~'&=-,/*0159\t\n\0"
-    words = [b"if a", b"else", b"endif", b"do i f=1 l=2", b"end_do", b"while a", b"end_while",
-             b"break_loop", b"return", b"filein none", b"login", b"seti a v=1", b"seti a v=0"]
+    # `a` is never true, or a `while` might go on for ever.
+    words = [b"if a", b"if b", b"else", b"endif", b"do i f=1 l=2", b"end_do", b"while a",
+             b"end_while", b"break_loop", b"return", b"filein none", b"login", b"seti a v=0",
+             b"seti b v=1"]
     for _ in range(30):
         lines = [bytes(source.choices(letters, k=source.randrange(60))) for _ in range(30)]
         yield b"p\n" + b"\n".join(lines)

@@ -1,0 +1,5 @@
+gone
+rm_file log -ext
+login
+after
+q
