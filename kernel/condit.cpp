@@ -167,8 +167,20 @@ void abandon_loops() {
     discard_loop_file();
 }
 
-/// Copies the loop from its first line to its end word into the loop file. Only loops of its own
-/// kind are counted. False when the input ended first.
+/// Reads to the end word of a loop; loops of its own kind inside it are counted, others are not.
+/// False when the input ended first.
+template <class Visit> bool read_to_end_word(const LoopWords& words, Visit each_record) {
+    for (int open = 1; open > 0;) {
+        if (!read_block_record()) return false;
+        each_record();
+        const auto word = get_command_word();
+        if (word == words.begin) ++open;
+        if (word == words.end) --open;
+    }
+    return true;
+}
+
+/// Copies the loop from its first line to its end word into the loop file.
 bool capture_loop(const LoopWords& words) {
     if (!create_loop_file()) {
         print_both(" \n\tError opening do/while LuP file - write\n");
@@ -176,14 +188,7 @@ bool capture_loop(const LoopWords& words) {
         shutdown();
     }
     write_loop_record(record_text());
-    for (int open = 1; open > 0;) {
-        if (!read_block_record()) return false;
-        write_loop_record(record_text());
-        const auto word = get_command_word();
-        if (word == words.begin) ++open;
-        if (word == words.end) --open;
-    }
-    return true;
+    return read_to_end_word(words, [] { write_loop_record(record_text()); });
 }
 
 void start_replay() {
@@ -233,13 +238,7 @@ bool advance_do(bool first_pass) {
 
 /// Reads past the end word of the current loop and leaves its level.
 void leave_loop() {
-    const LoopWords words = words_of(state.current().kind);
-    for (int open = 1; open > 0;) {
-        if (!read_block_record()) return abandon_loops();
-        const auto word = get_command_word();
-        if (word == words.begin) ++open;
-        if (word == words.end) --open;
-    }
+    if (!read_to_end_word(words_of(state.current().kind), [] {})) return abandon_loops();
     --state.depth;
     if (state.depth == 0) abandon_loops();
 }
