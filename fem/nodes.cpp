@@ -135,7 +135,7 @@ std::span<const Command> nodes_rows() {
                 .help = help.nodes},
         Command{.words = {"node_gen"},
                 .run = [](std::string_view) { generate_nodes(fe_nodes); },
-                .summary = "generation of nodes on lines and in quadrilaterals",
+                .summary = "nodes on lines and in quadrilaterals",
                 .help = help.node_gen},
         Command{.words = {"pnodes"},
                 .run = [](std::string_view) { print_nodes(fe_nodes); },

@@ -115,7 +115,7 @@ void cmd_hyd_body_check(std::string_view) {
 constexpr Command rows[] = {
     {.words = {"hyd_body_check"},
      .run = cmd_hyd_body_check,
-     .summary = "checks on the panel mesh of a body, its volume and buoyancy",
+     .summary = "checks on a body: mesh, volume, buoyancy",
      .help = "Command Syntax\n\thyd_body_check  [body=?]  [nodes=?,?]  [panels=?,?]  "
              "[body_sym=?]\n\n"
              "Perform some checks on the panel mesh. Nodes that do not fit the symmetry are "

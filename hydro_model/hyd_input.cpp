@@ -227,7 +227,7 @@ constexpr Command rows[] = {
              "See Also\n\thyd_parameters, hyd_coord_trans, hyd_rigid_modes\n"},
     {.words = {"hyd_coord_trans"},
      .run = cmd_hyd_coord_trans,
-     .summary = "transform nodes from input to inertial coordinates",
+     .summary = "nodes from input to inertial coordinates",
      .help = "Command Syntax\n\thyd_coord_trans  [body=?]  [nodes=?,?]\n\n"
              "Transforms the coordinates of hydrodynamic nodes from the input coordinate system "
              "of a body to inertial coordinates: the rotation by the angles of hyd_coordaxs, then "

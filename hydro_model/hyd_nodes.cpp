@@ -84,7 +84,7 @@ std::span<const Command> hyd_nodes_rows() {
         Command{
             .words = {"hyd_node_tolerance"},
             .run = [](std::string_view) { set_nodes_on_planes(hyd_mesh_nodes, false); },
-            .summary = "put nodes near a plane of symmetry or the water line on it",
+            .summary = "put nodes on the planes that they are close to",
             .help =
                 "Command Syntax\n\thyd_node_tolerance  [z_tol=?]  [x_tol=?]  [y_tol=?]\n\n"
                 "Puts nodes of the panel mesh that lie within a tolerance of the still-water "

@@ -317,7 +317,7 @@ std::span<const Command> hyd_panel_rows() {
     static constexpr Command rows[] = {
         {.words = {"hyd_panel_rmap"},
          .run = cmd_hyd_panel_rmap,
-         .summary = "map from wet panel numbers to input panel numbers",
+         .summary = "map from wet panels to input panel numbers",
          .help =
              "Command Syntax\n\thyd_panel_rmap\n\n"
              "Makes the map from the numbers of the wet panels, 1 to np in the order of the "

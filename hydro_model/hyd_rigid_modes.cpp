@@ -247,7 +247,7 @@ void cmd_hyd_rmass(std::string_view) {
 constexpr Command rigid_rows[] = {
     {.words = {"hyd_rigid_modes"},
      .run = cmd_hyd_rigid_modes,
-     .summary = "rigid modes of a body and its hydrostatic stiffness",
+     .summary = "rigid modes and their hydrostatic stiffness",
      .help = "Command Syntax\n\thyd_rigid_modes  [body=?]  [nodes=?,?]  [panels=?,?]  "
              "[body_sym=?]  [reflected=?,?,?]\n\n"
              "Defines the six rigid modes of a body, surge, sway, heave, roll, pitch and yaw "

@@ -23,7 +23,7 @@ std::span<const Command> hyd_surf_nodes_rows() {
         Command{
             .words = {"hyd_surf_node_tolerance"},
             .run = [](std::string_view) { set_nodes_on_planes(hyd_surface_nodes, true); },
-            .summary = "put nodes of the free-surface mesh on the still-water plane",
+            .summary = "put free-surface nodes on the water plane",
             .help =
                 "Command Syntax\n\thyd_surf_node_tolerance  [z_tol=?]  [x_tol=?]  [y_tol=?]\n\n"
                 "Puts all nodes of the free-surface mesh on the still-water plane z = 0; a node "

@@ -140,6 +140,7 @@ TEST(CommandTable, EveryRowHasASummaryAndAHelpTextThatShowsItsWord) {
         EXPECT_TRUE(command->run) << word;
         if (command->help == "Unused element.\\n") continue; // all that an empty slot has to say
         EXPECT_FALSE(command->summary.empty()) << word;
+        EXPECT_LE(command->summary.size(), 47u) << word << ": its line in index passes column 80";
         EXPECT_TRUE(command->help.starts_with("Command Syntax\n\t")) << word;
         EXPECT_NE(command->help.find(alias_to_user(word)), std::string_view::npos) << word;
         EXPECT_TRUE(command->help.ends_with('\n')) << word;
