@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <numbers>
 
 namespace quelor {
@@ -20,6 +19,8 @@ namespace quelor {
 namespace {
 
 // --- hyd_parameters
+
+constexpr std::int64_t most_modes = 46340; // (nmode,nmode) has less than 2^31 elements
 
 struct ModelCounts {
     std::int32_t symmetry = 0, nmoder = 6, nmodef = 0, nbodies = 0;
@@ -41,8 +42,7 @@ void settle_mode_count(ModelCounts& counts) {
     if (nmoder < 0 || counts.nmodef < 0) shutdown_with(" \n\tNumber of modes cannot be negative\n");
     const std::int64_t nmode = nmoder + counts.nmodef;
     if (nmode == 0) shutdown_with(" \n\tNumber of modes cannot be zero\n");
-    if (nmode * nmode > std::numeric_limits<std::int32_t>::max())
-        shutdown_with(" \n\tToo many modes for matrices of (nmode,nmode)\n");
+    if (nmode > most_modes) shutdown_with(" \n\tToo many modes for matrices of (nmode,nmode)\n");
     counts.nmoder = static_cast<std::int32_t>(nmoder);
 }
 

@@ -61,7 +61,7 @@ TEST_F(HydFatal, control_input_out_of_range_stops_with_its_message) {
     const Fault faults[] = {
         {{}, "hyd_parameters h=9 nmoder=0", "", "Number of modes cannot be zero"},
         {{}, "hyd_parameters h=9 nmodef=-1", "", "Number of modes cannot be negative"},
-        {{}, "hyd_parameters h=9 nbodies=400000000", "", "Too many modes"},
+        {{}, "hyd_parameters h=9 nbodies=2147483647", "", "Too many modes"},
         {{}, "hyd_parameters kh=9", "", "A positive water depth must be given"},
         {{}, "hyd_parameters h=nan", "", "A positive water depth must be given"},
         {{}, "hyd_parameters h=9 grav=0", "", "grav and rho must be greater than 0"},
