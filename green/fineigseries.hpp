@@ -24,7 +24,7 @@ SeparatedField fineigseries(double R, double B, double D, const DepthCache& cach
 
 namespace finite_core {
 
-/// Number of modes at R >= h/2: those with k R below 20.5, so that what is left is below 1e-8 of
+/// Number of modes at R >= h/2: those with k R below 20.5, so that what is left is some 1e-8 of
 /// the Rankine gradient. k(m) h >= m pi - (pi - k(1) h); at least 1, at most 13.
 QUELOR_INLINE int series_terms(double R, const DepthCache& cache) {
     const double angle = std::numbers::pi - cache.roots.k[0] * cache.h;
@@ -93,8 +93,8 @@ struct WaveAmplitude {
 
 QUELOR_INLINE WaveAmplitude wave_amplitude(double d1, double d2, const DepthCache& cache) {
     const double k0 = cache.roots.k0, h = cache.h;
-    const double e1 = vec_exp(-2.0 * k0 * (h - d1)), e2 = vec_exp(-2.0 * k0 * (h - d2));
-    const double w = 2.0 * std::numbers::pi * cache.roots.c0 * vec_exp(-k0 * (d1 + d2));
+    const double e1 = vec_exp_short(-2.0 * k0 * (h - d1)), e2 = vec_exp_short(-2.0 * k0 * (h - d2));
+    const double w = 2.0 * std::numbers::pi * cache.roots.c0 * vec_exp_short(-k0 * (d1 + d2));
     const double wk = w * k0;
     return {w * (1.0 + e1) * (1.0 + e2), wk * (e1 - 1.0) * (1.0 + e2), wk * (1.0 + e1) * (e2 - 1.0),
             wk * k0 * (e1 - 1.0) * (e2 - 1.0)};

@@ -68,8 +68,6 @@ void sort_block(const double* R, const double* d1, const double* d2, int n, cons
         block.d1[place] = d1[i];
         block.d2[place] = d2[i];
     }
-    for (int place = block.series; place < block.n; ++place) // no mode is added there
-        block.f1[place] = block.f2[place] = block.b[place] = block.d[place] = 0.0;
 }
 
 /// Mode m of the series, added to the first `count` points.
@@ -120,22 +118,29 @@ QUELOR_CLONES void add_modes(const DepthCache& cache, Block& block) {
     }
 }
 
-/// The propagating wave: the imaginary part of every point, and the real part of the series, which
-/// ends with it.
+/// Imaginary part of point i; returns the amplitude of its propagating wave.
+QUELOR_INLINE finite_core::WaveAmplitude imaginary_part(const DepthCache& cache, int i,
+                                                        Block& block) {
+    const auto w = finite_core::wave_amplitude(block.d1[i], block.d2[i], cache);
+    block.g1[i] = w.a * block.j0[i];
+    block.g2[i] = -cache.roots.k0 * w.a * block.j1[i];
+    block.g3[i] = w.a1 * block.j0[i];
+    block.g7[i] = w.a2 * block.j0[i];
+    return w;
+}
+
+/// The propagating wave: the imaginary part of every point, and of the series the last real term.
 QUELOR_CLONES void add_propagating_wave(const DepthCache& cache, Block& block) {
-    const int count = block.n;
-    for (int i = 0; i < count; ++i) {
-        const auto w = finite_core::wave_amplitude(block.d1[i], block.d2[i], cache);
-        const double ak = -w.a * cache.roots.k0, shift = block.b[i], twist = block.d[i];
-        block.g1[i] = w.a * block.j0[i];
-        block.g2[i] = ak * block.j1[i];
-        block.g3[i] = w.a1 * block.j0[i];
-        block.g7[i] = w.a2 * block.j0[i];
+    for (int i = 0; i < block.series; ++i) {
+        const auto w = imaginary_part(cache, i, block);
+        const double b = block.b[i], d = block.d[i];
         block.f1[i] += w.a * block.y0[i];
-        block.f2[i] += ak * block.y1[i];
-        block.f3[i] = w.a1 * block.y0[i] + twist - shift;
-        block.f7[i] = w.a2 * block.y0[i] - twist - shift;
+        block.f2[i] -= cache.roots.k0 * w.a * block.y1[i];
+        block.f3[i] = w.a1 * block.y0[i] + d - b;
+        block.f7[i] = w.a2 * block.y0[i] - d - b;
     }
+    for (int i = block.series; i < block.n; ++i)
+        imaginary_part(cache, i, block);
 }
 
 /// Adds the polynomials to the deep-water function, which stands in f1, f2 and f3.
@@ -155,50 +160,56 @@ QUELOR_CLONES void add_polynomials(const DepthCache& shared, Block& block) {
     }
 }
 
-/// Bessel functions of one range of x = k0 R, from <= x < to, for one group of points.
-template <class Function>
+/// Bessel functions of one range of x = k0 R, from <= x < to, for one group of points; Y0 and Y1
+/// for the series only. What is not a number counts to every range.
+template <bool series, class Function>
 QUELOR_INLINE void bessel_range(double k0, double from, double to, int start, Block& block,
                                 const Function& function) {
     for (int i = start; i < start + lanes; ++i) {
-        const double x = k0 * block.R[i], above = x < from ? from : x,
-                     bounded = x < to ? above : to;
-        const bool inside = x >= from && x < to;
-        const Bessel bessel = function(bounded);
-        block.j0[i] = inside ? bessel.j0 : block.j0[i];
-        block.j1[i] = inside ? bessel.j1 : block.j1[i];
-        block.y0[i] = inside ? bessel.y0 : block.y0[i];
-        block.y1[i] = inside ? bessel.y1 : block.y1[i];
+        const double x = k0 * block.R[i], above = x < from ? from : x;
+        const bool outside = x < from || x >= to;
+        const Bessel bessel = function(x >= to ? to : above);
+        block.j0[i] = outside ? block.j0[i] : bessel.j0;
+        block.j1[i] = outside ? block.j1[i] : bessel.j1;
+        if constexpr (series) {
+            block.y0[i] = outside ? block.y0[i] : bessel.y0;
+            block.y1[i] = outside ? block.y1[i] : bessel.y1;
+        }
     }
 }
 
-/// J0, J1, Y0 and Y1 at k0 R for all points, from the three ranges of the tables. Through the sort
-/// most groups lie in one range.
-QUELOR_CLONES void bessel_functions(double k0, Block& block) {
-    using namespace deep_tables;
+/// The Bessel functions of one group from the three ranges of the tables. Through the sort most
+/// groups lie in one range.
+template <bool series> QUELOR_INLINE void bessel_group(double k0, int start, Block& block) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    for (int start = 0; start < block.n; start += lanes) {
-        double low = k0 * block.R[start], high = low;
-        for (int i = start; i < start + lanes; ++i) {
-            const double x = k0 * block.R[i];
-            low = x < low ? x : low;
-            high = x > high ? x : high;
-        }
-        if (low < 4.0)
-            bessel_range(
-                k0, 0.0, 4.0, start, block, [](double x) __attribute__((always_inline)) {
-                    return finite_core::near_bessel(x);
-                });
-        if (high >= 4.0 && low < 10.0)
-            bessel_range(
-                k0, 4.0, 10.0, start, block, [](double x) __attribute__((always_inline)) {
-                    return large_bessel<HankelNear>(x, 1.0 / x);
-                });
-        if (!(high < 10.0))
-            bessel_range(
-                k0, 10.0, infinity, start, block, [](double x) __attribute__((always_inline)) {
-                    return large_bessel<HankelFar>(x, 1.0 / x);
-                });
+    bool near = false, middle = false, far = false;
+    for (int i = start; i < start + lanes; ++i) {
+        const double x = k0 * block.R[i];
+        near |= !(x >= 4.0);
+        middle |= x >= 4.0 && x < 10.0;
+        far |= x >= 10.0;
     }
+    if (near)
+        bessel_range<series>(
+            k0, 0.0, 4.0, start, block,
+            [](double x) __attribute__((always_inline)) { return finite_core::near_bessel(x); });
+    if (middle)
+        bessel_range<series>(
+            k0, 4.0, 10.0, start, block, [](double x) __attribute__((always_inline)) {
+                return large_bessel<deep_tables::HankelNear>(x, 1.0 / x);
+            });
+    if (far)
+        bessel_range<series>(
+            k0, 10.0, infinity, start, block, [](double x) __attribute__((always_inline)) {
+                return large_bessel<deep_tables::HankelFar>(x, 1.0 / x);
+            });
+}
+
+QUELOR_CLONES void bessel_functions(double k0, Block& block) {
+    for (int start = 0; start < block.series; start += lanes)
+        bessel_group<true>(k0, start, block);
+    for (int start = block.series; start < block.n; start += lanes)
+        bessel_group<false>(k0, start, block);
 }
 
 /// Deep-water function of the points below R = h/2, into f1, f2 and f3.

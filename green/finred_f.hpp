@@ -23,7 +23,7 @@ namespace quelor {
 ///                 f[6] d2; f[7] R d2
 /// Returns ier: 0, or 1 where G has no value: arguments out of range or not numbers, Z + R < 1e-8,
 /// roots not found (cache.status), or a term not removed whose distance is below 1e-8; f is then 0
-/// or lacks that term. Error below 1e-7 of the larger of the value and the terms removed.
+/// or lacks that term. Accuracy as of finite_wave_terms; in deep water as of infred_f.
 /// Source: [John 1950], [Wehausen 1960]
 int finred_f(double R, double d1, double d2, double h, int n1, int n2, DepthCache& cache,
              std::array<Complex8, 8>& f);

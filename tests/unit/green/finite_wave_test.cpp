@@ -151,15 +151,15 @@ TEST(FiniteWave, senseless_points_disturb_no_others) {
     p.add(2.0, 0.2, nan);
     p.add(2.0, 1.0 + 1e-12, 0.3);
     const Values values = evaluate(p, cache);
-    EXPECT_TRUE(std::isnan(values.row[0][0]) && std::isnan(values.row[0][1]) &&
-                std::isnan(values.row[0][4]));
+    EXPECT_TRUE(std::isnan(values.row[0][0]) && std::isnan(values.row[4][0]));
+    EXPECT_TRUE(std::isnan(values.row[0][1]) && std::isnan(values.row[0][4]));
     for (std::size_t row = 0; row < 8; ++row)
         EXPECT_EQ(values.row[row][2], 0.0);
     EXPECT_EQ(values.row[1][3], 0.0); // no slope on the axis
-    const auto want = finite_quadrature::finite_remainder(1e-7, 0.4, 0.6, 1.0);
-    EXPECT_NEAR(values.row[0][3], want.v.real(), 1e-8);
-    EXPECT_NEAR(values.row[0][5], finite_quadrature::finite_remainder(2.0, 1.0, 0.3, 1.0).v.real(),
-                1e-8);
+    const Remainder axis = finite_quadrature::finite_remainder(1e-7, 0.4, 0.6, 1.0);
+    const Remainder bottom = finite_quadrature::finite_remainder(2.0, 1.0, 0.3, 1.0);
+    EXPECT_LT(std::abs(values.at(3).v - axis.v), 1e-8);
+    EXPECT_LT(std::abs(values.at(5).v - bottom.v), 1e-8);
 }
 
 } // namespace
