@@ -9,6 +9,7 @@
 #include <map>
 #include <new>
 #include <sys/mman.h>
+#include <sys/sysinfo.h>
 #include <utility>
 #include <vector>
 
@@ -92,6 +93,15 @@ std::uint64_t checked_byte_size(std::int32_t type, std::span<const std::int32_t>
     return bytes;
 }
 
+/// Whether a block would make the database larger than the memory of the machine. The system grants
+/// pages before it has them and ends a program that then uses them; a creation that fails is told.
+bool exceeds_memory(std::uint64_t bytes) {
+    struct sysinfo machine {};
+    if (bytes < huge_pages_from || sysinfo(&machine) != 0) return false;
+    const std::uint64_t memory = (machine.totalram + machine.totalswap) * machine.mem_unit;
+    return bytes > memory || db_memory() > memory - bytes;
+}
+
 } // namespace
 
 std::int64_t ArrayRef::size() const {
@@ -163,7 +173,9 @@ void* db_create(std::int32_t type, std::string_view name, std::span<const std::i
     if (node == store().end()) node = store().try_emplace(std::string(name)).first;
     // The old block goes before the new one is made, so that both never stand in memory together.
     node->second.block = Block();
-    node->second.block = Block(checked_byte_size(type, own_dims));
+    node->second.dims.assign(1, 0);
+    const std::uint64_t bytes = checked_byte_size(type, own_dims);
+    if (!exceeds_memory(bytes)) node->second.block = Block(bytes);
     void* const data = node->second.block.data();
     if (!data) {
         store().erase(node);

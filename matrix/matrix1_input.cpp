@@ -30,18 +30,22 @@ void read_row(std::span<char> row) {
 template <class T> constexpr T unread = T{};
 template <> constexpr char unread<char> = ' ';
 
+/// Stores a row whose columns beyond those read hold what a record leaves there.
+template <class T> void store_row(const Matrix<T>& array, int i, std::span<const T> row) {
+    for (std::size_t j = 0; j < row.size(); ++j)
+        array(i, static_cast<int>(j) + 1) = row[j];
+    if constexpr (unread<T> != T{})
+        for (std::int64_t j = std::ssize(row); j < array.cols; ++j)
+            array(i, static_cast<int>(j) + 1) = unread<T>;
+}
+
 /// Fills the rows of an array from one record each. A command file that ends before is reported;
 /// the rows left stay as they are, and the answer is false.
 template <class T> bool read_rows(const Matrix<T>& array) {
     std::vector<T> row(std::min(static_cast<std::size_t>(array.cols), record_limit));
-    const int known = static_cast<int>(row.size());
-    for (int i = 1; i <= array.rows; ++i) {
+    for (std::int64_t i = 0; i < array.rows; ++i) {
         read_row(row);
-        for (int j = 1; j <= known; ++j)
-            array(i, j) = row[static_cast<std::size_t>(j - 1)];
-        if constexpr (unread<T> != T{})
-            for (int j = known + 1; j <= array.cols; ++j)
-                array(i, j) = unread<T>;
+        store_row<T>(array, static_cast<int>(i) + 1, row);
         if (input_has_ended()) {
             print_both(" \n\tThe input file ends inside the records of an array\n");
             return false;

@@ -3,6 +3,7 @@
 #include <limits>
 #include <map>
 #include <random>
+#include <sys/sysinfo.h>
 
 namespace quelor {
 namespace {
@@ -75,6 +76,19 @@ TEST_F(Store, RefusesWhatCannotBeAndLeavesNoArrayOfThatName) {
         EXPECT_FALSE(db_find("a"));
     }
     EXPECT_EQ(db_create(type_real, "", std::vector<std::int32_t>{1}), nullptr);
+}
+
+TEST_F(Store, PromisesNoMoreThanTheMachineHas) {
+    struct sysinfo machine {};
+    sysinfo(&machine);
+    const double memory = static_cast<double>(machine.totalram + machine.totalswap) *
+                          static_cast<double>(machine.mem_unit);
+    const std::int32_t n = 1 << 27; // a gigabyte, never touched
+    int made = 0;
+    while (create(type_real, "block" + std::to_string(made), {n}))
+        ++made;
+    EXPECT_LE(static_cast<double>(made) * 8 * n, memory);
+    EXPECT_EQ(names().size(), static_cast<std::size_t>(made));
 }
 
 TEST_F(Store, CopiesAndRenames) {
