@@ -16,18 +16,17 @@ namespace quelor {
 
 namespace {
 
+constexpr std::int32_t most_dofs = 1000; // more is a slip of the pen
+
 struct Restraints {
     Matrix<std::int32_t> codes; // (dofs, nodes)
     Matrix<std::int32_t> print; // (nodes)
 };
 
 /// Arrays with the defaults of the command line in every column.
-Restraints create_restraints(int total) {
-    std::int32_t dofs = 6;
+Restraints create_restraints(int total, std::int32_t dofs) {
     std::int32_t print = 1;
-    get_int_par("#=", dofs);
     get_int_par("print=", print);
-    dofs = std::max(dofs, 6);
     print = print != 0 ? 1 : 0;
     create_int_scalar(num_dofs_per_node, dofs);
     create_int_scalar(node_print, print);
@@ -58,9 +57,13 @@ void cmd_bcid(std::string_view) {
     const int count = get_int(num_nodes);
     if (count < 1) return print_both(" \n\tNumber of nodes < 1\n");
     if (total < count) return print_both(" \n\tNodal arrays do not agree in size\n");
+    std::int32_t dofs = 6;
+    get_int_par("#=", dofs);
+    if (dofs > most_dofs)
+        return print_both(" \n\tToo many degrees of freedom a node: # is above 1000\n");
     delete_array(node_eqs);
     delete_array(num_eqs);
-    const Restraints r = create_restraints(total);
+    const Restraints r = create_restraints(total, std::max(dofs, 6));
 
     for (std::int32_t previous = 0;;) {
         std::int32_t n = 0;

@@ -111,13 +111,13 @@ void generate_line(NodeSet& set, int a, int b, int inc, double w) {
     for (std::int64_t k = 1; k <= count && weighted; ++k)
         s = s * w + 1;
     if (!weighted) s = static_cast<double>(count + 1);
-    if (!std::isfinite(s))
-        return print_both(" \n\tSpacing weight is too large; nodes not generated\n");
-
     Vec3 x = set.at(a);
     Vec3 d = difference(set.at(b), x);
     for (double& di : d)
         di /= s;
+    if (!std::isfinite(s) || !is_finite(d))
+        return print_both(
+            " \n\tCoordinates or spacing weight are too large; nodes not generated\n");
     for (std::int64_t k = 1; k <= count; ++k) {
         for (std::size_t i = 0; i < 3; ++i)
             x[i] += d[i];
@@ -153,6 +153,7 @@ bool generate_quad(NodeSet& set, std::span<const std::int32_t> corners,
 void read_nodes(const NodeKind& kind) {
     std::int32_t limit = 0;
     get_int_par("#=", limit);
+    if (limit > most_nodes) return print_both(" \n\tToo many nodes: # is above 10000000\n");
     if (limit > 0) new_nodes(kind, limit);
     NodeSet set = open_nodes(kind);
     if (!set) return;

@@ -10,6 +10,9 @@
 
 namespace quelor {
 
+/// Longest list: a larger `#` is a slip of the pen, and would only exhaust the memory.
+inline constexpr int most_nodes = 10'000'000;
+
 /// One node list: the arrays that hold it and the words that speak of it.
 struct NodeKind {
     std::string_view prefix;  ///< of its commands: "hyd_" for `hyd_nodes`, `phyd_nodes`

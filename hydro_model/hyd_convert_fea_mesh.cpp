@@ -123,7 +123,7 @@ void cmd_hyd_convert_fea_mesh(std::string_view) {
         total += family.panels;
     if (std::ranges::all_of(families, [](const WetFamily& f) { return f.wet == 0; }))
         return print_both(" \n\tNo wet finite elements to convert\n");
-    if (total > INT32_MAX || !std::ranges::all_of(families, numbers_fit))
+    if (total > most_panels || !std::ranges::all_of(families, numbers_fit))
         return print_both(
             " \n\tConversion failed: panel numbers of the elements are out of range or used twice\n");
     copy_nodes(nodes);

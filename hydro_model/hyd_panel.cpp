@@ -104,7 +104,7 @@ void warn_coincident(std::span<const Panel> panels, std::span<const FlatPanel> f
             write_both(
                 "(' WARNING: Panels', i6, ' and', i6, ' lie at the same place; the analysis will be singular')",
                 {panels[*twin].number, panels[i].number});
-        index.add(static_cast<int>(i), c);
+        if (!twin) index.add(static_cast<int>(i), c);
     }
     if (found > most_listed)
         write_both("(' WARNING: ', i6, ' panels lie at the place of another one')", {found});
@@ -185,10 +185,8 @@ void write_summary(std::span<const Panel> panels, std::span<const char> codes) {
 // -------------------------------------------------------------------------------------
 
 void read_panels() {
-    if (!array_exists(hyd_xyz)) shutdown_with(hyd_structure_panels.no_nodes);
-    std::int32_t n = 0;
-    get_int_par(" n=", n);
-    if (n < 1) return print_both(" \n\tNumber of panels < 1\n");
+    const int n = read_table_size(hyd_structure_panels);
+    if (n == 0) return;
     begin_panels();
     read_panel_records(hyd_structure_panels, n);
     finish_panels();
@@ -243,7 +241,7 @@ void make_panel_rmap() {
     }
     const int n = get_int(hyd_num_panels);
     const int np = get_int(hyd_num_wetpanels);
-    if (n < 1 || np < 1 || n > ref.size()) shutdown_with(" \n\tError in panel numbers\n");
+    if (n < 1 || np < 1 || n > ref.size() || np > n) shutdown_with(" \n\tError in panel numbers\n");
     const auto map = as_span<std::int32_t>(ref);
     const auto rmap = create_matrix<std::int32_t>(hyd_panel_rmap, np, 0);
     for (int e = 1; e <= n; ++e)

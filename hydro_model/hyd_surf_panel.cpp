@@ -25,10 +25,8 @@ void finish_surface_panels() {
 }
 
 void read_surface_panels() {
-    if (!array_exists(hyd_surf_xyz)) shutdown_with(hyd_surface_panels.no_nodes);
-    std::int32_t n = 0;
-    get_int_par(" n=", n);
-    if (n < 1) return print_both(" \n\tNumber of panels < 1\n");
+    const int n = read_table_size(hyd_surface_panels);
+    if (n == 0) return;
     delete_panels(hyd_surface_panels);
     read_panel_records(hyd_surface_panels, n);
     finish_surface_panels();
@@ -37,7 +35,7 @@ void read_surface_panels() {
 // --- subdivision
 // ----------------------------------------------------------------------------------
 
-constexpr std::int64_t most_panels = 10'000'000; // beyond it the numbers of parts are a mistake
+constexpr std::int64_t most_parts = 1'000'000; // beyond it the numbers of parts are a mistake
 constexpr double same_place = 1e-8;
 
 struct Division {
@@ -98,8 +96,7 @@ Division read_division(int n) {
     get_int_par(" range=", range);
     get_int_par(" nxm=", parts);
     if (range[0] < 1 || range[0] > n)
-        return print_both(" \n\tCould not find first element in range to subdivide\n"),
-               Division{};
+        return print_both(" \n\tCould not find first element in range to subdivide\n"), Division{};
     if (range[1] < range[0] || range[1] > n)
         return print_both(" \n\tCould not find last element in range to subdivide\n"), Division{};
     if (parts[0] < 1 || parts[1] < 1)
@@ -170,7 +167,7 @@ void subdivide_surface_panels() {
     const auto in_range = std::ranges::count_if(panels, [&](const Panel& panel) {
         return d.first <= panel.number && panel.number <= d.last;
     });
-    if (in_range * d.parts12 > most_panels / d.parts14)
+    if (in_range * d.parts12 > most_parts / d.parts14)
         return print_both(" \n\tToo many panels to generate\n");
     divide_panels(d, panels);
 }

@@ -135,6 +135,15 @@ void quit_after_bad_input() {
     shutdown_with(" \nSave database and quit\n");
 }
 
+int read_table_size(const PanelKind& kind) {
+    if (!array_exists(kind.nodes->xyz)) shutdown_with(kind.no_nodes);
+    std::int32_t n = 0;
+    get_int_par(" n=", n);
+    if (n < 1) return print_both(" \n\tNumber of panels < 1\n"), 0;
+    if (n > most_panels) return print_both(" \n\tToo many panels: n is above 10000000\n"), 0;
+    return n;
+}
+
 void read_panel_records(const PanelKind& kind, int n) {
     create_int_scalar(kind.count, n);
     const auto el = create_matrix<std::int32_t>(kind.el, 4, n);

@@ -8,6 +8,9 @@
 
 namespace quelor {
 
+/// Largest table: a larger `n` is a slip of the pen, and would only exhaust the memory.
+inline constexpr int most_panels = 10'000'000;
+
 /// One panel table: the arrays that hold it and the texts that speak of it.
 struct PanelKind {
     std::string_view name;          ///< "HYD_PANEL" in the messages
@@ -22,6 +25,8 @@ struct PanelKind {
     std::string_view invalid_print; ///< message for a print request that has no meaning here
 };
 
+/// The size of a new table, ` n=` of the command line; 0 after a message when it is not usable.
+int read_table_size(const PanelKind& kind);
 /// Reads the records of a table of n panels and stores their nodes in `.._el`. A panel number out
 /// of 1..n takes the fatal path.
 void read_panel_records(const PanelKind& kind, int n);

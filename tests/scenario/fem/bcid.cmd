@@ -15,6 +15,7 @@ pbcid
 bcid #=8 r=1,2,3,4,5,6,7,8
 
 pbcid
+bcid #=2147483647
 ls
 bcid
 n=9

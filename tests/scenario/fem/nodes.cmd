@@ -3,6 +3,7 @@ job
 nodes
 node_gen
 pnodes
+nodes #=2000000000
 /* keys, plain numbers, generation; node # is accepted
 nodes #=20
 n=1
@@ -44,5 +45,9 @@ quad=1,5,21,25 inc=1,-10
 
 node_gen
 linear=1,30 w=1e300
+
+nodes #=3
+1 -1e308 0 0
+3 1e308 0 0 1
 
 quit

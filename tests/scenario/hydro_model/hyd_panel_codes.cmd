@@ -20,6 +20,8 @@ hyd_nodes #=30
 16 5 1 0
 
 hyd_parameters h=100
+hyd_panel
+hyd_panel n=2000000000
 hyd_panel n=12
 1 1 2 4 3
 2 3 4 6 5
