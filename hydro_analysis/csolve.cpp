@@ -38,10 +38,10 @@ void csolve_solve(Matrix<const Complex8> a, Matrix<Complex8> b,
 // Im x, rather than a difference and a sum: GCC 12 fuses the latter pair into one multiply-add in
 // spite of -ffp-contract=off.
 QUELOR_CLONES
-static void add_column(int n, const float* __restrict a, float x_re, float x_im,
+static void add_column(std::ptrdiff_t n, const float* __restrict a, float x_re, float x_im,
                        double* __restrict y) {
     const float minus_x_im = -x_im;
-    for (int i = 0; i < n; ++i) {
+    for (std::ptrdiff_t i = 0; i < n; ++i) {
         const float re = a[2 * i] * x_re + a[2 * i + 1] * minus_x_im;
         const float im = a[2 * i + 1] * x_re + a[2 * i] * x_im;
         y[2 * i] += static_cast<double>(re);

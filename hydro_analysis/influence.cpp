@@ -20,9 +20,9 @@ namespace {
 
 constexpr int tile = 32; // a tile's buffers stay in the second-level cache
 // Distance of the arrays of a tile. With a power of two their elements would share few cache sets.
-constexpr int plane = tile * tile + 24;
+constexpr std::ptrdiff_t plane = tile * tile + 24;
 
-std::size_t at(int k) {
+std::size_t at(std::ptrdiff_t k) {
     return static_cast<std::size_t>(k);
 }
 
@@ -102,11 +102,11 @@ static Tiles make_tiles(const ScaledMesh& mesh, const InfluenceParameters& param
             cache,
             alpha,
             beta,
-            std::vector<double>((12 + 8 * at(ns)) * plane),
+            std::vector<double>((12 + 8 * at(ns)) * at(plane)),
             {},
             {},
             {},
-            std::vector<Complex4>(2 * plane)};
+            std::vector<Complex4>(2 * at(plane))};
     double* next = t.numbers.data();
     for (double** pointer :
          {&t.geometry.R, &t.geometry.Z, &t.geometry.d1, &t.geometry.d2, &t.wave.f1, &t.wave.f2,

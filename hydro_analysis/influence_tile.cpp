@@ -5,6 +5,13 @@
 
 #include "green/vecmath.hpp"
 
+// The arrays of a loop are distinct; there are too many of them to be checked at run time.
+#ifdef __clang__
+#define QUELOR_INDEPENDENT _Pragma("clang loop vectorize(assume_safety)")
+#else
+#define QUELOR_INDEPENDENT _Pragma("GCC ivdep")
+#endif
+
 namespace quelor {
 
 QUELOR_CLONES
@@ -14,7 +21,7 @@ void pair_geometry(const PanelBlock& block, const RowPanel& row, const PairGeome
     const double* __restrict x = block.x, * __restrict y = block.y, * __restrict z = block.z;
     double* __restrict R = out.R, * __restrict Z = out.Z;
     double* __restrict d1 = out.d1, * __restrict d2 = out.d2;
-#pragma GCC ivdep
+    QUELOR_INDEPENDENT
     for (int j = 0; j < block.n; ++j) {
         const double dx = x[j] - xs, dy = y[j] - ys;
         const double d = z[j] < 0 ? -z[j] : 0.0;
@@ -46,7 +53,7 @@ QUELOR_INLINE int far_row_of(const PanelBlock& block, const RowPanel& row, doubl
     double* __restrict D = out.D, * __restrict D_im = out.D_im, * __restrict r_out = out.r;
     double* __restrict D_mirror = out.D_mirror, * __restrict D_mirror_im = out.D_mirror_im;
     std::int64_t near = 0;
-#pragma GCC ivdep
+    QUELOR_INDEPENDENT
     for (int j = 0; j < block.n; ++j) {
         const double dx = x[j] - xs, dy = y[j] - ys, dz = z[j] - zs, sum_z = z[j] + zs;
         const double R2 = dx * dx + dy * dy;
@@ -84,19 +91,19 @@ QUELOR_INLINE int far_row_of(const PanelBlock& block, const RowPanel& row, doubl
 
 template <int ns>
 QUELOR_INLINE void class_row_of(const PanelBlock& block, double area, const PairValues& values,
-                                int stride, const double* sign, double inverse_K,
+                                std::ptrdiff_t stride, const double* sign, double inverse_K,
                                 const ClassRow& out) {
     const double* __restrict area_j = block.area;
     Complex4* __restrict alpha = out.alpha, * __restrict beta = out.beta;
     Complex4* __restrict alpha_mirror = out.alpha_mirror, * __restrict beta_mirror =
                                                               out.beta_mirror;
     const double area_K = area * inverse_K;
-#pragma GCC ivdep
+    QUELOR_INDEPENDENT
     for (int j = 0; j < block.n; ++j) {
         double G = 0, G_mirror = 0, G_im = 0, D = 0, D_im = 0, D_mirror = 0, D_mirror_im = 0;
 #pragma GCC unroll 4
         for (int m = 0; m < ns; ++m) {
-            const int k = j + m * stride;
+            const std::ptrdiff_t k = j + m * stride;
             G += sign[m] * values.G[k];
             G_mirror += sign[m] * values.G_mirror[k];
             G_im += sign[m] * values.G_im[k];
@@ -123,8 +130,9 @@ int far_row(const PanelBlock& block, const RowPanel& row, double twice_depth, co
 }
 
 QUELOR_CLONES
-void class_row(const PanelBlock& block, double area, const PairValues& values, int stride, int ns,
-               const double* sign, double inverse_K, const ClassRow& out) {
+void class_row(const PanelBlock& block, double area, const PairValues& values,
+               std::ptrdiff_t stride, int ns, const double* sign, double inverse_K,
+               const ClassRow& out) {
     if (ns == 1) return class_row_of<1>(block, area, values, stride, sign, inverse_K, out);
     if (ns == 2) return class_row_of<2>(block, area, values, stride, sign, inverse_K, out);
     class_row_of<4>(block, area, values, stride, sign, inverse_K, out);

@@ -6,6 +6,8 @@
 // All lengths are times K. Values are for a source panel of unit area.
 #pragma once
 
+#include <cstddef>
+
 #include "green/wave_terms.hpp"
 #include "kernel/types.hpp"
 
@@ -42,7 +44,7 @@ void pair_geometry(const PanelBlock& block, const RowPanel& row, const PairGeome
 struct PairValues {
     double *G, *G_mirror, *G_im, *D, *D_im, *D_mirror, *D_mirror_im, *r;
 
-    PairValues from(int k) const {
+    PairValues from(std::ptrdiff_t k) const {
         return {G + k,    G_mirror + k, G_im + k,        D + k,
                 D_im + k, D_mirror + k, D_mirror_im + k, r + k};
     }
@@ -63,7 +65,8 @@ int far_row(const PanelBlock& block, const RowPanel& row, double twice_depth, co
 struct ClassRow {
     Complex4 *alpha, *beta, *alpha_mirror, *beta_mirror;
 };
-void class_row(const PanelBlock& block, double area, const PairValues& values, int stride, int ns,
-               const double* sign, double inverse_K, const ClassRow& out);
+void class_row(const PanelBlock& block, double area, const PairValues& values,
+               std::ptrdiff_t stride, int ns, const double* sign, double inverse_K,
+               const ClassRow& out);
 
 } // namespace quelor

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
+// NOLINTBEGIN(readability-identifier-naming): the names are LAPACK's.
 extern "C" {
 
 // a = P L U in place; info = k > 0: pivot k is exactly zero.
@@ -24,3 +25,4 @@ void zgetrs_(const char* trans, const std::int32_t* n, const std::int32_t* nrhs,
              std::complex<double>* b, const std::int32_t* ldb, std::int32_t* info,
              std::size_t trans_length);
 }
+// NOLINTEND(readability-identifier-naming)
