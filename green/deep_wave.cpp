@@ -7,6 +7,7 @@
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 
 #include "green/deep_core.hpp"
 
@@ -15,56 +16,70 @@ namespace quelor {
 namespace {
 
 constexpr std::size_t block = 1024; ///< points sorted together; the workspace stays in cache
-constexpr std::size_t lanes = 8;    ///< doubles of the widest vector; cells are filled up to it
-constexpr int cells = 16;
+constexpr std::uint32_t lanes = 8;  ///< doubles of the widest vector; cells are filled up to it
+constexpr std::size_t cells = 16;
 constexpr std::size_t room = block + cells * lanes;
 
 struct Workspace {
     alignas(64) std::array<double, room> R, Z, F, Fr, Fz, g1, g2;
-    alignas(64) std::array<std::int32_t, room> source; ///< place in the block of a sorted point
-    alignas(64) std::array<std::int64_t, block> cell;
-    std::array<std::size_t, cells + 1> start;
+    alignas(64) std::array<std::uint32_t, room> source; ///< place in the block of a sorted point
+    alignas(64) std::array<std::uint64_t, block> cell;
+    std::array<std::uint32_t, cells + 1> start;
+    std::uint64_t meetings; ///< pairs of the block that meet in the water line
 };
 
 /// Cells in the order of evaluation: 0, 1 the log form; 2 to 4 the steep form with R <= 3.7 and 5
 /// to 7 beyond; 8 to 11 the near and 12 to 15 the far tables of the local form.
-QUELOR_INLINE std::int64_t cell_of(double R, double Z) {
+QUELOR_INLINE std::uint64_t cell_of(double R, double Z) {
     const double rho2 = R * R + Z * Z;
-    const std::int64_t steep = (rho2 > 14.0 * 14.0 ? 1 : 0) + (rho2 > 28.0 * 28.0 ? 1 : 0);
-    const std::int64_t band = (R <= 4.0 * Z ? 1 : 0) + (R <= 2.0 * Z ? 1 : 0) + (R < Z ? 1 : 0);
-    const std::int64_t inner = Z <= 4.0 ? 0 : Z <= 8.0 ? 1 : 2 + steep;
-    const std::int64_t outer = R < 0.5 * Z ? 5 + steep : (R > 10.0 ? 12 : 8) + band;
+    const std::uint64_t steep = (rho2 > 14.0 * 14.0 ? 1 : 0) + (rho2 > 28.0 * 28.0 ? 1 : 0);
+    const std::uint64_t band = (R <= 4.0 * Z ? 1 : 0) + (R <= 2.0 * Z ? 1 : 0) + (R < Z ? 1 : 0);
+    const std::uint64_t inner = Z <= 4.0 ? 0 : Z <= 8.0 ? 1 : 2 + steep;
+    const std::uint64_t outer = R < 0.5 * Z ? 5 + steep : (R > 10.0 ? 12 : 8) + band;
     return R <= 3.7 ? inner : outer;
 }
 
-QUELOR_CLONES void find_cells(std::size_t n, const double* R, const double* Z,
-                              std::int64_t* __restrict cell) {
-    for (std::size_t i = 0; i < n; ++i)
-        cell[i] = cell_of(R[i], Z[i]);
+/// A pair that meets in the water line has no wave term.
+QUELOR_INLINE bool meets(double R, double Z) {
+    return R + Z < 1e-8;
 }
 
-/// Counting sort of n points; each cell is filled up with copies of its first point.
+/// Cells of n points; returns how many pairs meet.
+QUELOR_CLONES std::uint64_t find_cells(std::size_t n, const double* R, const double* Z,
+                                       std::uint64_t* __restrict cell) {
+    std::uint64_t meetings = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        cell[i] = cell_of(R[i], Z[i]);
+        meetings += meets(R[i], Z[i]) ? 1 : 0;
+    }
+    return meetings;
+}
+
+/// Counting sort of n points; each cell is filled up with copies of its last point. Points take two
+/// counters a cell in turn, so that a run of points in one cell does not wait for one counter.
 void sort_points(std::size_t n, const double* R, const double* Z, Workspace& w) {
-    find_cells(n, R, Z, w.cell.data());
-    std::array<std::size_t, cells> count{}, next{};
+    w.meetings = find_cells(n, R, Z, w.cell.data());
+    std::array<std::uint32_t, 2 * cells> next{};
     for (std::size_t i = 0; i < n; ++i)
-        ++count[static_cast<std::size_t>(w.cell[i])];
+        ++next[2 * w.cell[i] + i % 2];
     w.start[0] = 0;
     for (std::size_t c = 0; c < cells; ++c) {
-        next[c] = w.start[c];
-        w.start[c + 1] = w.start[c] + (count[c] + lanes - 1) / lanes * lanes;
+        const std::uint32_t even = next[2 * c], odd = next[2 * c + 1];
+        next[2 * c] = w.start[c];
+        next[2 * c + 1] = w.start[c] + even;
+        w.start[c + 1] = w.start[c] + (even + odd + lanes - 1) / lanes * lanes;
     }
     for (std::size_t i = 0; i < n; ++i) {
-        const std::size_t to = next[static_cast<std::size_t>(w.cell[i])]++;
+        const std::uint32_t to = next[2 * w.cell[i] + i % 2]++;
         w.R[to] = R[i];
         w.Z[to] = Z[i];
-        w.source[to] = static_cast<std::int32_t>(i);
+        w.source[to] = static_cast<std::uint32_t>(i);
     }
     for (std::size_t c = 0; c < cells; ++c)
-        for (std::size_t to = next[c]; to < w.start[c + 1]; ++to) {
-            w.R[to] = w.R[w.start[c]];
-            w.Z[to] = w.Z[w.start[c]];
-            w.source[to] = w.source[w.start[c]]; // written again with the same values
+        for (std::uint32_t to = next[2 * c + 1]; to < w.start[c + 1]; ++to) {
+            w.R[to] = w.R[to - 1];
+            w.Z[to] = w.Z[to - 1];
+            w.source[to] = w.source[to - 1]; // written again with the same values
         }
 }
 
@@ -136,54 +151,50 @@ QUELOR_CLONES void steep_waves(Workspace& w) {
     }
 }
 
-void put_back(const Workspace& w, std::size_t first, double* F, double* Fr, double* Fz) {
+void put_back(const Workspace& w, double* F, double* Fr, double* Fz) {
     for (std::size_t i = 0; i < w.start[cells]; ++i) {
-        const std::size_t to = first + static_cast<std::size_t>(w.source[i]);
+        const std::uint32_t to = w.source[i];
         F[to] = w.F[i];
         Fr[to] = w.Fr[i];
         Fz[to] = w.Fz[i];
     }
 }
 
-void put_back_waves(const Workspace& w, std::size_t first, double* g1, double* g2) {
+void put_back_waves(const Workspace& w, double* g1, double* g2) {
     for (std::size_t i = 0; i < w.start[cells]; ++i) {
-        const std::size_t to = first + static_cast<std::size_t>(w.source[i]);
+        const std::uint32_t to = w.source[i];
         g1[to] = w.g1[i];
         g2[to] = w.g2[i];
     }
 }
 
-/// A pair that meets in the water line has no wave term.
-constexpr double meeting = 1e-8;
+/// Zeros for the few pairs that meet.
+void clear_meetings(std::size_t n, const double* R, const double* Z,
+                    std::initializer_list<double*> terms) {
+    for (std::size_t i = 0; i < n; ++i)
+        if (meets(R[i], Z[i]))
+            for (double* term : terms)
+                term[i] = 0.0;
+}
 
-QUELOR_CLONES void finish_terms(std::size_t n, const double* __restrict R,
-                                const double* __restrict Z, const WaveTerms& out) {
-    double* __restrict f1 = out.f1, * __restrict f2 = out.f2, * __restrict f3 = out.f3;
-    double* __restrict f7 = out.f7, * __restrict g1 = out.g1, * __restrict g2 = out.g2;
-    double* __restrict g3 = out.g3, * __restrict g7 = out.g7;
+/// What deep water has twice.
+QUELOR_CLONES void copy_twins(std::size_t n, const double* f3, const double* g1,
+                              double* __restrict f7, double* __restrict g3, double* __restrict g7) {
     for (std::size_t i = 0; i < n; ++i) {
-        const bool apart = R[i] + Z[i] >= meeting;
-        const double fz = apart ? f3[i] : 0.0, g = apart ? g1[i] : 0.0;
-        f1[i] = apart ? f1[i] : 0.0;
-        f2[i] = apart ? f2[i] : 0.0;
-        f3[i] = fz;
-        f7[i] = fz;
-        g1[i] = g;
-        g2[i] = apart ? g2[i] : 0.0;
-        g3[i] = -g;
-        g7[i] = -g;
+        f7[i] = f3[i];
+        g3[i] = -g1[i];
+        g7[i] = -g1[i];
     }
 }
 
-QUELOR_CLONES void finish_images(std::size_t n, const double* __restrict R,
-                                 const double* __restrict Z, double image, double* __restrict F,
-                                 double* __restrict Fr, double* __restrict Fz) {
+QUELOR_CLONES void add_images(std::size_t n, const double* R, const double* Z, double* __restrict F,
+                              double* __restrict Fr, double* __restrict Fz) {
     for (std::size_t i = 0; i < n; ++i) {
-        const bool apart = R[i] + Z[i] >= meeting;
-        const double p = image / std::sqrt(R[i] * R[i] + Z[i] * Z[i]), q = p * p * p;
-        F[i] = apart ? F[i] + p : 0.0;
-        Fr[i] = apart ? Fr[i] - R[i] * q : 0.0;
-        Fz[i] = apart ? Fz[i] - Z[i] * q : 0.0;
+        const double rho = std::sqrt(R[i] * R[i] + Z[i] * Z[i]);
+        const double p = meets(R[i], Z[i]) ? 0.0 : 1.0 / rho, q = p * p * p;
+        F[i] += p;
+        Fr[i] -= R[i] * q;
+        Fz[i] -= Z[i] * q;
     }
 }
 
@@ -194,13 +205,17 @@ void deep_wave_terms(std::span<const double> R, std::span<const double> Z, const
     Workspace w;
     for (std::size_t first = 0; first < R.size(); first += block) {
         const std::size_t n = std::min(block, R.size() - first);
-        sort_points(n, R.data() + first, Z.data() + first, w);
+        const double *r = R.data() + first, *z = Z.data() + first;
+        double *f1 = out.f1 + first, *f2 = out.f2 + first, *f3 = out.f3 + first;
+        double *g1 = out.g1 + first, *g2 = out.g2 + first;
+        sort_points(n, r, z, w);
         evaluate_cells(w);
         steep_waves(w);
-        put_back(w, first, out.f1, out.f2, out.f3);
-        put_back_waves(w, first, out.g1, out.g2);
+        put_back(w, f1, f2, f3);
+        put_back_waves(w, g1, g2);
+        if (w.meetings > 0) clear_meetings(n, r, z, {f1, f2, f3, g1, g2});
+        copy_twins(n, f3, g1, out.f7 + first, out.g3 + first, out.g7 + first);
     }
-    finish_terms(R.size(), R.data(), Z.data(), out);
 }
 
 void deep_images(std::span<const double> R, std::span<const double> Z, bool with_image, double* F,
@@ -209,11 +224,13 @@ void deep_images(std::span<const double> R, std::span<const double> Z, bool with
     Workspace w;
     for (std::size_t first = 0; first < R.size(); first += block) {
         const std::size_t n = std::min(block, R.size() - first);
-        sort_points(n, R.data() + first, Z.data() + first, w);
+        const double *r = R.data() + first, *z = Z.data() + first;
+        sort_points(n, r, z, w);
         evaluate_cells(w);
-        put_back(w, first, F, Fr, Fz);
+        put_back(w, F + first, Fr + first, Fz + first);
+        if (w.meetings > 0) clear_meetings(n, r, z, {F + first, Fr + first, Fz + first});
+        if (with_image) add_images(n, r, z, F + first, Fr + first, Fz + first);
     }
-    finish_images(R.size(), R.data(), Z.data(), with_image ? 1.0 : 0.0, F, Fr, Fz);
 }
 
 } // namespace quelor
