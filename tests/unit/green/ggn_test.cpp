@@ -91,20 +91,6 @@ TEST(PanelGreenFunction, takes_the_near_field_up_to_the_length_itself) {
     EXPECT_NE(G(r), G(std::nextafter(r, 0.0)));
 }
 
-TEST(PanelGreenFunction, of_a_panel_on_itself_has_2_pi_beside_the_wave_terms) {
-    const SourcePanel panel = sloping();
-    DepthCache cache;
-    const GreenInfluence self =
-        ggn({panel.centroid, panel.flat.normal}, {panel, 1, 1}, deep, cache);
-    const RankineIntegral rankine = rankine_terms(panel.centroid, panel, 1, 1, deep.hnd);
-    const RankineIntegral direct = ggnsing(panel.centroid, panel.flat);
-    const double along = direct.x * panel.flat.normal.x + direct.z * panel.flat.normal.z;
-    EXPECT_NEAR(along, 2 * std::numbers::pi, 1e-14);
-    // the remaining terms are the smooth images and waves, of the size of the panel's area
-    EXPECT_NEAR(self.dGdn.real(), 2 * std::numbers::pi, 5 * panel.area);
-    EXPECT_GT(rankine.value, direct.value);
-}
-
 TEST(PanelGreenFunction, has_no_wave_terms_at_its_own_image_and_no_value_below_the_bottom) {
     const SourcePanel lid = {
         flat_panel({{{0, 0, 0}, {0.1, 0, 0}, {0.1, 0.1, 0}, {0, 0.1, 0}}}, false),
