@@ -5,7 +5,6 @@
 #include "green/finite_wave.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -23,13 +22,13 @@ constexpr int lanes = 8;         // doubles of the widest vector; classes are fi
 constexpr int block_size = 1024; // what a block needs, 200 kB, stays in the second-level cache
 constexpr int classes = evanescent_modes + 1;
 constexpr int room = block_size + classes * lanes;
-using Row = std::array<double, room>;
+using Row = double[room];
 
 /// A sorted block; f1 to f7 and g1 to g7 as in WaveTerms. All counts are whole groups of lanes.
 struct Block {
-    int n = 0, series = 0;                          // places; those of the series come first
-    std::array<int, evanescent_modes + 1> served{}; // places that mode m serves, at [m]
-    std::array<std::uint16_t, room> order;          // the point of the batch in each place
+    int n = 0, series = 0;     // places; those of the series come first
+    int served[classes] = {};  // places that mode m serves, at [m]
+    std::uint16_t order[room]; // the point of the batch in each place
     alignas(64) Row R, d1, d2;
     alignas(64) Row inverse, inverse_root; // 1/R and R^(-1/2); for the polynomials Z in `inverse`
     alignas(64) Row b, d;                  // derivatives in B and D
@@ -46,8 +45,8 @@ int modes_needed(double R, const DepthCache& cache) {
 /// point, so that no point's result depends on its neighbours.
 void sort_block(const double* R, const double* d1, const double* d2, int n, const DepthCache& cache,
                 Block& block) {
-    std::array<std::uint8_t, block_size> modes;
-    std::array<int, classes> count{}, first{}, next{};
+    std::uint8_t modes[block_size];
+    int count[classes] = {}, first[classes], next[classes];
     for (int i = 0; i < n; ++i)
         ++count[modes[i] = static_cast<std::uint8_t>(modes_needed(R[i], cache))];
     block.n = 0;

@@ -176,6 +176,7 @@ void fit(Complex (*integrand)(Complex, double, double), double h, const Path& pa
     }
     for (std::size_t j = 0; j < columns; ++j) {
         std::vector<double> values;
+        values.reserve(in_t.size());
         for (const auto& row : in_t)
             values.push_back(row[j]);
         in_x.push_back(chebyshev_coefficients(values, rows));

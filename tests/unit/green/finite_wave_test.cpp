@@ -140,6 +140,13 @@ TEST(FiniteWave, swapping_the_points_exchanges_the_vertical_derivatives) {
     }
 }
 
+TEST(FiniteWave, a_depth_without_wave_number_is_reported) {
+    for (const double h : {0.0, -1.0, std::nan(""), HUGE_VAL})
+        EXPECT_EQ(prepare_depth(h).status, RootStatus::no_wave_number) << h;
+    EXPECT_EQ(prepare_depth(1e-8).status, RootStatus::found);
+    EXPECT_EQ(prepare_depth(1e8).status, RootStatus::found);
+}
+
 TEST(FiniteWave, senseless_points_disturb_no_others) {
     const DepthCache cache = prepare_depth(1.0);
     const double nan = std::nan("");
