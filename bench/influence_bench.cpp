@@ -7,7 +7,7 @@
 
 #include "hydro_analysis/influence.hpp"
 #include "hydro_analysis/symmetry.hpp"
-#include "tests/support/hemisphere_mesh.hpp"
+#include "tests/support/panel_arrays.hpp"
 
 using namespace quelor;
 

@@ -1,5 +1,6 @@
 // The table of the hydrodynamic commands.
 
+#include "hydro_analysis/hyd_anal_main.hpp"
 #include "hydro_model/hyd_body_check.hpp"
 #include "hydro_model/hyd_convert_fea_mesh.hpp"
 #include "hydro_model/hyd_input.hpp"
@@ -7,6 +8,8 @@
 #include "hydro_model/hyd_nodes.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_nodes.hpp"
+#include "hydro_response/hyd_response.hpp"
+#include "hydro_response/hyd_tf.hpp"
 #include "kernel/command.hpp"
 
 namespace quelor {
@@ -25,16 +28,17 @@ static constexpr std::initializer_list<Family> families = {
     hyd_rmass_rows,
     hyd_flex_modes_rows,
     hyd_genmodes_rows,
+    hyd_analysis_rows,
+    hyd_response_rows,
+    hyd_tf_rows,
 };
 
 /// Words whose commands are not built yet, by family.
 static constexpr std::string_view planned[] = {
-    "hyd_analysis", "hyd_close_files",
-    "hyd_analysis_response",
+    "hyd_close_files",
     "hyd_analysis_response_P", "hyd_postresponse_P",
     "hyd_analysis_response_drag",
     "hyd_postresponse", "hyd_modal_pressure",
-    "hyd_tf",
     "hyd_wave_spectra", "phyd_wave_spectra", "hyd_irregular",
     "hyd_wet",
     "hyd_energy",

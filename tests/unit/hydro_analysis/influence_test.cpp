@@ -8,11 +8,11 @@
 
 #include "hydro_analysis/csolve.hpp"
 #include "hydro_analysis/symmetry.hpp"
-#include "tests/support/hemisphere_mesh.hpp"
+#include "tests/support/panel_arrays.hpp"
 
 using namespace quelor;
 using test::hemisphere_mesh;
-using test::HemisphereMesh;
+using test::PanelArrays;
 
 namespace {
 
@@ -30,7 +30,7 @@ struct Matrices {
     }
 };
 
-Matrices matrices(const HemisphereMesh& mesh, const InfluenceParameters& p) {
+Matrices matrices(const PanelArrays& mesh, const InfluenceParameters& p) {
     Matrices m(mesh.np, image_count(p.symmetry));
     DepthCache cache;
     EXPECT_EQ(influence_matrices(mesh.view(), p, cache, m.alpha, m.beta, {}).ier, 0);
@@ -81,7 +81,7 @@ TEST(InfluenceMatrices, are_the_class_sums_of_the_green_function) {
     for (const InfluenceParameters& water : {deep, shallow}) {
         for (const int symmetry : {0, 1, 2}) {
             const InfluenceParameters p = with_symmetry(water, symmetry);
-            const HemisphereMesh mesh = hemisphere_mesh(2, 7, symmetry == 0 ? 16 : 14, symmetry);
+            const PanelArrays mesh = hemisphere_mesh(2, 7, symmetry == 0 ? 16 : 14, symmetry);
             const Matrices m = matrices(mesh, p);
             DepthCache cache;
             for (int k = 1; k <= image_count(symmetry); ++k) {
@@ -105,9 +105,9 @@ TEST(InfluenceMatrices, are_the_class_sums_of_the_green_function) {
 // Without its first panels the rest of the mesh falls into different tiles. The finite-depth kernel
 // picks its number of modes for a whole batch, so that values may differ by its error, 1e-7.
 TEST(InfluenceMatrices, do_not_depend_on_the_tiles) {
-    const HemisphereMesh mesh = hemisphere_mesh(2, 9, 10, 0);
+    const PanelArrays mesh = hemisphere_mesh(2, 9, 10, 0);
     constexpr int skip = 13;
-    HemisphereMesh part(mesh.np - skip);
+    PanelArrays part(mesh.np - skip);
     const PanelMesh all = mesh.view();
     for (int q = 1; q <= part.np; ++q) {
         std::array<GreenPoint, 4> c;
@@ -115,7 +115,7 @@ TEST(InfluenceMatrices, do_not_depend_on_the_tiles) {
             c[static_cast<std::size_t>(k - 1)] = {all.xr(q + skip, k), all.yr(q + skip, k),
                                                   all.zr(q + skip, k)};
         }
-        part.set(q, c, all.type[static_cast<std::size_t>(q + skip - 1)] == 1);
+        part.set(q, c);
     }
     for (const InfluenceParameters& water : {deep, shallow}) {
         const Matrices whole = matrices(mesh, water), some = matrices(part, water);
@@ -138,7 +138,7 @@ TEST(InfluenceMatrices, of_a_quarter_and_a_half_are_sums_of_those_of_the_whole) 
     const Matrices whole = matrices(hemisphere_mesh(2, rows, 4 * columns, 0), shallow);
     for (const int symmetry : {1, 2}) {
         const int width = symmetry == 1 ? 2 * columns : columns;
-        const HemisphereMesh mesh = hemisphere_mesh(2, rows, width, symmetry);
+        const PanelArrays mesh = hemisphere_mesh(2, rows, width, symmetry);
         const Matrices m = matrices(mesh, with_symmetry(shallow, symmetry));
         const auto image = [&](int p, int number) { // both 1-based
             const int row = (p - 1) / width, c = (p - 1) % width, all = 4 * columns;
@@ -171,46 +171,9 @@ TEST(InfluenceMatrices, of_a_quarter_and_a_half_are_sums_of_those_of_the_whole) 
     }
 }
 
-// Heave of a floating hemisphere of radius a, deep water: A / (rho V), B / (rho V omega), with
-// V = 2/3 pi a^3.   Source: [Hulme 1982, table 1]
-// Constant sources on flat panels converge in the first power of the panel size. On 1,000 panels of
-// the whole surface (25 rows of 40) the added mass is 0.8 to 1.8 % too large.
-static Complex8 heave(double Ka, int rows, int columns) {
-    const HemisphereMesh mesh = hemisphere_mesh(1, rows, columns, 2);
-    Matrices m = matrices(mesh, {Ka, 1000, 10, 2.5, 2});
-    std::vector<Complex4> sigma(mesh.count());
-    std::vector<Complex8> phi(mesh.count());
-    for (std::size_t p = 0; p < mesh.count(); ++p)
-        sigma[p] = static_cast<float>(mesh.n[3 * p + 2]);
-    std::vector<std::int32_t> pivots(mesh.count());
-    const Matrix<Complex4> alpha = m.alpha[2], beta = m.beta[2]; // even in x and in y
-    csolve_factor_sp(beta, pivots);
-    csolve_solve_sp({beta.data, mesh.np, mesh.np}, {sigma.data(), mesh.np, 1}, pivots);
-    multiply_mixed({alpha.data, mesh.np, mesh.np}, {sigma.data(), mesh.np, 1},
-                   {phi.data(), mesh.np, 1});
-    Complex8 sum;
-    for (std::size_t p = 0; p < mesh.count(); ++p)
-        sum += mesh.area[p] * mesh.n[3 * p + 2] * phi[p];
-    const Complex8 full = 4.0 * sum / (2.0 / 3 * std::numbers::pi);
-    return {full.real(), -full.imag()};
-}
-
-TEST(InfluenceMatrices, give_the_published_heave_coefficients_of_a_hemisphere) {
-    const double published[][3] = {{0.1, 0.8627, 0.1816}, {1, 0.4284, 0.2484}, {3, 0.4111, 0.0452}};
-    for (const auto& [Ka, added_mass, damping] : published) {
-        SCOPED_TRACE(Ka);
-        const Complex8 fine = heave(Ka, 25, 10);
-        EXPECT_NEAR(fine.real(), added_mass, 0.02 * added_mass);
-        EXPECT_NEAR(fine.imag(), damping, 0.01);
-        // Panels of half the size halve the error, less what the second power still adds.
-        const double error = heave(Ka, 16, 16).real() - added_mass;
-        EXPECT_LT(error, 0.7 * (heave(Ka, 8, 8).real() - added_mass));
-    }
-}
-
 TEST(InfluenceMatrices, of_one_panel_have_one_entry_a_class) {
-    HemisphereMesh mesh(1);
-    mesh.set(1, {{{0, 0, -1}, {0, 1, -1}, {1, 1, -1}, {1, 0, -1}}}, false);
+    PanelArrays mesh(1);
+    mesh.set(1, {{{0, 0, -1}, {0, 1, -1}, {1, 1, -1}, {1, 0, -1}}});
     const Matrices m = matrices(mesh, with_symmetry(deep, 2));
     EXPECT_EQ(m.alpha.size(), 4U);
     // All images of class 3 have the sign +: the largest of the four potentials.
@@ -218,10 +181,10 @@ TEST(InfluenceMatrices, of_one_panel_have_one_entry_a_class) {
 }
 
 TEST(InfluenceMatrices, tell_the_panels_that_have_no_influence) {
-    const HemisphereMesh good = hemisphere_mesh(2, 4, 8, 0);
+    const PanelArrays good = hemisphere_mesh(2, 4, 8, 0);
     Matrices m(good.np, 1);
     DepthCache cache;
-    const auto status = [&](const HemisphereMesh& mesh, const InfluenceParameters& p) {
+    const auto status = [&](const PanelArrays& mesh, const InfluenceParameters& p) {
         return influence_matrices(mesh.view(), p, cache, m.alpha, m.beta, {});
     };
     InfluenceParameters too_shallow = shallow;
@@ -230,7 +193,7 @@ TEST(InfluenceMatrices, tell_the_panels_that_have_no_influence) {
     EXPECT_EQ(below.ier, 1);
     EXPECT_GT(below.at.d2, below.at.h_green);
 
-    HemisphereMesh bad = good;
+    PanelArrays bad = good;
     bad.area[4] = 0;
     EXPECT_EQ(status(bad, deep).ier, 2);
     EXPECT_EQ(status(bad, deep).panel, 5);
@@ -241,7 +204,7 @@ TEST(InfluenceMatrices, tell_the_panels_that_have_no_influence) {
 }
 
 TEST(InfluenceMatrices, report_every_hundredth_panel_and_the_last) {
-    const HemisphereMesh mesh = hemisphere_mesh(2, 10, 25, 0);
+    const PanelArrays mesh = hemisphere_mesh(2, 10, 25, 0);
     Matrices m(mesh.np, 1);
     DepthCache cache;
     std::vector<int> reports;

@@ -1,6 +1,5 @@
-// A hemisphere of wet panels below z = 0, whole, half (y > 0) or a quarter (x > 0, y > 0), as
-// arrays of the panel mesh. The rows of panels run down from the water line; the lowest row are
-// triangles.
+// Wet panels as arrays of the panel mesh, made from their corners; a hemisphere, whole, half (y >
+// 0) or a quarter (x > 0, y > 0).
 #pragma once
 
 #include <array>
@@ -13,12 +12,15 @@
 
 namespace quelor::test {
 
-struct HemisphereMesh {
+/// Corners of one panel, clockwise as seen from the fluid; a triangle repeats the third.
+using Corners = std::array<GreenPoint, 4>;
+
+struct PanelArrays {
     int np = 0;
     std::vector<double> xyzc, n, area, xr, yr, zr;
     std::vector<std::int32_t> type;
 
-    explicit HemisphereMesh(int panels)
+    explicit PanelArrays(int panels)
         : np(panels), xyzc(3 * count()), n(3 * count()), area(count()), xr(4 * count()),
           yr(4 * count()), zr(4 * count()), type(count()) {}
 
@@ -30,7 +32,8 @@ struct HemisphereMesh {
     }
 
     // Panel p (1-based) from four coplanar corners, clockwise as seen from the fluid.
-    void set(int p, const std::array<GreenPoint, 4>& c, bool triangle) {
+    void set(int p, const Corners& c) {
+        const bool triangle = c[2].x == c[3].x && c[2].y == c[3].y && c[2].z == c[3].z;
         const auto at = static_cast<std::size_t>(p - 1);
         const FlatPanel flat = flat_panel(c, triangle);
         type[at] = triangle ? 1 : 0;
@@ -60,26 +63,36 @@ struct HemisphereMesh {
     }
 };
 
-/// rows * columns panels; symmetry 0 whole, 1 half, 2 a quarter of the circumference in `columns`.
-inline HemisphereMesh hemisphere_mesh(double radius, int rows, int columns, int symmetry) {
-    HemisphereMesh mesh(rows * columns);
+inline PanelArrays panel_arrays(const std::vector<Corners>& panels) {
+    PanelArrays arrays(static_cast<int>(panels.size()));
+    int p = 0;
+    for (const Corners& corners : panels)
+        arrays.set(++p, corners);
+    return arrays;
+}
+
+/// rows * columns panels of a hemisphere about (x0, 0, 0), rows running down from the water line,
+/// the lowest of triangles; symmetry 0 whole, 1 half, 2 a quarter of the circumference in
+/// `columns`.
+inline std::vector<Corners> hemisphere_panels(double radius, int rows, int columns, int symmetry,
+                                              double x0 = 0) {
+    std::vector<Corners> panels;
     const double turn = 2 * std::numbers::pi / (symmetry == 0 ? 1 : symmetry == 1 ? 2 : 4);
     const auto point = [&](int row, int column) -> GreenPoint {
-        if (row == rows) return {0, 0, -radius};
+        if (row == rows) return {x0, 0, -radius};
         const double down = std::numbers::pi / 2 * row / rows, around = turn * column / columns;
-        return {radius * std::cos(down) * std::cos(around),
+        return {x0 + radius * std::cos(down) * std::cos(around),
                 radius * std::cos(down) * std::sin(around), -radius * std::sin(down)};
     };
-    int p = 0;
-    for (int row = 0; row < rows; ++row) {
-        for (int column = 0; column < columns; ++column) {
-            mesh.set(++p,
-                     {point(row, column), point(row, column + 1), point(row + 1, column + 1),
-                      point(row + 1, column)},
-                     row + 1 == rows);
-        }
-    }
-    return mesh;
+    for (int row = 0; row < rows; ++row)
+        for (int column = 0; column < columns; ++column)
+            panels.push_back({point(row, column), point(row, column + 1),
+                              point(row + 1, column + 1), point(row + 1, column)});
+    return panels;
+}
+
+inline PanelArrays hemisphere_mesh(double radius, int rows, int columns, int symmetry) {
+    return panel_arrays(hemisphere_panels(radius, rows, columns, symmetry));
 }
 
 } // namespace quelor::test

@@ -1,0 +1,263 @@
+// Frequencies added to an earlier analysis. Reads and writes `.hyd_freq`, `.hyd_twnk`, `.hyd_wave`,
+// the coefficients and the potentials; workspaces `$freq`, `$twnk`, `$..._orig`, `$merge`.
+#include "hydro_analysis/hyd_merge.hpp"
+
+#include "hydro_analysis/hyd_anal_main.hpp"
+#include "hydro_model/hyd_input.hpp"
+#include "kernel/fortfile.hpp"
+#include "kernel/project.hpp"
+#include "kernel/require.hpp"
+#include "kernel/utilities.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <numbers>
+#include <numeric>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quelor {
+
+namespace {
+
+/// A result array with a frequency dimension, and its name while it is set aside.
+struct FrequencyResult {
+    std::string_view name, aside;
+    int dimension; ///< which index is the frequency
+};
+constexpr FrequencyResult coefficients[] = {
+    {hyd_addm, "$addm_orig", 3},
+    {hyd_damp, "$damp_orig", 3},
+    {hyd_fd, "$fd_orig", 3},
+    {hyd_fi, "$fi_orig", 3},
+};
+constexpr FrequencyResult potentials[] = {
+    {hyd_potrad, "$potrad_orig", 2},
+    {hyd_potincm, "$potincm_orig", 2},
+    {hyd_potdiff, "$potdiff_orig", 2},
+};
+
+std::size_t at(int i) {
+    return static_cast<std::size_t>(i - 1);
+}
+
+/// An array as blocks of bytes: (inner, frequency, outer).
+struct Blocks {
+    char* data;
+    std::size_t inner; ///< bytes of one frequency in one outer index
+    int nfreq;
+    std::size_t outer;
+    char* at(int ifreq, std::size_t k) const {
+        return data +
+               inner * (static_cast<std::size_t>(ifreq - 1) + static_cast<std::size_t>(nfreq) * k);
+    }
+};
+Blocks blocks_of(const ArrayRef& ref, int dimension) {
+    Blocks b{static_cast<char*>(ref.data), static_cast<std::size_t>(element_size(ref.type)),
+             ref.dim(dimension), 1};
+    for (int i = 1; i < dimension; ++i)
+        b.inner *= static_cast<std::size_t>(ref.dim(i));
+    for (int i = dimension + 1; i <= ref.ndim(); ++i)
+        b.outer *= static_cast<std::size_t>(ref.dim(i));
+    return b;
+}
+
+/// The old array must have the shape of the new one but for the number of frequencies.
+bool same_but_frequencies(const ArrayRef& old, const ArrayRef& now, int dimension, int nold) {
+    if (!old || !now || old.type != now.type || old.ndim() != now.ndim()) return false;
+    for (int i = 1; i <= old.ndim(); ++i)
+        if (i != dimension && old.dim(i) != now.dim(i)) return false;
+    return old.dim(dimension) == nold;
+}
+
+/// Frequency order[i] of the joined list (old, then new) goes to place i.
+void merge_array(const FrequencyResult& result, int nold, std::span<const int> order) {
+    const ArrayRef old = db_find(result.aside), now = db_find(result.name);
+    if (!old || !now) return;
+    if (!same_but_frequencies(old, now, result.dimension, nold))
+        shutdown_with(" \n\tArray " + std::string(result.name) +
+                      " of the earlier analysis does not fit the added frequencies\n");
+    const Blocks a = blocks_of(old, result.dimension), b = blocks_of(now, result.dimension);
+    std::vector<char> row(b.inner * static_cast<std::size_t>(b.nfreq));
+    for (std::size_t k = 0; k < b.outer; ++k) {
+        for (int i = 1; i <= b.nfreq; ++i) {
+            const int from = order[at(i)];
+            std::memcpy(row.data() + b.inner * at(i), (from <= nold ? a : b).at(from, k), b.inner);
+        }
+        std::memcpy(b.at(1, k), row.data(), row.size());
+    }
+    delete_array(result.aside);
+}
+
+bool ascending(std::span<const double> freq, int nold) {
+    return nold >= 2 && freq[1] - freq[0] > 0;
+}
+
+void set_results_aside(bool keep_potentials) {
+    for (const auto& result : coefficients) {
+        require_array(result.name,
+                      result.name == hyd_addm || result.name == hyd_damp ? type_real
+                                                                         : type_complex8,
+                      {any_size, any_size, any_size});
+        move_array(result.name, result.aside);
+    }
+    if (!array_exists(hyd_potrad)) return;
+    if (!keep_potentials) print_both(" \n\tExisting potential arrays will be deleted.\n");
+    for (const auto& result : potentials) {
+        if (!keep_potentials)
+            delete_array(result.name);
+        else if (array_exists(result.name))
+            move_array(result.name, result.aside);
+    }
+}
+
+std::string project_file(std::string_view extension) {
+    return std::string(project_name()) + std::string(extension);
+}
+
+} // namespace
+
+int add_frequencies(std::span<const double> added, bool keep_potentials) {
+    if (!array_exists(hyd_addm))
+        shutdown_with(" /nCannot add frequencies without first running hyd_analysis");
+    const auto wave = as_span<std::int32_t>(require_array(hyd_wave, type_integer, {2, 1}));
+    const int nold = wave[1], nfreq = nold + static_cast<int>(added.size());
+    const auto old_freq = require_vector<double>(hyd_freq, nold);
+    const auto old_twnk = require_matrix<double>(hyd_twnk, nold, 2);
+    set_results_aside(keep_potentials);
+
+    std::vector<double> values(added.begin(), added.end());
+    std::ranges::sort(values);
+    if (!ascending(old_freq, nold)) std::ranges::reverse(values);
+    const auto freq = create_matrix<double>("$freq", nfreq, 0);
+    const auto twnk = create_matrix<double>("$twnk", nfreq, 2);
+    for (int i = 1; i <= nfreq; ++i) {
+        freq(i) = i <= nold ? old_freq[at(i)] : values[at(i - nold)];
+        twnk(i, 1) = i <= nold ? old_twnk(i, 1) : 2 * std::numbers::pi / freq(i);
+        twnk(i, 2) = i <= nold ? old_twnk(i, 2) : 0.0;
+    }
+    move_array("$freq", hyd_freq);
+    move_array("$twnk", hyd_twnk);
+    wave[1] = nfreq;
+    return nold + 1;
+}
+
+void merge_frequencies(int nold) {
+    const auto freq = as_span<double>(require_array(hyd_freq, type_real, {any_size, 1}));
+    const int nfreq = static_cast<int>(freq.size());
+    const auto twnk = as_matrix<double>(require_array(hyd_twnk, type_real, {nfreq, 2}));
+    std::vector<int> order(freq.size());
+    std::iota(order.begin(), order.end(), 1);
+    const bool up = ascending(freq, nold);
+    std::ranges::stable_sort(order, [&](int i, int j) {
+        return up ? freq[at(i)] < freq[at(j)] : freq[at(i)] > freq[at(j)];
+    });
+    for (const auto& result : coefficients)
+        merge_array(result, nold, order);
+    for (const auto& result : potentials)
+        merge_array(result, nold, order);
+
+    const std::vector<double> f(freq.begin(), freq.end());
+    const auto all = twnk.all();
+    const std::vector<double> t(all.begin(), all.end());
+    for (int i = 1; i <= nfreq; ++i) {
+        const int from = order[at(i)];
+        freq[at(i)] = f[at(from)];
+        twnk(i, 1) = t[at(from)];
+        twnk(i, 2) = t[at(from + nfreq)];
+    }
+}
+
+// --- source-strength files
+// ------------------------------------------------------------------------
+
+void prepare_source_files(bool source, bool adding) {
+    namespace fs = std::filesystem;
+    std::error_code ignored;
+    if (!source) {
+        fs::remove(project_file(".rad"), ignored);
+        fs::remove(project_file(".dif"), ignored);
+        return;
+    }
+    if (!adding) return;
+    if (!fs::exists(project_file(".rad"), ignored) || !fs::exists(project_file(".dif"), ignored))
+        shutdown_with(
+            " \n\tError opening source strength files. They may not exist. The -source option must be specified on all hyd_analysis commands or on none. Program is quitting.\n");
+    fs::rename(project_file(".rad"), project_file(".radO"), ignored);
+    fs::rename(project_file(".dif"), project_file(".difO"), ignored);
+}
+
+namespace {
+
+/// Records of one file, read one frequency at a time; each begins with its omega.
+struct StrengthFile {
+    int unit;
+    std::vector<char> record;
+    std::optional<double> omega; ///< of the record held; none at the end of the file
+
+    void next() {
+        omega.reset();
+        double value = 0;
+        if (!read_record_bytes(unit, record) || record.size() < sizeof value) return;
+        std::memcpy(&value, record.data(), sizeof value);
+        omega = value;
+    }
+};
+
+struct StrengthKind {
+    std::string_view extension;
+    int unit_now, unit_old, unit_merged;
+    std::string_view failure;
+};
+constexpr StrengthKind strength_kinds[] = {
+    {".rad", 28, 81, 82,
+     " \n\tRadiation source strength files could not be opened; program is terminating\n"},
+    {".dif", 27, 83, 84,
+     " \n\tDiffraction source strength files could not be opened; program is terminating\n"},
+};
+
+void copy_frequency(StrengthFile& from, int unit, int records) {
+    for (int i = 0; i < records && from.omega; ++i) {
+        RecordWriter(unit).put(std::span<const char>(from.record));
+        from.next();
+    }
+}
+
+void merge_strengths(const StrengthKind& kind, std::span<const double> freq, int records) {
+    const std::string now_name = project_file(kind.extension), old_name = now_name + "O";
+    const std::string merged_name = project_file(".$") + std::string(kind.extension.substr(1));
+    if (fortopen_name(kind.unit_now, now_name, "OLD", "UNFORMATTED") != 0 ||
+        fortopen_name(kind.unit_old, old_name, "OLD", "UNFORMATTED") != 0 ||
+        fortopen_name(kind.unit_merged, merged_name, "REPLACE", "UNFORMATTED") != 0)
+        shutdown_with(kind.failure);
+    StrengthFile old{kind.unit_old, {}, {}}, now{kind.unit_now, {}, {}};
+    old.next();
+    now.next();
+    const int nfreq = static_cast<int>(freq.size());
+    for (int i = 1; i <= nfreq; ++i) {
+        const double omega = freq[at(i)];
+        if (old.omega != omega && now.omega != omega) {
+            write_both(
+                "10(/, ' ifreq =', i5, /, ' nfreq =', i5, /, ' omega(ifreq)=', 1pe12.4, /, ' omega1 =', e12.4, /, ' omega2 =', e12.4)",
+                {i, nfreq, omega, old.omega.value_or(0.0), now.omega.value_or(0.0)});
+            shutdown_with(" \n\tError combining source strength files; program quitting.\n");
+        }
+        copy_frequency(old.omega == omega ? old : now, kind.unit_merged, records);
+    }
+    close_unit(kind.unit_merged);
+    close_and_delete_unit(kind.unit_now);
+    close_and_delete_unit(kind.unit_old);
+    std::error_code ignored;
+    std::filesystem::rename(merged_name, now_name, ignored);
+}
+
+} // namespace
+
+void merge_source_files(std::span<const double> freq, int records_rad, int records_dif) {
+    merge_strengths(strength_kinds[0], freq, records_rad);
+    merge_strengths(strength_kinds[1], freq, records_dif);
+}
+
+} // namespace quelor

@@ -1,0 +1,39 @@
+// What the analysis and the response commands read of the model: sizes, control values, and views
+// of the panel and mode arrays. A missing array is named and the program takes the fatal path.
+#pragma once
+
+#include "hydro_analysis/coefficients.hpp"
+#include "hydro_analysis/incoming_wave.hpp"
+#include "kernel/types.hpp"
+
+#include <string_view>
+
+namespace quelor {
+
+/// The control values that several commands fetch together.
+struct HydSize {
+    int symmetry, nnodes, npanels, np; ///< npanels: defined panels; np: wet panels
+    int nmoder, nmodef, nmode;
+    int nbeta, nfreq;
+    double gauge, depth, deep_water, grav, rho;
+};
+
+/// Reads the sizes; np is counted from `.hyd_panel_#map`. Stops when `.hyd_wave` or the map is
+/// missing.
+HydSize hyd_get_problem_size();
+
+/// Views of the model for one analysis; valid until one of the arrays is created again.
+struct HydModel {
+    HydSize size;
+    std::span<const double> freq, beta; ///< rad/s; radians
+    Matrix<const double> xyzc;          ///< (np,3) centroids
+    Matrix<const double> paneln;        ///< (3,np) unit normals out of the fluid
+    Matrix<const double> xr, yr, zr;    ///< (np,4) corners of the flat panels
+    std::span<const double> area;       ///< (np)
+    std::span<const std::int32_t> type; ///< (np) 0 quadrilateral, 1 triangle
+    Matrix<const double> un;            ///< (nmode,np)
+    std::span<const std::int32_t> modesym;
+};
+HydModel hyd_get_model();
+
+} // namespace quelor

@@ -1,0 +1,290 @@
+// Command hyd_analysis_response. Reads `hyd_mstr`, `hyd_cstr`, `hyd_kstr`, `.hyd_kf`, `.hyd_addm`,
+// `.hyd_damp`, `.hyd_fi`, `.hyd_fd`, `.hyd_hysdamp`, `.hyd_freq`, `.hyd_beta`, `.hyd_wave`; writes
+// `.hyd_gencor`, `.hyd_dynk`, `.hyd_rhs`. Workspaces `$add_mass`, `$add_damp`, `$hyd_rindx`,
+// `$hyd_dynkcp`, `$hyd_rhscp`, `$resp`.
+#include "hydro_response/hyd_response.hpp"
+
+#include "hydro_analysis/csolve.hpp"
+#include "hydro_analysis/hyd_anal_main.hpp"
+#include "hydro_analysis/hyd_reports.hpp"
+#include "hydro_model/hyd_input.hpp"
+#include "hydro_model/hyd_modes.hpp"
+#include "kernel/fortfile.hpp"
+#include "kernel/gencom.hpp"
+#include "kernel/project.hpp"
+#include "kernel/require.hpp"
+#include "kernel/utilities.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <optional>
+#include <string>
+
+namespace quelor {
+
+namespace {
+
+constexpr double degrees = 180.0 / std::numbers::pi;
+
+std::size_t at(int i) {
+    return static_cast<std::size_t>(i - 1);
+}
+
+bool is_square(std::string_view name, int n) {
+    const ArrayRef ref = find_array(name);
+    return ref.is(type_real) && ref.ndim() <= 2 && ref.rows() == n && ref.cols() == n;
+}
+
+void summary(const HydSize& size, bool symmetrize, std::span<const double> freq,
+             std::span<const double> beta) {
+    write_both("(/, '  Problem Summary', /)");
+    write_both("(2x, 'Number of nodes.....................................',i10)", {size.nnodes});
+    write_both("(2x, 'Number of user-defined modes........................',i10)", {size.nmoder});
+    write_both("(2x, 'Number of flexible modes............................',i10)", {size.nmodef});
+    write_both("(2x, 'Structural hysteretic damping (%), hdamp............', 0pf10.2,/)",
+               {100 * require_real(hyd_hysdamp)});
+    write_wave_lists(size, 1, freq, beta);
+    if (symmetrize)
+        write_both("(/, 'Added mass and hydrodynamic damping will be symmetrized.', /)");
+    else
+        write_both("(/, 'Added mass and hydrodynamic damping will not be symmetrized.', /)");
+}
+
+/// Index of the largest modulus; the first of equals.
+std::size_t largest(std::span<const Complex8> v) {
+    return static_cast<std::size_t>(std::ranges::max_element(v, {}, complex_modulus) - v.begin());
+}
+
+void copy_slice(Array3<const double> from, int k, Matrix<double> to) {
+    std::ranges::copy(from.slice(k).all(), to.all().begin());
+}
+
+/// Everything the loop reads and writes; views stay valid as no array is created inside it.
+struct ResponseLoop {
+    HydSize size;
+    ResponseOptions options;
+    std::span<const double> freq, beta;
+    Array3<const double> addm, damp;
+    Array3<const Complex8> fi, fd;
+    MotionMatrices motion; ///< added mass and damping of the current frequency
+    Matrix<double> mass_now, damping_now;
+    Matrix<Complex8> dynk;
+    std::span<Complex8> rhs;
+    Array3<Complex8> gencor;
+    std::span<std::int32_t> pivot;
+};
+
+void solve_heading(const ResponseLoop& loop, int ifreq, int ibeta,
+                   Matrix<const Complex8> unfactored) {
+    write_both("(/, 6x, 'Wave heading', i3, ' at ', f7.2,' degrees')",
+               {ibeta, loop.beta[at(ibeta)] * degrees});
+    for (int i = 1; i <= loop.size.nmode; ++i)
+        loop.rhs[at(i)] = loop.fi(i, ibeta, ifreq) + loop.fd(i, ibeta, ifreq);
+    write_both("('    Solving equation of motion')");
+    std::optional<Temporary<Complex8>> load;
+    if (loop.options.residual) {
+        load.emplace("$hyd_rhscp", loop.size.nmode, 0);
+        std::ranges::copy(loop.rhs, load->view.data);
+    }
+    csolve_solve(loop.dynk, {loop.rhs.data(), loop.size.nmode, 1}, loop.pivot);
+    if (load) hyd_residual_report(unfactored, load->view.col(1), loop.rhs);
+    for (int i = 1; i <= loop.size.nmode; ++i)
+        loop.gencor(i, ifreq, ibeta) = loop.rhs[at(i)];
+    write_both("('    Response calculated')");
+}
+
+void solve_frequency(const ResponseLoop& loop, int ifreq) {
+    const double omega = loop.freq[at(ifreq)];
+    write_both(
+        "(/, '    Wave frequency',i3, 4x, 'Omega = ', f7.4,' rad/sec', 4x,'Wave period = ',f5.2,' sec')",
+        {ifreq, omega, 2 * std::numbers::pi / omega});
+    copy_slice(loop.addm, ifreq, loop.mass_now);
+    copy_slice(loop.damp, ifreq, loop.damping_now);
+    if (loop.options.symmetrize) {
+        symmetrize_matrix(loop.mass_now);
+        symmetrize_matrix(loop.damping_now);
+    }
+    hyd_assemble_dynk(omega, loop.motion, loop.dynk);
+    std::optional<Temporary<Complex8>> unfactored;
+    if (loop.options.residual) {
+        unfactored.emplace("$hyd_dynkcp", loop.size.nmode, loop.size.nmode);
+        std::ranges::copy(loop.dynk.all(), unfactored->view.data);
+    }
+    std::ranges::fill(loop.pivot, 0);
+    csolve_factor(loop.dynk, loop.pivot);
+    for (int ibeta = 1; ibeta <= loop.size.nbeta; ++ibeta)
+        solve_heading(loop, ifreq, ibeta,
+                      unfactored ? Matrix<const Complex8>{unfactored->view.data, loop.size.nmode,
+                                                          loop.size.nmode}
+                                 : Matrix<const Complex8>{});
+}
+
+template <class T> Array3<const T> require_array3(std::string_view name, int n1, int n2, int n3) {
+    return as_array3<const T>(require_array(name, type_code<T>, {n1, n2, n3}));
+}
+
+void cmd_hyd_analysis_response(std::string_view) {
+    ResponseLoop loop{};
+    loop.options = hyd_response_options();
+    open_cor_file();
+    loop.size = hyd_get_problem_size();
+    const HydSize& s = loop.size;
+    loop.beta = require_vector<double>(hyd_beta, s.nbeta);
+    loop.freq = require_vector<double>(hyd_freq, s.nfreq);
+    summary(s, loop.options.symmetrize, loop.freq, loop.beta);
+    loop.addm = require_array3<double>(hyd_addm, s.nmode, s.nmode, s.nfreq);
+    loop.damp = require_array3<double>(hyd_damp, s.nmode, s.nmode, s.nfreq);
+    loop.fi = require_array3<Complex8>(hyd_fi, s.nmode, s.nbeta, s.nfreq);
+    loop.fd = require_array3<Complex8>(hyd_fd, s.nmode, s.nbeta, s.nfreq);
+    const auto kf = require_matrix<double>(hyd_kf, s.nmode, s.nmode);
+    const double hdamp = require_real(hyd_hysdamp);
+    hyd_response_arrays(s.nfreq, s.nbeta, s.nmode);
+    print_trace_title();
+    hyd_check_structure(s.nmodef, s.nmode);
+
+    const Temporary<double> add_mass("$add_mass", s.nmode, s.nmode),
+        add_damp("$add_damp", s.nmode, s.nmode);
+    const Temporary<std::int32_t> pivot("$hyd_rindx", s.nmode, 0);
+    loop.mass_now = add_mass.view;
+    loop.damping_now = add_damp.view;
+    loop.pivot = pivot.view.all();
+    const auto square = [&](std::string_view name) {
+        return require_matrix<double>(name, s.nmode, s.nmode);
+    };
+    loop.motion = {square("$add_mass"),
+                   square("$add_damp"),
+                   square(hyd_mstr),
+                   square(hyd_cstr),
+                   square(hyd_kstr),
+                   kf,
+                   2 * hdamp};
+    loop.dynk = as_matrix<Complex8>(find_array(hyd_dynk));
+    loop.rhs = as_span<Complex8>(find_array(hyd_rhs));
+    loop.gencor = as_array3<Complex8>(find_array(hyd_gencor));
+    for (int ifreq = 1; ifreq <= s.nfreq; ++ifreq)
+        solve_frequency(loop, ifreq);
+
+    hyd_write_cor(loop.freq, loop.beta, as_array3<const Complex8>(find_array(hyd_gencor)));
+    close_unit(unit_cor);
+}
+
+constexpr Command rows[] = {
+    {.words = {"hyd_analysis_response"},
+     .run = cmd_hyd_analysis_response,
+     .summary = "response in generalized coordinates",
+     .help =
+         "Command Syntax\n\thyd_analysis_response [-residual] [symmetrize=on|off]\n\n"
+         "Command to determine the response in generalized coordinates, for waves of unit "
+         "amplitude, at the frequencies and headings of hyd_analysis, which it follows. It can be "
+         "repeated, for instance with another mass matrix, without repeating hyd_analysis.\n\n"
+         "-residual\n\tThe residual of every solution is computed and reported.\n"
+         "symmetrize=on|off\n\tWith on, added mass and damping are symmetrized before use; the "
+         "stored arrays are not changed. The default is off.\n\n"
+         "Needs\n\thyd_mstr, the structural mass; hyd_kstr, the structural stiffness, if there are "
+         "flexible modes; hyd_cstr, the viscous structural damping, is optional. All are "
+         "(nmode,nmode).\n\n"
+         "Created\n\t.hyd_gencor (nmode,nfreq,nbeta), complex, and the file project_name.cor; "
+         "phases in it are in radians. .hyd_dynk and .hyd_rhs hold the factors and the solution "
+         "of the last frequency and heading.\n\n"
+         "Example\n\thyd_analysis_response symmetrize=on\n\n"
+         "See Also\n\thyd_analysis, hyd_rmass, hyd_tf\n"},
+};
+
+} // namespace
+
+ResponseOptions hyd_response_options() {
+    ResponseOptions o;
+    std::string text;
+    o.residual = has_flag(" -residual");
+    get_char_par(" symmetrize=", text, 5);
+    o.symmetrize = text == "on";
+    o.eq = has_flag(" -eq");
+    return o;
+}
+
+void open_cor_file() {
+    fortopen_ext(unit_cor, ".cor", "UNKNOWN", "FORMATTED");
+    write_unit(unit_cor, "(10x,8('*'),' GENERALIZED COORDINATES ', 2x, 8('*'))");
+}
+
+void hyd_response_arrays(int nfreq, int nbeta, int nmode) {
+    for (const auto name : {hyd_dynk, hyd_gencor, hyd_rhs})
+        delete_array(name);
+    create_matrix<Complex8>(hyd_dynk, nmode, nmode);
+    create_matrix<Complex8>(hyd_rhs, nmode, 0);
+    create_array3<Complex8>(hyd_gencor, nmode, nfreq, nbeta);
+}
+
+void hyd_check_structure(int nmodef, int nmode) {
+    if (!is_square(hyd_mstr, nmode))
+        shutdown_with(" \n\tStructural mass (hyd_mstr) not found or is the wrong size.\n");
+    if (!is_square(hyd_cstr, nmode)) {
+        print_both(
+            " \n\tStructural viscous damping (hyd_cstr) not found or is the wrong size.\n\tIt will be created with zero damping.\n");
+        create_matrix<double>(hyd_cstr, nmode, nmode);
+    }
+    if (is_square(hyd_kstr, nmode)) return;
+    if (nmodef != 0)
+        shutdown_with(" \n\tStructural stiffness (hyd_kstr) not found or is the wrong size.\n");
+    print_both(
+        " \n\tStructural stiffness (hyd_kstr) not found or is the wrong size.\n\tIt will be created with zero stiffness.\n");
+    create_matrix<double>(hyd_kstr, nmode, nmode);
+}
+
+void symmetrize_matrix(Matrix<double> a) {
+    for (int j = 2; j <= a.cols; ++j)
+        for (int i = 1; i < j; ++i)
+            a(i, j) = a(j, i) = (a(i, j) + a(j, i)) * 0.5;
+}
+
+void hyd_assemble_dynk(double omega, const MotionMatrices& m, Matrix<Complex8> dynk) {
+    const double omega2 = omega * omega;
+    for (int j = 1; j <= dynk.cols; ++j)
+        for (int i = 1; i <= dynk.rows; ++i) {
+            const double Ks = m.stiffness(i, j);
+            const double re =
+                Ks - (m.mass(i, j) + m.added_mass(i, j)) * omega2 + m.hydrostatic(i, j);
+            double im = (m.viscous(i, j) + m.damping(i, j)) * omega;
+            if (m.loss != 0) im += m.loss * Ks;
+            dynk(i, j) = {re, im};
+        }
+}
+
+void hyd_residual_report(Matrix<const Complex8> dynk, std::span<const Complex8> rhs,
+                         std::span<const Complex8> x) {
+    const Temporary<Complex8> resp("$resp", dynk.rows, 0);
+    const auto r = resp.view.col(1);
+    for (int j = 1; j <= dynk.cols; ++j)
+        for (int i = 1; i <= dynk.rows; ++i)
+            r[at(i)] += dynk(i, j) * x[at(j)];
+    for (std::size_t i = 0; i < r.size(); ++i)
+        r[i] = rhs[i] - r[i];
+    const std::size_t worst = largest(r), load = largest(rhs);
+    write_both(
+        "(8x, 'Maximum residual error occurs at DOF', i7, /, 8x, 'Error        =', 1p2e14.5, ' with amplitude', e14.5, /, 8x, 'Load         =', 2e14.5, ' with amplitude', e14.5, /, 8x, 'Maximum load =', 2e14.5, ' with amplitude', e14.5)",
+        {static_cast<int>(worst) + 1, r[worst], complex_modulus(r[worst]), rhs[worst],
+         complex_modulus(rhs[worst]), rhs[load], complex_modulus(rhs[load])});
+}
+
+void hyd_write_cor(std::span<const double> freq, std::span<const double> beta,
+                   Array3<const Complex8> gencor) {
+    for (int f = 1; f <= gencor.n2; ++f)
+        for (int b = 1; b <= gencor.n3; ++b) {
+            write_unit(
+                unit_cor,
+                "(//, 'Wave frequency =', f9.6, ' rad/sec', 5x, 'Wave heading   =', f12.6, ' degrees', //, 'Frequency', 3x, 'Mode', 10x, 'Real', 5x, 'Imaginary', 5x, 'Amplitude', 9x, 'Phase')",
+                {freq[at(f)], beta[at(b)] * degrees});
+            for (int i = 1; i <= gencor.n1; ++i) {
+                const Complex8 q = gencor(i, f, b);
+                write_unit(unit_cor, "(f8.5, i7, 1x, 1p4e14.5)",
+                           {freq[at(f)], i, q, complex_modulus(q), std::atan2(q.imag(), q.real())});
+            }
+        }
+}
+
+std::span<const Command> hyd_response_rows() {
+    return rows;
+}
+
+} // namespace quelor

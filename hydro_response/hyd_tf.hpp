@@ -1,0 +1,20 @@
+// Command hyd_tf: transfer functions of any linear combination of the modes.
+#pragma once
+
+#include "kernel/command.hpp"
+#include "kernel/types.hpp"
+
+namespace quelor {
+
+/// real (ncomp,nmode): response of each component in each mode; user array, default of argument 1.
+inline constexpr std::string_view hyd_modemat = "hyd_modemat";
+/// complex (nfreq,nbeta,ncomp): transfer functions; default of argument 2.
+inline constexpr std::string_view hyd_tf = "hyd_tf";
+
+/// tf(f,b,c) = sum over m of modemat(c,m) gencor(m,f,b), m rising.
+void transfer_functions(Matrix<const double> modemat, Array3<const Complex8> gencor,
+                        Array3<Complex8> tf);
+
+std::span<const Command> hyd_tf_rows();
+
+} // namespace quelor

@@ -1,0 +1,246 @@
+#!/usr/bin/env python3
+"""Writes the command files of the examples: the meshes and mode shapes that nobody would type.
+
+Usage: make_examples.py FOLDER [hemisphere|barge|boxes] [COLUMNS ROWS of the hemisphere]
+"""
+import math
+import pathlib
+import sys
+
+GRAV = 9.80665
+RHO = 1025.0
+
+
+def hemisphere(columns=7, rows=36):
+    """Quarter of a hemisphere of radius 10 in deep water: `columns` panels along the quarter of the
+    water line, `rows` down to the lowest point."""
+    radius = 10.0
+    ka = [0.1, 0.2, 0.5, 1.0, 2.0, 3.0]
+    nodes = []
+    for i in range(rows):
+        for j in range(columns + 1):
+            theta, phi = math.pi / 2 * i / rows, math.pi / 2 * j / columns
+            x = radius * math.cos(theta) * math.cos(phi) if j < columns else 0.0
+            y = radius * math.cos(theta) * math.sin(phi)
+            z = -radius * math.sin(theta)
+            nodes.append((x, y, z))
+    nodes.append((0.0, 0.0, -radius))
+    row, quads = columns + 1, columns * (rows - 1)
+    top = row * (rows - 1) + 1
+    mass = RHO * 2 / 3 * math.pi * radius**3
+    zcg = -2.0
+    inertia = mass * 0.4 * radius**2  # about the origin, as every entry of the mass matrix
+    off = mass * zcg
+    lines = [
+        "/* Floating hemisphere, radius 10 m, deep water, double symmetry: a quarter of the surface",
+        "hyd_parameters h=2000 symmetry=2 rho=%g grav=%g" % (RHO, GRAV),
+        "hyd_coordaxs zcg=%g" % zcg,
+        "hyd_wave nbeta=1 nfreq=%d -freq" % len(ka),
+        "0",
+        " ".join("%.10f" % math.sqrt(k / radius * GRAV) for k in ka),
+        "hyd_nodes #=%d" % len(nodes),
+        *("%d %.9f %.9f %.9f" % (n, x, y, z + 0.0) for n, (x, y, z) in enumerate(nodes, 1)),
+        "",
+        "hyd_panel n=%d" % (columns * rows),
+        "n=1 nodes=1,2,%d,%d gen=%d inc=1,1 gen_2d=%d inc_2d=%d,%d inc_el=%d"
+        % (row + 2, row + 1, columns - 1, rows - 2, row, row, columns),
+        "n=%d nodes=%d,%d,%d,0 gen=%d inc=1,0" % (quads + 1, top, top + 1, len(nodes), columns - 1),
+        "",
+        "hyd_body_check",
+        "hyd_rigid_modes",
+        "hyd_rmass",
+        "%.6e 0 0 0 %.6e 0" % (mass, off),
+        "0 %.6e 0 %.6e 0 0" % (mass, -off),
+        "0 0 %.6e 0 0 0" % mass,
+        "0 %.6e 0 %.6e 0 0" % (-off, inertia),
+        "%.6e 0 0 0 %.6e 0" % (off, inertia),
+        "0 0 0 0 0 %.6e" % inertia,
+        "hyd_analysis",
+        "hyd_analysis_response -residual",
+        "hyd_tf",
+    ]
+    return lines
+
+
+def grid(first, corners, na, nb):
+    """Records of a plane face: corners A, B (na panels), C, D (nb panels from B to C), clockwise as
+    seen from the fluid. Returns node records, quad record, panel record, node and panel count."""
+    (a, b, c, d) = corners
+    n_a, n_b = first, first + na
+    n_d, n_c = first + nb * (na + 1), first + nb * (na + 1) + na
+    nodes = ["%d %g %g %g" % (n, *p) for n, p in ((n_a, a), (n_b, b), (n_d, d), (n_c, c))]
+    quad = "quad=%d,%d,%d,%d inc=1,%d" % (n_a, n_b, n_d, n_c, na + 1)
+    panel = "nodes=%d,%d,%d,%d gen=%d inc=1,1 gen_2d=%d inc_2d=%d,%d inc_el=%d" % (
+        n_a, n_a + 1, n_a + na + 2, n_a + na + 1, na - 1, nb - 1, na + 1, na + 1, na)
+    return nodes, quad, panel, (na + 1) * (nb + 1), na * nb
+
+
+def box_faces(x0, x1, y0, y1, draft, nx, ny, nz, half=False):
+    """Wet faces of a box, corners clockwise as seen from the fluid."""
+    top, low = 0.0, -draft
+    faces = [
+        ([(x0, y1, top), (x0, y1, low), (x1, y1, low), (x1, y1, top)], nz, nx),
+        ([(x0, y1, low), (x0, y0, low), (x1, y0, low), (x1, y1, low)], ny, nx),
+        ([(x1, y0, top), (x1, y1, top), (x1, y1, low), (x1, y0, low)], ny, nz),
+        ([(x0, y0, top), (x0, y0, low), (x0, y1, low), (x0, y1, top)], nz, ny),
+    ]
+    if not half:
+        faces.append(([(x1, y0, top), (x1, y0, low), (x0, y0, low), (x0, y0, top)], nz, nx))
+    return faces
+
+
+def mesh(bodies):
+    """Node and panel commands of several lists of faces, and the ranges of each body."""
+    nodes, quads, panels, ranges = [], [], [], []
+    n_node = n_panel = 0
+    for faces in bodies:
+        node0, panel0 = n_node + 1, n_panel + 1
+        for corners, na, nb in faces:
+            records, quad, panel, count, elements = grid(n_node + 1, corners, na, nb)
+            nodes += records
+            quads.append(quad)
+            panels.append("n=%d %s" % (n_panel + 1, panel))
+            n_node += count
+            n_panel += elements
+        ranges.append((node0, n_node, panel0, n_panel))
+    lines = ["hyd_nodes #=%d" % n_node, *nodes, "", "hyd_node_gen", *quads, "",
+             "hyd_panel n=%d" % n_panel, *panels, ""]
+    return lines, ranges
+
+
+def grid_points(faces):
+    """Coordinates of the generated nodes, in their order."""
+    points = []
+    for (a, b, c, d), na, nb in faces:
+        for j in range(nb + 1):
+            for i in range(na + 1):
+                s, t = i / na, j / nb
+                points.append([(1 - s) * (1 - t) * a[k] + s * (1 - t) * b[k] + s * t * c[k]
+                               + (1 - s) * t * d[k] for k in range(3)])
+    return points
+
+
+class FreeFreeBeam:
+    """Vertical bending mode n (1, 2) of a free-free beam of length L, unit displacement at the
+    ends:  W = [cosh + cos - sigma (sinh + sin)](lambda (x + L/2)) / 2"""
+
+    def __init__(self, n, length):
+        self.length = length
+        self.lam = {1: 4.730040744862704, 2: 7.853204624095838}[n] / length
+        s = self.lam * length
+        self.sigma = (math.cosh(s) - math.cos(s)) / (math.sinh(s) - math.sin(s))
+
+    def value(self, x):
+        s = self.lam * (x + self.length / 2)
+        return (math.cosh(s) + math.cos(s) - self.sigma * (math.sinh(s) + math.sin(s))) / 2
+
+    def slope(self, x):
+        s = self.lam * (x + self.length / 2)
+        return self.lam * (math.sinh(s) - math.sin(s)
+                           - self.sigma * (math.cosh(s) + math.cos(s))) / 2
+
+
+def matrix(name, rows):
+    return ["input %s r=%d c=%d" % (name, len(rows), len(rows[0])),
+            *(" ".join("%.9g" % (v + 0.0) for v in row) for row in rows)]
+
+
+def barge():
+    """Barge 100 x 20 x 5 m in 20 m of water, half mesh, six rigid and two bending modes."""
+    length, beam, draft = 100.0, 20.0, 5.0
+    ei = 2.0e11
+    faces = box_faces(-length / 2, length / 2, 0.0, beam / 2, draft, 40, 4, 4, half=True)
+    mesh_lines, _ = mesh([faces])
+    modes = [FreeFreeBeam(1, length), FreeFreeBeam(2, length)]
+    per_length = RHO * beam * draft
+    mass = per_length * length
+    rigid = [mass, mass, mass, mass * 7.0**2, mass * 29.5**2, mass * 29.5**2]
+    modal_mass = per_length * length / 4
+    mstr = [[0.0] * 8 for _ in range(8)]
+    kstr = [[0.0] * 8 for _ in range(8)]
+    for i, m in enumerate(rigid + [modal_mass, modal_mass]):
+        mstr[i][i] = m
+    for i, mode in enumerate(modes):
+        kstr[6 + i][6 + i] = ei * mode.lam**4 * length / 4
+    stations = [-length / 2, 0.0, length / 2]
+    modemat = [[0, 0, 1, 0, -x, 0, modes[0].value(x), modes[1].value(x)] for x in stations]
+    lines = [
+        "/* Barge 100 x 20 x 5 m in 20 m of water, half mesh, six rigid and two bending modes",
+        "hyd_parameters h=20 symmetry=1 nmodef=2 hdamp=.01 rho=%g grav=%g" % (RHO, GRAV),
+        "hyd_coordaxs",
+        "hyd_wave nbeta=2 nfreq=8",
+        "180 135",
+        "5 6 7 8 9 10 12 14",
+        *mesh_lines,
+        "hyd_body_check",
+        "hyd_rigid_modes",
+        "hyd_flex_modes",
+    ]
+    points = grid_points(faces)
+    for number, mode in enumerate(modes, 7):
+        lines.append("%d 0 %d" % (number, number - 7))
+        for i, (x, _, z) in enumerate(points, 1):
+            lines.append("%d %.9f 0 %.9f 0 %.9f 0"
+                         % (i, -z * mode.slope(x) + 0.0, mode.value(x), -mode.slope(x) + 0.0))
+        lines.append("")
+    lines += matrix("hyd_mstr", mstr) + matrix("hyd_kstr", kstr) + matrix("hyd_modemat", modemat)
+    lines += ["hyd_analysis", "hyd_analysis_response symmetrize=on", "hyd_tf"]
+    return lines
+
+
+def rigid_mass(length, beam, draft, zcg):
+    """Mass matrix of a floating box about the body origin in the water plane, as six rows."""
+    m = RHO * length * beam * draft
+    ixx = m * (beam**2 / 9 + zcg**2)
+    iyy = m * (length**2 / 14 + zcg**2)
+    izz = m * length**2 / 14
+    rows = [[0.0] * 6 for _ in range(6)]
+    for i, v in enumerate((m, m, m, ixx, iyy, izz)):
+        rows[i][i] = v
+    rows[0][4] = rows[4][0] = m * zcg
+    rows[1][3] = rows[3][1] = -m * zcg
+    return [" ".join("%.9g" % (v + 0.0) for v in row) for row in rows]
+
+
+def boxes():
+    """Two different boxes side by side, no symmetry, 12 modes, three headings."""
+    first = box_faces(-20.0, 20.0, -6.0, 6.0, 4.0, 16, 5, 3)
+    second = box_faces(-15.0, 15.0, 10.0, 20.0, 3.0, 12, 4, 2)
+    mesh_lines, ranges = mesh([first, second])
+    lines = [
+        "/* Two boxes side by side in 30 m of water, no symmetry, 12 modes, three headings",
+        "hyd_parameters h=30 nbodies=2 rho=%g grav=%g" % (RHO, GRAV),
+        "hyd_coordaxs body=1 zcg=-1",
+        "hyd_coordaxs body=2 yb=15 zcg=-.5",
+        "hyd_wave nbeta=3 nfreq=4",
+        "0 45 90",
+        "5 6.5 8 11",
+        *mesh_lines,
+    ]
+    for body, (n0, n1, p0, p1) in enumerate(ranges, 1):
+        region = "body=%d nodes=%d,%d panels=%d,%d" % (body, n0, n1, p0, p1)
+        lines += ["hyd_body_check " + region, "hyd_rigid_modes " + region]
+    lines += ["hyd_rmass body=1", *rigid_mass(40, 12, 4, -1.0),
+              "hyd_rmass body=2", *rigid_mass(30, 10, 3, -0.5)]
+    lines += ["hyd_analysis -source",
+              "hyd_analysis #added_freqs=2 -periods -source", "7.2 9.5",
+              "hyd_analysis_response",
+              "hyd_tf"]
+    return lines
+
+
+EXAMPLES = {"hemisphere": hemisphere, "barge": barge, "boxes": boxes}
+
+
+def main():
+    folder = pathlib.Path(sys.argv[1])
+    wanted = sys.argv[2:3] or list(EXAMPLES)
+    for name in wanted:
+        arguments = [int(v) for v in sys.argv[3:]] if name == "hemisphere" else []
+        target = folder / name
+        target.mkdir(parents=True, exist_ok=True)
+        (target / (name + ".txt")).write_text("\n".join(EXAMPLES[name](*arguments)) + "\n")
+
+
+if __name__ == "__main__":
+    main()
