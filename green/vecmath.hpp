@@ -11,11 +11,21 @@
 #include <limits>
 #include <numbers>
 
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) &&                             \
-    !defined(__SANITIZE_ADDRESS__)
-#define QUELOR_CLONES __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
-#else
+#if defined(__clang__)
+#if __has_feature(address_sanitizer)
 #define QUELOR_CLONES
+#endif
+#elif defined(__SANITIZE_ADDRESS__)
+#define QUELOR_CLONES
+#endif
+#if !defined(__x86_64__) && !defined(QUELOR_CLONES)
+#define QUELOR_CLONES
+#endif
+// Clang 14 takes the level names but passes over the third.
+#if !defined(QUELOR_CLONES) && defined(__clang__)
+#define QUELOR_CLONES __attribute__((target_clones("default", "avx2", "avx512f")))
+#elif !defined(QUELOR_CLONES)
+#define QUELOR_CLONES __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
 #endif
 #define QUELOR_INLINE [[gnu::always_inline]] inline
 
