@@ -71,14 +71,22 @@ static double ei_to_40(double x) { // 0 < x <= 40
     return std::numbers::egamma + std::log(x) + power_sum(x);
 }
 
+static double scaled_ei(double x) { // exp(-x) Ei(x)
+    if (x < 0.0) return -scaled_e1(-x);
+    return x > 40.0 ? scaled_asymptotic(x) : std::exp(-x) * ei_to_40(x);
+}
+
+static double ei(double x) {
+    if (x > 716.35) return largest;
+    if (x > 0.0 && x <= 40.0) return ei_to_40(x);
+    // exp(x) itself is out of range above 709 where Ei is not yet.
+    return std::exp(0.5 * x) * scaled_ei(x) * std::exp(0.5 * x);
+}
+
 double expi(double x, int mode) {
     if (x == 0.0) return mode == 2 ? largest : -largest;
-    if (mode == 2) return -expi(-x, 1);
-    if (x < 0.0) return -scaled_e1(-x) * (mode == 3 ? 1.0 : std::exp(x));
-    if (mode == 3) return x > 40.0 ? scaled_asymptotic(x) : std::exp(-x) * ei_to_40(x);
-    if (x > 716.35) return largest;
-    // exp(x) itself is out of range above 709 where Ei is not yet.
-    return x > 40.0 ? std::exp(0.5 * x) * scaled_asymptotic(x) * std::exp(0.5 * x) : ei_to_40(x);
+    if (mode == 2) return -ei(-x);
+    return mode == 3 ? scaled_ei(x) : ei(x);
 }
 
 } // namespace quelor

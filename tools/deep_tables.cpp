@@ -131,7 +131,7 @@ Real node(int i) {
 
 void print_numbers(const std::vector<double>& values) {
     for (std::size_t i = 0; i < values.size(); ++i)
-        std::printf("%s%.17g,", i % 4 == 0 ? "\n        " : " ", values[i]);
+        std::printf("%s%.16e,", i % 4 == 0 ? "\n        " : " ", values[i]);
 }
 
 struct Range {
