@@ -4,6 +4,7 @@
 #include "hydro_analysis/hyd_anal1.hpp"
 
 #include "hydro_analysis/csolve.hpp"
+#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_analysis/hyd_anal_main.hpp"
 #include "hydro_analysis/influence.hpp"
 #include "hydro_analysis/solve2.hpp"

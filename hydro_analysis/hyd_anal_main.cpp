@@ -152,7 +152,9 @@ void cmd_hyd_analysis(std::string_view) {
     if (!added.empty()) {
         merge_frequencies(first - 1);
         const int classes = image_count(model.size.symmetry);
-        if (options.source) merge_source_files(model.freq, classes, classes * model.size.nbeta);
+        if (options.source)
+            merge_source_files(require_vector<double>(hyd_freq), classes,
+                               classes * model.size.nbeta);
     }
     if (!options.no_pot) make_panel_rmap();
     write_coefficient_reports(model.size, model.beta);

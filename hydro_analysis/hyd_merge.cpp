@@ -2,7 +2,7 @@
 // the coefficients and the potentials; workspaces `$freq`, `$twnk`, `$..._orig`, `$merge`.
 #include "hydro_analysis/hyd_merge.hpp"
 
-#include "hydro_analysis/hyd_anal_main.hpp"
+#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/project.hpp"
@@ -22,73 +22,25 @@ namespace quelor {
 
 namespace {
 
-/// A result array with a frequency dimension, and its name while it is set aside.
-struct FrequencyResult {
-    std::string_view name, aside;
-    int dimension; ///< which index is the frequency
-};
-constexpr FrequencyResult coefficients[] = {
-    {hyd_addm, "$addm_orig", 3},
-    {hyd_damp, "$damp_orig", 3},
-    {hyd_fd, "$fd_orig", 3},
-    {hyd_fi, "$fi_orig", 3},
-};
-constexpr FrequencyResult potentials[] = {
-    {hyd_potrad, "$potrad_orig", 2},
-    {hyd_potincm, "$potincm_orig", 2},
-    {hyd_potdiff, "$potdiff_orig", 2},
-};
-
 std::size_t at(int i) {
     return static_cast<std::size_t>(i - 1);
 }
 
-/// An array as blocks of bytes: (inner, frequency, outer).
-struct Blocks {
-    char* data;
-    std::size_t inner; ///< bytes of one frequency in one outer index
-    int nfreq;
-    std::size_t outer;
-    char* at(int ifreq, std::size_t k) const {
-        return data +
-               inner * (static_cast<std::size_t>(ifreq - 1) + static_cast<std::size_t>(nfreq) * k);
-    }
-};
-Blocks blocks_of(const ArrayRef& ref, int dimension) {
-    Blocks b{static_cast<char*>(ref.data), static_cast<std::size_t>(element_size(ref.type)),
-             ref.dim(dimension), 1};
-    for (int i = 1; i < dimension; ++i)
-        b.inner *= static_cast<std::size_t>(ref.dim(i));
-    for (int i = dimension + 1; i <= ref.ndim(); ++i)
-        b.outer *= static_cast<std::size_t>(ref.dim(i));
-    return b;
+/// Name of a result while it is set aside: ".hyd_addm" becomes "$addm_orig".
+std::string aside(std::string_view name) {
+    return "$" + std::string(name.substr(std::string_view(".hyd_").size())) + "_orig";
 }
 
-/// The old array must have the shape of the new one but for the number of frequencies.
-bool same_but_frequencies(const ArrayRef& old, const ArrayRef& now, int dimension, int nold) {
-    if (!old || !now || old.type != now.type || old.ndim() != now.ndim()) return false;
-    for (int i = 1; i <= old.ndim(); ++i)
-        if (i != dimension && old.dim(i) != now.dim(i)) return false;
-    return old.dim(dimension) == nold;
-}
-
-/// Frequency order[i] of the joined list (old, then new) goes to place i.
-void merge_array(const FrequencyResult& result, int nold, std::span<const int> order) {
-    const ArrayRef old = db_find(result.aside), now = db_find(result.name);
+/// Old results become the leading entries of the new ones; then `order` sorts them all.
+void merge_result(const FrequencyResult& result, std::span<const std::size_t> order) {
+    const std::string old_name = aside(result.name);
+    const ArrayRef old = db_find(old_name), now = db_find(result.name);
     if (!old || !now) return;
-    if (!same_but_frequencies(old, now, result.dimension, nold))
+    if (!copy_leading_frequencies(old, now, result.axis))
         shutdown_with(" \n\tArray " + std::string(result.name) +
                       " of the earlier analysis does not fit the added frequencies\n");
-    const Blocks a = blocks_of(old, result.dimension), b = blocks_of(now, result.dimension);
-    std::vector<char> row(b.inner * static_cast<std::size_t>(b.nfreq));
-    for (std::size_t k = 0; k < b.outer; ++k) {
-        for (int i = 1; i <= b.nfreq; ++i) {
-            const int from = order[at(i)];
-            std::memcpy(row.data() + b.inner * at(i), (from <= nold ? a : b).at(from, k), b.inner);
-        }
-        std::memcpy(b.at(1, k), row.data(), row.size());
-    }
-    delete_array(result.aside);
+    delete_array(old_name);
+    select_frequencies(result.name, result.axis, order, "$merge");
 }
 
 bool ascending(std::span<const double> freq, int nold) {
@@ -96,20 +48,20 @@ bool ascending(std::span<const double> freq, int nold) {
 }
 
 void set_results_aside(bool keep_potentials) {
-    for (const auto& result : coefficients) {
+    for (const auto& result : analysis_coefficients) {
         require_array(result.name,
                       result.name == hyd_addm || result.name == hyd_damp ? type_real
                                                                          : type_complex8,
                       {any_size, any_size, any_size});
-        move_array(result.name, result.aside);
+        move_array(result.name, aside(result.name));
     }
     if (!array_exists(hyd_potrad)) return;
     if (!keep_potentials) print_both(" \n\tExisting potential arrays will be deleted.\n");
-    for (const auto& result : potentials) {
+    for (const auto& result : analysis_potentials) {
         if (!keep_potentials)
             delete_array(result.name);
         else if (array_exists(result.name))
-            move_array(result.name, result.aside);
+            move_array(result.name, aside(result.name));
     }
 }
 
@@ -145,29 +97,19 @@ int add_frequencies(std::span<const double> added, bool keep_potentials) {
 }
 
 void merge_frequencies(int nold) {
-    const auto freq = as_span<double>(require_array(hyd_freq, type_real, {any_size, 1}));
-    const int nfreq = static_cast<int>(freq.size());
-    const auto twnk = as_matrix<double>(require_array(hyd_twnk, type_real, {nfreq, 2}));
-    std::vector<int> order(freq.size());
-    std::iota(order.begin(), order.end(), 1);
+    const auto freq = require_vector<double>(hyd_freq);
+    std::vector<std::size_t> order(freq.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
     const bool up = ascending(freq, nold);
-    std::ranges::stable_sort(order, [&](int i, int j) {
-        return up ? freq[at(i)] < freq[at(j)] : freq[at(i)] > freq[at(j)];
+    std::ranges::stable_sort(order, [&](std::size_t i, std::size_t j) {
+        return up ? freq[i] < freq[j] : freq[i] > freq[j];
     });
-    for (const auto& result : coefficients)
-        merge_array(result, nold, order);
-    for (const auto& result : potentials)
-        merge_array(result, nold, order);
-
-    const std::vector<double> f(freq.begin(), freq.end());
-    const auto all = twnk.all();
-    const std::vector<double> t(all.begin(), all.end());
-    for (int i = 1; i <= nfreq; ++i) {
-        const int from = order[at(i)];
-        freq[at(i)] = f[at(from)];
-        twnk(i, 1) = t[at(from)];
-        twnk(i, 2) = t[at(from + nfreq)];
-    }
+    for (const auto& result : analysis_coefficients)
+        merge_result(result, order);
+    for (const auto& result : analysis_potentials)
+        merge_result(result, order);
+    select_frequencies(hyd_freq, 1, order, "$merge");
+    select_frequencies(hyd_twnk, 1, order, "$merge");
 }
 
 // --- source-strength files

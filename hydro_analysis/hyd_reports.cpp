@@ -2,7 +2,7 @@
 // `.hyd_coordaxs`, `.hyd_hysdamp`.
 #include "hydro_analysis/hyd_reports.hpp"
 
-#include "hydro_analysis/hyd_anal_main.hpp"
+#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/project.hpp"

@@ -4,6 +4,7 @@
 // Commands: hyd_wave, hyd_wave_dispersion.
 // Writes: `.hyd_wave`, `.hyd_beta`, `.hyd_freq`, `.hyd_twnk`; deletes or shortens the results.
 // Reads: `.hyd_depth`, `.hyd_grav`. Workspace: `$hyd_freq`, `$hyd_twnk`, `$compact_array`.
+#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
@@ -12,9 +13,9 @@
 #include "kernel/utilities.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <numbers>
 #include <string>
 #include <vector>
@@ -26,16 +27,14 @@ namespace {
 constexpr double two_pi = 2.0 * std::numbers::pi;
 constexpr int most_waves = 1000;
 
-/// A result array and the dimension (1 to 3) that counts frequencies.
-struct FrequencyResult {
-    std::string_view name;
-    int axis;
-};
-constexpr FrequencyResult frequency_results[] = {
-    {".hyd_addm", 3},   {".hyd_damp", 3},    {".hyd_fd", 3},
-    {".hyd_fi", 3},     {".hyd_potincm", 2}, {".hyd_potdiff", 2},
-    {".hyd_potrad", 2}, {".hyd_gencor", 2},  {".hyd_surf_disp", 2},
-};
+/// Every result that a new list of waves makes invalid.
+constexpr auto frequency_results = [] {
+    std::array<FrequencyResult, 9> all{};
+    auto next = std::ranges::copy(analysis_coefficients, all.begin()).out;
+    next = std::ranges::copy(analysis_potentials, next).out;
+    std::ranges::copy(response_results, next);
+    return all;
+}();
 constexpr std::string_view result_files[] = {"rad", "dif",  "pot", "hpr",
                                              "prs", "prs2", "dis", "res"};
 
@@ -145,29 +144,6 @@ std::vector<std::size_t> frequencies_left(std::span<const double> freq,
     return kept;
 }
 
-/// Shortens dimension `axis` of an array to the kept indices, by way of the array `work`.
-void compact(std::string_view name, int axis, std::span<const std::size_t> kept,
-             std::string_view work) {
-    const ArrayRef from = find_array(name);
-    std::vector<std::int32_t> dims(from.dims.begin(), from.dims.end());
-    const auto a = static_cast<std::size_t>(axis) - 1;
-    const auto held = static_cast<std::size_t>(dims[a]);
-    std::size_t block = static_cast<std::size_t>(element_size(from.type)), outer = 1;
-    for (std::size_t i = 0; i < a; ++i)
-        block *= static_cast<std::size_t>(dims[i]);
-    for (std::size_t i = a + 1; i < dims.size(); ++i)
-        outer *= static_cast<std::size_t>(dims[i]);
-    dims[a] = static_cast<std::int32_t>(kept.size());
-    auto* to = static_cast<char*>(create_array(from.type, work, dims));
-    const char* source = static_cast<const char*>(from.data);
-    for (std::size_t o = 0; o < outer; ++o, source += held * block)
-        for (const std::size_t i : kept) {
-            std::memcpy(to, source + i * block, block);
-            to += block;
-        }
-    move_array(work, name);
-}
-
 /// Whether every result present holds as many frequencies as the wave list.
 bool results_match(int nfreq) {
     return std::ranges::all_of(frequency_results, [&](const FrequencyResult& result) {
@@ -177,10 +153,11 @@ bool results_match(int nfreq) {
 }
 
 void compact_all(std::span<const std::size_t> kept) {
-    compact(hyd_freq, 1, kept, "$hyd_freq");
-    compact(hyd_twnk, 1, kept, "$hyd_twnk");
+    select_frequencies(hyd_freq, 1, kept, "$hyd_freq");
+    select_frequencies(hyd_twnk, 1, kept, "$hyd_twnk");
     for (const auto& result : frequency_results)
-        if (array_exists(result.name)) compact(result.name, result.axis, kept, "$compact_array");
+        if (array_exists(result.name))
+            select_frequencies(result.name, result.axis, kept, "$compact_array");
 }
 
 void delete_frequencies() {

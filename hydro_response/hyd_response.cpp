@@ -5,7 +5,7 @@
 #include "hydro_response/hyd_response.hpp"
 
 #include "hydro_analysis/csolve.hpp"
-#include "hydro_analysis/hyd_anal_main.hpp"
+#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_analysis/hyd_reports.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "hydro_model/hyd_modes.hpp"

@@ -11,8 +11,6 @@
 
 namespace quelor {
 
-/// complex (nmode,nfreq,nbeta): generalised coordinates for unit wave amplitude.
-inline constexpr std::string_view hyd_gencor = ".hyd_gencor";
 /// complex (nmode,nmode) and (nmode): factors and solution of the last solve.
 inline constexpr std::string_view hyd_dynk = ".hyd_dynk";
 inline constexpr std::string_view hyd_rhs = ".hyd_rhs";

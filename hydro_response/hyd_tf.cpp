@@ -2,8 +2,8 @@
 // complex array of transfer functions and a text file.
 #include "hydro_response/hyd_tf.hpp"
 
+#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
-#include "hydro_response/hyd_response.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/utilities.hpp"
