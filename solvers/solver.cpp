@@ -18,110 +18,184 @@ constexpr int width = 8;  ///< lanes of a vector
 constexpr int groups = 2; ///< vectors of a block of columns
 constexpr int block = groups * width;
 
+/// by_processor_f(arguments...) is f<bytes>(arguments...) compiled for the processor, bytes those
+/// of its vector registers; GCC splits vectors wider than the processor's own badly, so they cannot
+/// be one clone's.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+#define QUELOR_BY_PROCESSOR(f)                                                                     \
+    template <class... A> [[gnu::target("arch=x86-64-v4")]] void f##_v4(A&&... arguments) {        \
+        f<32>(arguments...);                                                                       \
+    }                                                                                              \
+    template <class... A> [[gnu::target("arch=x86-64-v3")]] void f##_v3(A&&... arguments) {        \
+        f<32>(arguments...);                                                                       \
+    }                                                                                              \
+    template <class... A> void by_processor_##f(A&&... arguments) {                                \
+        if (__builtin_cpu_supports("x86-64-v4")) return f##_v4(arguments...);                      \
+        if (__builtin_cpu_supports("x86-64-v3")) return f##_v3(arguments...);                      \
+        f<16>(arguments...);                                                                       \
+    }
+#else
+#define QUELOR_BY_PROCESSOR(f)                                                                     \
+    template <class... A> void by_processor_##f(A&&... arguments) {                                \
+        f<16>(arguments...);                                                                       \
+    }
+#endif
+
 // --- numbers side by side ------------------------------------------------------------------------
 
-// No more alignment than memory has that knows nothing of the vectors of the clones.
-template <int W> struct VectorOf {
-    typedef double type __attribute__((vector_size(8 * W), aligned(16)));
+/// W real or complex numbers of one row in memory, real parts first: one right-hand side or column
+/// in each lane.
+template <class T, int W> struct alignas(8 * W) Row {
+    static constexpr bool complex = std::is_same_v<T, Complex8>;
+    double part[complex ? 2 : 1][W]{};
+
+    T get(int k) const {
+        if constexpr (complex)
+            return {part[0][k], part[1][k]};
+        else
+            return part[0][k];
+    }
+    void set(int k, T value) {
+        if constexpr (complex) {
+            part[0][k] = value.real();
+            part[1][k] = value.imag();
+        } else {
+            part[0][k] = value;
+        }
+    }
 };
-template <> struct VectorOf<1> { using type = double; };
-template <int W> using Vector = typename VectorOf<W>::type;
 
-/// W real or complex numbers: one right-hand side or column in each lane.
-template <class T, int W> struct Lanes { Vector<W> v{}; };
-template <int W> struct Lanes<Complex8, W> { Vector<W> re{}, im{}; };
+/// A vector register of so many bytes; 8 is a single number.
+template <int bytes> struct VectorOf {
+    typedef double type __attribute__((vector_size(bytes), aligned(16), may_alias));
+};
+template <> struct VectorOf<8> { using type = double; };
+template <int bytes> using Vector = typename VectorOf<bytes>::type;
 
-template <int W>
-QUELOR_INLINE void set_product(Lanes<double, W>& y, double a, const Lanes<double, W>& x) {
-    y.v = a * x.v;
+template <int bytes> QUELOR_INLINE void load(Vector<bytes>& v, const double* x) {
+    v = *reinterpret_cast<const Vector<bytes>*>(x);
 }
-// The real part as a sum: see SmithDivisor.
-template <int W>
-QUELOR_INLINE void set_product(Lanes<Complex8, W>& y, Complex8 a, const Lanes<Complex8, W>& x) {
-    const double re = a.real(), im = a.imag(), minus_im = -im;
-    const Vector<W> real = re * x.re + minus_im * x.im;
-    y.im = re * x.im + im * x.re;
-    y.re = real;
-}
-template <int W> QUELOR_INLINE void subtract(Lanes<double, W>& x, const Lanes<double, W>& y) {
-    x.v -= y.v;
-}
-template <int W> QUELOR_INLINE void subtract(Lanes<Complex8, W>& x, const Lanes<Complex8, W>& y) {
-    x.re -= y.re;
-    x.im -= y.im;
-}
-template <int W> QUELOR_INLINE void add(Lanes<double, W>& x, const Lanes<double, W>& y) {
-    x.v += y.v;
-}
-template <int W> QUELOR_INLINE void add(Lanes<Complex8, W>& x, const Lanes<Complex8, W>& y) {
-    x.re += y.re;
-    x.im += y.im;
-}
-/// sum += a x, and y -= a x
-template <class T, int W>
-QUELOR_INLINE void add_product(Lanes<T, W>& sum, T a, const Lanes<T, W>& x) {
-    Lanes<T, W> product;
-    set_product(product, a, x);
-    add(sum, product);
-}
-template <class T, int W>
-QUELOR_INLINE void subtract_product(Lanes<T, W>& y, T a, const Lanes<T, W>& x) {
-    Lanes<T, W> product;
-    set_product(product, a, x);
-    subtract(y, product);
-}
-template <int W> QUELOR_INLINE void divide(Lanes<double, W>& x, double d) {
-    x.v /= d;
-}
-template <int W> QUELOR_INLINE void divide(Lanes<Complex8, W>& x, Complex8 d) {
-    SmithDivisor(d).divide_parts(x);
-}
-/// sum += x y lane by lane
-template <int W>
-QUELOR_INLINE void add_lane_product(Lanes<double, W>& sum, const Lanes<double, W>& x,
-                                    const Lanes<double, W>& y) {
-    sum.v += x.v * y.v;
-}
-template <int W>
-QUELOR_INLINE void add_lane_product(Lanes<Complex8, W>& sum, const Lanes<Complex8, W>& x,
-                                    const Lanes<Complex8, W>& y) {
-    sum.re += x.re * y.re + -x.im * y.im;
-    sum.im += x.re * y.im + x.im * y.re;
-}
-/// sum stays 0 as long as all numbers are finite
-template <int W> QUELOR_INLINE void note_finite(Vector<W>& sum, const Lanes<double, W>& x) {
-    sum += x.v * 0.0;
-}
-template <int W> QUELOR_INLINE void note_finite(Vector<W>& sum, const Lanes<Complex8, W>& x) {
-    sum += x.re * 0.0 + x.im * 0.0;
+template <int bytes> QUELOR_INLINE void store(double* x, const Vector<bytes>& v) {
+    *reinterpret_cast<Vector<bytes>*>(x) = v;
 }
 
-// Lane k of vectors in memory; a lane is never read from a register.
-inline double lane(const Lanes<double, width>& x, int k) {
-    return x.v[k];
+/// The numbers of a row in registers of B bytes.
+template <class T, int W, int B> struct Lanes {
+    static constexpr int count = 8 * W / B, step = B / 8;
+    using V = Vector<B>;
+    V re[count]{};
+
+    Lanes() = default;
+    QUELOR_INLINE explicit Lanes(const Row<T, W>& row) {
+        for (int k = 0; k < count; ++k)
+            load<B>(re[k], row.part[0] + k * step);
+    }
+    QUELOR_INLINE void store_to(Row<T, W>& row) const {
+        for (int k = 0; k < count; ++k)
+            store<B>(row.part[0] + k * step, re[k]);
+    }
+    QUELOR_INLINE void set_product(T a, const Lanes& x) {
+        for (int k = 0; k < count; ++k)
+            re[k] = a * x.re[k];
+    }
+    /// *this += x y, lane by lane
+    QUELOR_INLINE void add_lane_product(const Lanes& x, const Lanes& y) {
+        for (int k = 0; k < count; ++k)
+            re[k] += x.re[k] * y.re[k];
+    }
+    QUELOR_INLINE void add(const Lanes& x) {
+        for (int k = 0; k < count; ++k)
+            re[k] += x.re[k];
+    }
+    QUELOR_INLINE void subtract(const Lanes& x) {
+        for (int k = 0; k < count; ++k)
+            re[k] -= x.re[k];
+    }
+    QUELOR_INLINE void divide(T d) {
+        for (int k = 0; k < count; ++k)
+            re[k] /= d;
+    }
+    /// sum stays 0 as long as all numbers are finite.
+    QUELOR_INLINE void note_finite(V& sum) const {
+        for (int k = 0; k < count; ++k)
+            sum += re[k] * 0.0;
+    }
+};
+
+// Real parts of products as sums: see SmithDivisor.
+template <int W, int B> struct Lanes<Complex8, W, B> {
+    static constexpr int count = 8 * W / B, step = B / 8;
+    using V = Vector<B>;
+    V re[count]{}, im[count]{};
+
+    Lanes() = default;
+    QUELOR_INLINE explicit Lanes(const Row<Complex8, W>& row) {
+        for (int k = 0; k < count; ++k) {
+            load<B>(re[k], row.part[0] + k * step);
+            load<B>(im[k], row.part[1] + k * step);
+        }
+    }
+    QUELOR_INLINE void store_to(Row<Complex8, W>& row) const {
+        for (int k = 0; k < count; ++k) {
+            store<B>(row.part[0] + k * step, re[k]);
+            store<B>(row.part[1] + k * step, im[k]);
+        }
+    }
+    QUELOR_INLINE void set_product(Complex8 a, const Lanes& x) {
+        const double c = a.real(), d = a.imag();
+        for (int k = 0; k < count; ++k) {
+            re[k] = c * x.re[k] + d * -x.im[k];
+            im[k] = c * x.im[k] + d * x.re[k];
+        }
+    }
+    QUELOR_INLINE void add_lane_product(const Lanes& x, const Lanes& y) {
+        for (int k = 0; k < count; ++k) {
+            re[k] += x.re[k] * y.re[k] + x.im[k] * -y.im[k];
+            im[k] += x.re[k] * y.im[k] + x.im[k] * y.re[k];
+        }
+    }
+    QUELOR_INLINE void add(const Lanes& x) {
+        for (int k = 0; k < count; ++k) {
+            re[k] += x.re[k];
+            im[k] += x.im[k];
+        }
+    }
+    QUELOR_INLINE void subtract(const Lanes& x) {
+        for (int k = 0; k < count; ++k) {
+            re[k] -= x.re[k];
+            im[k] -= x.im[k];
+        }
+    }
+    QUELOR_INLINE void divide(Complex8 d) {
+        const SmithDivisor divisor(d);
+        for (int k = 0; k < count; ++k) {
+            struct {
+                V re, im;
+            } z{re[k], im[k]};
+            divisor.divide_parts(z);
+            re[k] = z.re;
+            im[k] = z.im;
+        }
+    }
+    QUELOR_INLINE void note_finite(V& sum) const {
+        for (int k = 0; k < count; ++k)
+            sum += re[k] * 0.0 + im[k] * 0.0;
+    }
+};
+
+/// y += a x, and y -= a x
+template <class T, class L> QUELOR_INLINE void add_product(L& y, T a, const L& x) {
+    L product;
+    product.set_product(a, x);
+    y.add(product);
 }
-inline Complex8 lane(const Lanes<Complex8, width>& x, int k) {
-    return {x.re[k], x.im[k]};
+template <class T, class L> QUELOR_INLINE void subtract_product(L& y, T a, const L& x) {
+    L product;
+    product.set_product(a, x);
+    y.subtract(product);
 }
-inline double lane(const Lanes<double, 1>& x, int) {
-    return x.v;
-}
-inline Complex8 lane(const Lanes<Complex8, 1>& x, int) {
-    return {x.re, x.im};
-}
-inline void set_lane(Lanes<double, width>& x, int k, double value) {
-    x.v[k] = value;
-}
-inline void set_lane(Lanes<Complex8, width>& x, int k, Complex8 value) {
-    x.re[k] = value.real();
-    x.im[k] = value.imag();
-}
-inline void set_lane(Lanes<double, 1>& x, int, double value) {
-    x.v = value;
-}
-inline void set_lane(Lanes<Complex8, 1>& x, int, Complex8 value) {
-    x.re = value.real();
-    x.im = value.imag();
+template <int B, class T, int W> QUELOR_INLINE Lanes<T, W, B> lanes(const Row<T, W>& row) {
+    return Lanes<T, W, B>(row);
 }
 
 // --- the matrix ----------------------------------------------------------------------------------
@@ -144,49 +218,46 @@ template <class T> Profile<T> profile_of(std::span<T> a, Loc loc) {
 
 /// The sums of `count` columns of the matrix, first to first + count - 1, over the rows low to
 /// high - 1: sum[q] = sum of A(r, first + q) u(r), r ascending from the column's top or low.
-/// u(r) are vectors, u[0] for row low. No column of the tile may end above row high - 1.
-template <int count, class T, int W>
+/// u(r) are rows of lanes, u[0] for row low. No column of the tile may end above row high - 1.
+template <int B, int count, class T, int W>
 QUELOR_INLINE void tile_sums(const Profile<const T>& m, int first, int low, int high,
-                             const Lanes<T, W>* u, Lanes<T, W>* sum) {
+                             const Row<T, W>* u, Row<T, W>* sum) {
     int common = low;
-#pragma GCC unroll 4
     for (int q = 0; q < count; ++q)
         common = std::max(common, m.top(first + q));
     common = std::min(common, high);
     const T* column[count];
+    Lanes<T, W, B> total[count];
 #pragma GCC unroll 4
     for (int q = 0; q < count; ++q) {
         column[q] = m.column(first + q);
-        Lanes<T, W> head;
         for (int r = std::max(low, m.top(first + q)); r < common; ++r)
-            add_product(head, column[q][-r], u[r - low]);
-        sum[q] = head;
+            add_product(total[q], column[q][-r], lanes<B>(u[r - low]));
     }
-    Lanes<T, W> total[count];
-#pragma GCC unroll 4
-    for (int q = 0; q < count; ++q)
-        total[q] = sum[q];
     for (int r = common; r < high; ++r) {
+        const auto x = lanes<B>(u[r - low]);
 #pragma GCC unroll 4
         for (int q = 0; q < count; ++q)
-            add_product(total[q], column[q][-r], u[r - low]);
+            add_product(total[q], column[q][-r], x);
     }
 #pragma GCC unroll 4
     for (int q = 0; q < count; ++q)
-        sum[q] = total[q];
+        total[q].store_to(sum[q]);
 }
 
 /// u(i) -= sum of A(r, i) u(r), r = max(top(i), low)..i - 1, for `count` rows i from `first` on.
-template <int count, class T, int W>
-QUELOR_INLINE void reduce_tile(const Profile<const T>& m, int first, int low, Lanes<T, W>* u) {
-    Lanes<T, W> sum[count];
-    tile_sums<count>(m, first, low, first, u, sum);
+template <int B, int count, class T, int W>
+QUELOR_INLINE void reduce_tile(const Profile<const T>& m, int first, int low, Row<T, W>* u) {
+    Row<T, W> sum[count];
+    tile_sums<B, count>(m, first, low, first, u, sum);
     for (int i = first; i < first + count; ++i) {
         const T* const column = m.column(i);
-        Lanes<T, W> total = sum[i - first];
+        auto total = lanes<B>(sum[i - first]);
         for (int r = std::max(first, m.top(i)); r < i; ++r)
-            add_product(total, column[-r], u[r - low]);
-        subtract(u[i - low], total);
+            add_product(total, column[-r], lanes<B>(u[r - low]));
+        auto x = lanes<B>(u[i - low]);
+        x.subtract(total);
+        x.store_to(u[i - low]);
     }
 }
 
@@ -197,69 +268,57 @@ QUELOR_INLINE void reduce_tile(const Profile<const T>& m, int first, int low, La
 template <class T> struct Block {
     int first, count, low; ///< columns first to first + count - 1, reaching up to row low
     std::ptrdiff_t rows;   ///< first - low
-    Lanes<T, width>* u;    ///< elements before they are divided by the pivots
-    Lanes<T, width>* t;    ///< after it: rows of L^T
-    Lanes<T, width> acc[groups], sums[block][groups];
+    Row<T, width>* u;      ///< elements before they are divided by the pivots
+    Row<T, width>* t;      ///< after it: rows of L^T
+    Row<T, width> acc[groups], sums[block][groups];
+    bool finite; ///< all quotients are finite
 };
 
 /// Reduces the block's elements above row `first`, divides them by the pivots, and adds up t u.
-/// False when a quotient is not finite.
-template <class T> QUELOR_INLINE bool reduce_block(const Profile<const T>& m, Block<T>& b) {
+template <int B, class T> QUELOR_INLINE void reduce_block(const Profile<const T>& m, Block<T>& b) {
     int i = b.low;
     for (; i + tile <= b.first; i += tile)
         for (int g = 0; g < groups; ++g)
-            reduce_tile<tile>(m, i, b.low, b.u + g * b.rows);
+            reduce_tile<B, tile>(m, i, b.low, b.u + g * b.rows);
     for (; i < b.first; ++i)
         for (int g = 0; g < groups; ++g)
-            reduce_tile<1>(m, i, b.low, b.u + g * b.rows);
-    Vector<width> unfinite{};
+            reduce_tile<B, 1>(m, i, b.low, b.u + g * b.rows);
+    double unfinite[B / 8] = {};
     for (int g = 0; g < groups; ++g) {
-        Lanes<T, width> acc;
-        for (int r = b.low; r < b.first; ++r) {
-            const Lanes<T, width> u = b.u[g * b.rows + r - b.low];
-            Lanes<T, width> t = u;
-            divide(t, m.diagonal(r));
-            add_lane_product(acc, t, u);
-            note_finite<width>(unfinite, t);
-            b.t[g * b.rows + r - b.low] = t;
+        Lanes<T, width, B> acc;
+        Vector<B> sum;
+        load<B>(sum, unfinite);
+        for (std::ptrdiff_t r = 0; r < b.rows; ++r) {
+            const auto u = lanes<B>(b.u[g * b.rows + r]);
+            auto t = u;
+            t.divide(m.diagonal(b.low + static_cast<int>(r)));
+            acc.add_lane_product(t, u);
+            t.note_finite(sum);
+            t.store_to(b.t[g * b.rows + r]);
         }
-        b.acc[g] = acc;
+        acc.store_to(b.acc[g]);
+        store<B>(unfinite, sum);
     }
-    double sum = 0;
-    for (int k = 0; k < width; ++k)
-        sum += unfinite[k];
-    return sum == 0;
+    b.finite = std::ranges::all_of(unfinite, [](double x) { return x == 0; });
 }
 
 /// sums(i, j) of the block's own rows i over the rows above it; its columns hold L^T there.
-template <class T> QUELOR_INLINE void sum_block(const Profile<const T>& m, Block<T>& b) {
-    for (int q = 0; q < b.count; q += tile) {
-        for (int g = 0; g < groups; ++g) {
-            Lanes<T, width> sum[tile];
-            if (q + tile <= b.count) {
-                tile_sums<tile>(m, b.first + q, b.low, b.first, b.u + g * b.rows, sum);
-            } else {
-                for (int k = q; k < b.count; ++k)
-                    tile_sums<1>(m, b.first + k, b.low, b.first, b.u + g * b.rows, sum + k - q);
-            }
-            for (int k = q; k < std::min(q + tile, b.count); ++k)
-                b.sums[k][g] = sum[k - q];
+template <int B, class T> QUELOR_INLINE void sum_block(const Profile<const T>& m, Block<T>& b) {
+    for (int g = 0; g < groups; ++g) {
+        int k = 0;
+        Row<T, width> sum[tile];
+        for (; k + tile <= b.count; k += tile) {
+            tile_sums<B, tile>(m, b.first + k, b.low, b.first, b.u + g * b.rows, sum);
+            for (int q = 0; q < tile; ++q)
+                b.sums[k + q][g] = sum[q];
         }
+        for (; k < b.count; ++k)
+            tile_sums<B, 1>(m, b.first + k, b.low, b.first, b.u + g * b.rows, &b.sums[k][g]);
     }
 }
 
-QUELOR_CLONES bool reduce_block_of(const Profile<const double>& m, Block<double>& b) {
-    return reduce_block(m, b);
-}
-QUELOR_CLONES bool reduce_block_of(const Profile<const Complex8>& m, Block<Complex8>& b) {
-    return reduce_block(m, b);
-}
-QUELOR_CLONES void sum_block_of(const Profile<const double>& m, Block<double>& b) {
-    sum_block(m, b);
-}
-QUELOR_CLONES void sum_block_of(const Profile<const Complex8>& m, Block<Complex8>& b) {
-    sum_block(m, b);
-}
+QUELOR_BY_PROCESSOR(reduce_block)
+QUELOR_BY_PROCESSOR(sum_block)
 
 /// Calls action(element, place of its vector, lane) for the stored elements above the block.
 template <class T, class Action>
@@ -346,9 +405,9 @@ bool finish_block(const Profile<T>& m, const Block<T>& b, int digits, ProfileSta
     for (int k = 0; k < b.count; ++k) {
         const int j = b.first + k;
         if (j == 1) continue;
-        const auto sum_of = [&](int i) { return lane(b.sums[i - b.first][k / width], k % width); };
+        const auto sum_of = [&](int i) { return b.sums[i - b.first][k / width].get(k % width); };
         const T old = m.diagonal(j);
-        const T pivot = finish_column(m, j, b.first, sum_of, lane(b.acc[k / width], k % width));
+        const T pivot = finish_column(m, j, b.first, sum_of, b.acc[k / width].get(k % width));
         if (!test_pivot(old, pivot, j, digits, status)) return false;
     }
     return true;
@@ -370,7 +429,7 @@ template <class T> ProfileStatus factor(const Profile<T>& m, int digits) {
         const int count = std::min(block, m.n - first + 1);
         highest = std::max(highest, first - highest_row(m, first, count));
     }
-    std::vector<Lanes<T, width>> u(static_cast<std::size_t>(highest) * groups), t(u.size());
+    std::vector<Row<T, width>> u(static_cast<std::size_t>(highest) * groups), t(u.size());
     for (int first = 1; first <= m.n; first += block) {
         Block<T> b{.first = first,
                    .count = std::min(block, m.n - first + 1),
@@ -379,20 +438,22 @@ template <class T> ProfileStatus factor(const Profile<T>& m, int digits) {
                    .u = u.data(),
                    .t = t.data(),
                    .acc = {},
-                   .sums = {}};
+                   .sums = {},
+                   .finite = true};
         b.low = highest_row(m, first, b.count);
         b.rows = first - b.low;
-        std::fill_n(b.u, b.rows * groups, Lanes<T, width>{});
+        std::fill_n(b.u, b.rows * groups, Row<T, width>{});
         for_stored(view, b, [&](const T& element, std::ptrdiff_t place, int k) {
-            set_lane(b.u[place], k, element);
+            b.u[place].set(k, element);
         });
-        if (!reduce_block_of(view, b)) {
+        by_processor_reduce_block(view, b);
+        if (!b.finite) {
             factor_plainly(m, first, digits, status);
             return status;
         }
         for_stored(m, b,
-                   [&](T& element, std::ptrdiff_t place, int k) { element = lane(b.t[place], k); });
-        sum_block_of(view, b);
+                   [&](T& element, std::ptrdiff_t place, int k) { element = b.t[place].get(k); });
+        by_processor_sum_block(view, b);
         if (!finish_block(m, b, digits, status)) return status;
     }
     return status;
@@ -400,137 +461,156 @@ template <class T> ProfileStatus factor(const Profile<T>& m, int digits) {
 
 // --- solution and product ------------------------------------------------------------------------
 
-template <class T, int W> QUELOR_INLINE void forward(const Profile<const T>& m, Lanes<T, W>* u) {
+template <int B, class T, int W>
+QUELOR_INLINE void forward(const Profile<const T>& m, Row<T, W>* u) {
     int i = 1;
     for (; i + tile <= m.n + 1; i += tile)
-        reduce_tile<tile>(m, i, 1, u);
+        reduce_tile<B, tile>(m, i, 1, u);
     for (; i <= m.n; ++i)
-        reduce_tile<1>(m, i, 1, u);
+        reduce_tile<B, 1>(m, i, 1, u);
+}
+
+/// y += a x or y -= a x on a row in memory
+template <class T, class L, int W> QUELOR_INLINE void add_to_row(Row<T, W>& row, T a, const L& x) {
+    L y(row);
+    add_product(y, a, x);
+    y.store_to(row);
+}
+template <class T, class L, int W>
+QUELOR_INLINE void subtract_from_row(Row<T, W>& row, T a, const L& x) {
+    L y(row);
+    subtract_product(y, a, x);
+    y.store_to(row);
 }
 
 /// u(i) -= u(j) A(i, j), i = top(j)..j - 1, for the columns j = last down to last - count + 1.
-template <int count, class T, int W>
-QUELOR_INLINE void backward_tile(const Profile<const T>& m, int last, Lanes<T, W>* __restrict u) {
+template <int B, int count, class T, int W>
+QUELOR_INLINE void backward_tile(const Profile<const T>& m, int last, Row<T, W>* __restrict u) {
     const int low = last - count + 1;
     int common = 1;
     for (int j = last; j >= low; --j) {
         common = std::max(common, m.top(j));
         for (int i = std::max(m.top(j), low); i < j; ++i)
-            subtract_product(u[i - 1], m.column(j)[-i], u[j - 1]);
+            subtract_from_row(u[i - 1], m.column(j)[-i], lanes<B>(u[j - 1]));
     }
     common = std::min(common, low);
     const T* column[count];
-    Lanes<T, W> x[count];
+    Lanes<T, W, B> x[count];
 #pragma GCC unroll 4
     for (int q = 0; q < count; ++q) {
         column[q] = m.column(last - q);
-        x[q] = u[last - q - 1];
+        x[q] = lanes<B>(u[last - q - 1]);
         for (int i = m.top(last - q); i < common; ++i)
-            subtract_product(u[i - 1], column[q][-i], x[q]);
+            subtract_from_row(u[i - 1], column[q][-i], x[q]);
     }
     for (int i = common; i < low; ++i) {
-        Lanes<T, W> y = u[i - 1];
+        auto y = lanes<B>(u[i - 1]);
 #pragma GCC unroll 4
         for (int q = 0; q < count; ++q)
             subtract_product(y, column[q][-i], x[q]);
-        u[i - 1] = y;
+        y.store_to(u[i - 1]);
     }
 }
 
-template <class T, int W> QUELOR_INLINE void backward(const Profile<const T>& m, Lanes<T, W>* u) {
-    for (int i = 1; i <= m.n; ++i)
-        divide(u[i - 1], m.diagonal(i));
+template <int B, class T, int W>
+QUELOR_INLINE void backward(const Profile<const T>& m, Row<T, W>* u) {
+    for (int i = 1; i <= m.n; ++i) {
+        auto x = lanes<B>(u[i - 1]);
+        x.divide(m.diagonal(i));
+        x.store_to(u[i - 1]);
+    }
     int j = m.n;
     for (; j >= tile; j -= tile)
-        backward_tile<tile>(m, j, u);
+        backward_tile<B, tile>(m, j, u);
     for (; j >= 1; --j)
-        backward_tile<1>(m, j, u);
+        backward_tile<B, 1>(m, j, u);
 }
 
 /// Both products of `count` columns from `first` on: c(j) += the column times b, and the rows above
 /// the diagonal c(i) += A(i, j) b(j).
-template <int count, class T, int W>
-QUELOR_INLINE void multiply_tile(const Profile<const T>& m, int first, const Lanes<T, W>* b,
-                                 Lanes<T, W>* __restrict c) {
+template <int B, int count, class T, int W>
+QUELOR_INLINE void multiply_tile(const Profile<const T>& m, int first, const Row<T, W>* b,
+                                 Row<T, W>* __restrict c) {
     int common = 1;
-#pragma GCC unroll 4
     for (int q = 0; q < count; ++q)
         common = std::max(common, m.top(first + q));
     common = std::min(common, first);
     const T* column[count];
-    Lanes<T, W> dot[count], x[count];
+    Lanes<T, W, B> dot[count], x[count];
 #pragma GCC unroll 4
     for (int q = 0; q < count; ++q) {
         column[q] = m.column(first + q);
-        x[q] = b[first + q - 1];
+        x[q] = lanes<B>(b[first + q - 1]);
         for (int i = m.top(first + q); i < common; ++i) {
-            add_product(dot[q], column[q][-i], b[i - 1]);
-            add_product(c[i - 1], column[q][-i], x[q]);
+            add_product(dot[q], column[q][-i], lanes<B>(b[i - 1]));
+            add_to_row(c[i - 1], column[q][-i], x[q]);
         }
     }
     for (int i = common; i < first; ++i) {
-        Lanes<T, W> y = c[i - 1];
+        auto y = lanes<B>(c[i - 1]);
+        const auto z = lanes<B>(b[i - 1]);
 #pragma GCC unroll 4
         for (int q = 0; q < count; ++q) {
-            add_product(dot[q], column[q][-i], b[i - 1]);
+            add_product(dot[q], column[q][-i], z);
             add_product(y, column[q][-i], x[q]);
         }
-        c[i - 1] = y;
+        y.store_to(c[i - 1]);
     }
 #pragma GCC unroll 4
     for (int q = 0; q < count; ++q) {
         const int j = first + q, top = std::max(m.top(j), first);
         for (int i = top; i <= j; ++i)
-            add_product(dot[q], column[q][-i], b[i - 1]);
-        add(c[j - 1], dot[q]);
+            add_product(dot[q], column[q][-i], lanes<B>(b[i - 1]));
+        auto y = lanes<B>(c[j - 1]);
+        y.add(dot[q]);
+        y.store_to(c[j - 1]);
         for (int i = top; i < j; ++i)
-            add_product(c[i - 1], column[q][-i], x[q]);
+            add_to_row(c[i - 1], column[q][-i], x[q]);
     }
 }
 
-template <class T, int W>
-QUELOR_INLINE void multiply(const Profile<const T>& m, const Lanes<T, W>* b, Lanes<T, W>* c) {
-    set_product(c[0], m.diagonal(1), b[0]);
+template <int B, class T, int W>
+QUELOR_INLINE void multiply(const Profile<const T>& m, const Row<T, W>* b, Row<T, W>* c) {
+    Lanes<T, W, B> first;
+    first.set_product(m.diagonal(1), lanes<B>(b[0]));
+    first.store_to(c[0]);
     int j = 2;
     for (; j + tile <= m.n + 1; j += tile)
-        multiply_tile<tile>(m, j, b, c);
+        multiply_tile<B, tile>(m, j, b, c);
     for (; j <= m.n; ++j)
-        multiply_tile<1>(m, j, b, c);
+        multiply_tile<B, 1>(m, j, b, c);
 }
 
-template <class T, int W>
-QUELOR_INLINE void solve_lanes(const Profile<const T>& m, Lanes<T, W>* u, ProfileMode mode) {
-    if (mode != ProfileMode::backward) forward(m, u);
-    if (mode != ProfileMode::forward) backward(m, u);
+/// Registers for W lanes on a processor whose vectors have so many bytes.
+template <class R> constexpr int bytes_of_lanes(int bytes) {
+    return sizeof(R::part[0]) == 8 ? 8 : bytes;
 }
-
-#define QUELOR_LANE_ROUTINES(T, W)                                                                 \
-    QUELOR_CLONES void solve_of(const Profile<const T>& m, Lanes<T, W>* u, ProfileMode mode) {     \
-        solve_lanes(m, u, mode);                                                                   \
-    }                                                                                              \
-    QUELOR_CLONES void multiply_of(const Profile<const T>& m, const Lanes<T, W>* b,                \
-                                   Lanes<T, W>* c) {                                               \
-        multiply(m, b, c);                                                                         \
-    }
-QUELOR_LANE_ROUTINES(double, 1)
-QUELOR_LANE_ROUTINES(double, width)
-QUELOR_LANE_ROUTINES(Complex8, 1)
-QUELOR_LANE_ROUTINES(Complex8, width)
-#undef QUELOR_LANE_ROUTINES
+template <int bytes, class T, class R>
+QUELOR_INLINE void solve_rows(const Profile<const T>& m, R* u, ProfileMode mode) {
+    constexpr int B = bytes_of_lanes<R>(bytes);
+    if (mode != ProfileMode::backward) forward<B>(m, u);
+    if (mode != ProfileMode::forward) backward<B>(m, u);
+}
+template <int bytes, class T, class R>
+QUELOR_INLINE void multiply_rows(const Profile<const T>& m, const R* b, R* c) {
+    multiply<bytes_of_lanes<R>(bytes)>(m, b, c);
+}
+QUELOR_BY_PROCESSOR(solve_rows)
+QUELOR_BY_PROCESSOR(multiply_rows)
 
 /// Columns first to first + count - 1 of a matrix, row by row side by side.
 template <class T, int W>
-void pack(Matrix<const T> b, int first, int count, std::vector<Lanes<T, W>>& u) {
+void pack(Matrix<const T> b, int first, int count, std::vector<Row<T, W>>& u) {
     u.assign(static_cast<std::size_t>(b.rows), {});
     for (int k = 0; k < count; ++k)
         for (int i = 1; i <= b.rows; ++i)
-            set_lane(u[static_cast<std::size_t>(i - 1)], k, b(i, first + k));
+            u[static_cast<std::size_t>(i - 1)].set(k, b(i, first + k));
 }
 template <class T, int W>
-void unpack(const std::vector<Lanes<T, W>>& u, Matrix<T> b, int first, int count) {
+void unpack(const std::vector<Row<T, W>>& u, Matrix<T> b, int first, int count) {
     for (int k = 0; k < count; ++k)
         for (int i = 1; i <= b.rows; ++i)
-            b(i, first + k) = lane(u[static_cast<std::size_t>(i - 1)], k);
+            b(i, first + k) = u[static_cast<std::size_t>(i - 1)].get(k);
 }
 
 /// Calls action(first column, number of columns, lanes) for groups of columns; a single one runs
@@ -547,20 +627,20 @@ template <class Action> void for_groups(int cols, Action action) {
 
 template <class T> void solve(std::span<const T> a, Matrix<T> b, Loc loc, ProfileMode mode) {
     const auto m = profile_of(a, loc);
-    for_groups(b.cols, [&](int first, auto lanes, int count) {
-        std::vector<Lanes<T, decltype(lanes)::value>> u;
+    for_groups(b.cols, [&](int first, auto lane_count, int count) {
+        std::vector<Row<T, decltype(lane_count)::value>> u;
         pack(Matrix<const T>(b), first, count, u);
-        solve_of(m, u.data(), mode);
+        by_processor_solve_rows(m, u.data(), mode);
         unpack(u, b, first, count);
     });
 }
 
 template <class T> void product(std::span<const T> a, Matrix<const T> b, Matrix<T> c, Loc loc) {
     const auto m = profile_of(a, loc);
-    for_groups(b.cols, [&](int first, auto lanes, int count) {
-        std::vector<Lanes<T, decltype(lanes)::value>> u, v(static_cast<std::size_t>(b.rows));
+    for_groups(b.cols, [&](int first, auto lane_count, int count) {
+        std::vector<Row<T, decltype(lane_count)::value>> u, v(static_cast<std::size_t>(b.rows));
         pack(b, first, count, u);
-        multiply_of(m, u.data(), v.data());
+        by_processor_multiply_rows(m, u.data(), v.data());
         unpack(v, c, first, count);
     });
 }
