@@ -2,6 +2,7 @@
 // matrix. Reads `.xyz`, `.#nodes`, `.node_active`; writes `.elem_grp`, `.fem_error`.
 #include "fem/elemutil.hpp"
 
+#include "fem/assembly.hpp"
 #include "fem/nodes.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
@@ -52,6 +53,7 @@ void elem_call(Request request, int source) {
         if (source == 1) own.modifier1 = code;
         call_element(slot, own);
     }
+    if (source == 0 && task_of(request) == Task::column_heights) constraint_column_heights();
 }
 
 static void cmd_elem_grp(std::string_view) {

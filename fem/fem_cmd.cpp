@@ -1,25 +1,24 @@
 // The table of the finite-element commands.
 
 #include "fem/bcid.hpp"
+#include "fem/constraint.hpp"
 #include "fem/elemutil.hpp"
+#include "fem/eqns.hpp"
 #include "fem/nodes.hpp"
 
 namespace quelor {
 
 /// One line a family of rows.
 static constexpr std::initializer_list<Family> families = {
-    nodes_rows,
-    bcid_rows,
-    elemutil_rows,
+    nodes_rows, bcid_rows, elemutil_rows, eqns_rows, constraint_rows,
 };
 
 /// Words whose commands are not built yet, by family.
 // clang-format off
 static constexpr std::string_view planned[] = {
-    "node_order", "num_eqs", "peqs", "peqns", "eq_direction",
+    "eq_direction",
     "form_k", "formk", "form_m", "formm", "form_c", "formc", "form_lagrangeG", "form_G", "mass_summary",
     "check_diag",
-    "nodal_constraint",
     "state", "pstate", "response", "presponse", "presp", "node_str",
     "nodef", "pnodef", "load_summary", "nodal_pressure", "conc_deck_loads", "distr_deck_loads", "pdeck_loads",
     "current_velocity", "pcurrentvelocity", "cp_tables", "mass", "pmass", "dampers", "pdampers",

@@ -23,13 +23,14 @@ PATTERNS = (
     ("table", "kernel/quelorzt.cpp kernel/main_loop.* kernel/quelorzt_cmd.cpp kernel/util_cmd.cpp"
               " kernel/db_cmd.cpp kernel/loop_cmd.cpp matrix/mat_cmd.cpp matrix/func_cmd.cpp"
               " matrix/misc_cmd.cpp fem/fem_cmd.cpp fem/fe_elm_cmd.cpp elements/element_table.cpp"),
-    ("numeric kernel", "kernel/types.hpp fem/vectors.hpp fem/point_index.hpp green/*"
+    ("numeric kernel", "kernel/types.hpp fem/vectors.hpp fem/point_index.hpp fem/node_ordering.* green/*"
                        " hydro_model/waven.* hydro_model/hydrostatics.* hydro_model/panel_motion.*"
                        " hydro_model/hyd_panel_geometry.* hydro_analysis/coefficients.*"
                        " hydro_analysis/csolve.* hydro_analysis/incoming_wave.*"
                        " hydro_analysis/solve2.* hydro_analysis/symmetry.hpp solvers/lapack.hpp solvers/solver.*"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
-    ("service", "kernel/* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"),
+    ("service", "kernel/* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"
+                " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.*"),
 )
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
