@@ -7,6 +7,7 @@
 // `.grnfun`.
 #include "hydro_analysis/hyd_anal_main.hpp"
 
+#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_analysis/hyd_anal1.hpp"
 #include "hydro_analysis/hyd_merge.hpp"
 #include "hydro_analysis/hyd_reports.hpp"
@@ -64,7 +65,7 @@ std::vector<double> read_added_frequencies(const AnalysisOptions& options) {
     std::vector<double> values(static_cast<std::size_t>(std::max(options.added, 0)));
     if (values.empty()) return values;
     read_real_record(
-        options.periods ? "Enter wave periods (sec)" : "Enter wave frequencies, rad/sec", values);
+        options.periods ? "Enter wave periods (sec)\n" : "Enter wave frequencies, rad/sec\n", values);
     for (double& v : values) {
         if (!(v > 0) || !std::isfinite(v)) {
             print_both(" \n\tPeriods and frequencies must be greater than 0\n");
@@ -131,6 +132,9 @@ void run_analysis(const HydModel& model, const AnalysisOptions& options, int fir
     close_unit(unit_rad);
     close_unit(unit_dif);
     delete_analysis_arrays(options.debug);
+    if (options.no_pot && !options.debug) // those of an earlier analysis no longer fit
+        for (const auto& potential : analysis_potentials)
+            delete_array(potential.name);
     write_times(analysis.timers, cpu_seconds() - start);
 }
 

@@ -8,7 +8,9 @@
 #include "kernel/gencom.hpp"
 #include "kernel/utilities.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <numbers>
 #include <string>
 #include <vector>
@@ -28,17 +30,22 @@ struct TableOptions {
     bool radians = false, period = false, rao = false;
 };
 
-/// The modal matrix named by argument 1; identity is made when the default name is absent. Empty
-/// after a message when it does not serve.
-Matrix<const double> find_modal_matrix(int nmode) {
+/// Name of the modal matrix: argument 1, or the default, which is made the identity when absent.
+std::string modal_matrix_name(int nmode) {
     const auto argument = get_arg(1);
-    const std::string name(is_blank(argument) ? hyd_modemat : argument);
-    if (is_blank(argument) && !array_exists(name)) {
-        const auto identity = create_matrix<double>(name, nmode, nmode);
+    if (!is_blank(argument)) return std::string(argument);
+    if (!array_exists(hyd_modemat)) {
+        const auto identity = create_matrix<double>(hyd_modemat, nmode, nmode);
         for (int i = 1; i <= nmode; ++i)
             identity(i, i) = 1;
     }
-    const ArrayRef ref = find_array_2d(name);
+    return std::string(hyd_modemat);
+}
+
+/// The values of the modal matrix (ncomp,nmode); empty after a message when it does not serve. An
+/// array of another type is read as real, which users are warned of; bytes it lacks read as zero.
+std::vector<double> read_modal_matrix(int nmode) {
+    const ArrayRef ref = find_array_2d(modal_matrix_name(nmode));
     if (!ref) {
         print_both(" \nModal matrix not found\n");
         return {};
@@ -48,11 +55,11 @@ Matrix<const double> find_modal_matrix(int nmode) {
         return {};
     }
     if (ref.type != type_real) print_both(" \n\t\tModal matrix is not type real");
-    if (element_size(ref.type) < static_cast<int>(sizeof(double))) {
-        print_both(" \n\t\tand its elements are too short to be read as real\n");
-        return {};
-    }
-    return {static_cast<const double*>(ref.data), ref.rows(), nmode};
+    std::vector<double> values(static_cast<std::size_t>(ref.rows()) *
+                               static_cast<std::size_t>(nmode));
+    const std::size_t held = array_byte_size(ref.type, ref.dims);
+    std::memcpy(values.data(), ref.data, std::min(held, values.size() * sizeof(double)));
+    return values;
 }
 
 /// Real array of at least n values; the not-found line when it is absent.
@@ -123,8 +130,10 @@ void cmd_hyd_tf(std::string_view) {
     if (!coordinates.is(type_complex8))
         return print_both(" \nGeneralized coordinate array hyd_gencor not found\n");
     const auto gencor = as_array3<const Complex8>(coordinates);
-    const auto modemat = find_modal_matrix(gencor.n1);
-    if (!modemat) return;
+    const std::vector<double> values = read_modal_matrix(gencor.n1);
+    if (values.empty()) return;
+    const Matrix<const double> modemat{values.data(), static_cast<int>(values.size()) / gencor.n1,
+                                       gencor.n1};
     const TableOptions options{has_flag(" -radians"), has_flag(" -period"), has_flag(" -RAO")};
     const auto beta = find_list(hyd_beta, gencor.n3);
     if (beta.empty()) return;

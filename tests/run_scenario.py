@@ -16,6 +16,8 @@ Options on the header line, quoted when they hold blanks:
 
     tolerance=1e-6   numbers may differ by this part of the largest number of their line; integers
                      and the text between the numbers must agree, blanks in any number counting as one
+    columns          with tolerance: the scale is the largest number of the column instead, in each run
+                     of lines with equally many numbers (tables whose columns differ in size)
     mask=REGEX       what matches is not compared (dates, processor times); can be repeated
     contains         the lines of the section must occur in this order, other lines may stand between
     absent           the file must not exist
@@ -26,6 +28,7 @@ The program must end by itself within a minute with exit status 0 and nothing on
 
 import argparse
 import difflib
+import itertools
 import os
 import pathlib
 import re
@@ -48,13 +51,14 @@ class Section:
         lexer.whitespace_split, lexer.escape, lexer.commenters = True, "", ""
         self.name, *options = list(lexer)
         self.header, self.text = header, ""
-        self.masks, self.tolerance, self.contains, self.absent = [], None, False, False
+        self.masks, self.tolerance = [], None
+        self.columns = self.contains = self.absent = False
         for option in options:
             if option.startswith("mask="):
                 self.masks.append(re.compile(option[5:]))
             elif option.startswith("tolerance="):
                 self.tolerance = float(option[10:])
-            elif option in ("contains", "absent"):
+            elif option in ("columns", "contains", "absent"):
                 setattr(self, option, True)
             else:
                 sys.exit(f"unknown option {option} of section {self.name}")
@@ -111,19 +115,30 @@ def after(mark, text):
     return text[match.end():] if match else text
 
 
-def same_numbers(expected, actual, tolerance):
-    """Whether two lines agree, their numbers within the tolerance."""
+def same_numbers(expected, actual, tolerance, scales):
+    """Whether two lines agree, each number within the tolerance times its scale."""
     wanted, found = NUMBER.findall(expected), NUMBER.findall(actual)
     words = [" ".join(NUMBER.sub(" # ", line).split()) for line in (expected, actual)]
     if words[0] != words[1] or len(wanted) != len(found):
         return False
-    scale = max((abs(value(text)) for text in wanted), default=0)
-    for a, b in zip(wanted, found):
+    for a, b, scale in zip(wanted, found, scales):
         if a == b:
             continue
         if is_integer(a) or is_integer(b) or abs(value(a) - value(b)) > tolerance * scale:
             return False
     return True
+
+
+def scales_of(lines, columns):
+    """The scale of every number: the largest of its line, or of its column in a run of lines."""
+    values = [[abs(value(text)) for text in NUMBER.findall(line)] for line in lines]
+    if not columns:
+        return [[max(row, default=0)] * len(row) for row in values]
+    scales = []
+    for _, run in itertools.groupby(values, key=len):
+        run = list(run)
+        scales += [[max(column) for column in zip(*run)]] * len(run)
+    return scales
 
 
 def is_integer(text):
@@ -153,7 +168,9 @@ def compare(section, actual):
         line = missing_line(wanted[:-1], found)
         return "" if line is None else f"{section.name} lacks: {line}\n" + section.masked(actual)
     if section.tolerance is not None and len(wanted) == len(found):
-        found = [a if same_numbers(a, b, section.tolerance) else b for a, b in zip(wanted, found)]
+        scales = scales_of(wanted, section.columns)
+        found = [a if same_numbers(a, b, section.tolerance, scale) else b
+                 for a, b, scale in zip(wanted, found, scales)]
     lines = difflib.unified_diff(wanted, found, "expected " + section.name,
                                  "actual " + section.name, lineterm="")
     return "".join(line + "\n" for line in lines)

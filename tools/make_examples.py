@@ -213,7 +213,7 @@ def boxes():
         "hyd_coordaxs body=1 zcg=-1",
         "hyd_coordaxs body=2 yb=15 zcg=-.5",
         "hyd_wave nbeta=3 nfreq=4",
-        "0 45 90",
+        "0 45 80",
         "5 6.5 8 11",
         *mesh_lines,
     ]

@@ -1,0 +1,3 @@
+barge
+filein
+q

@@ -1,0 +1,3 @@
+boxes
+filein
+q

@@ -1,0 +1,3 @@
+hemisphere
+filein
+q

@@ -1,0 +1,4 @@
+box
+filein box.txt -noecho
+hyd_analysis #added_freqs=1
+.5

@@ -1,0 +1,3 @@
+box
+filein box.txt -noecho
+hyd_analysis #added_freqs=1001
