@@ -1,4 +1,5 @@
 // The table of the matrix commands.
+#include "dynamics/eigval_jacobi.hpp"
 #include "kernel/command.hpp"
 #include "matrix/matrix1.hpp"
 #include "matrix/print.hpp"
@@ -7,10 +8,7 @@ namespace quelor {
 
 /// One line a family of rows.
 static constexpr Family families[] = {
-    matrix1_input_rows,
-    matrix1_convert_rows,
-    matrix1_generate_rows,
-    print_rows,
+    matrix1_input_rows, matrix1_convert_rows, matrix1_generate_rows, print_rows, jacobi_rows,
 };
 
 /// Words whose commands are not built yet, by family.
@@ -22,7 +20,7 @@ static constexpr std::string_view planned[] = {
     "mult", "tmult", "col_mult", "mult_col", "diag_mult", "invert", "gauss",
     "ptoful", "ftopro", "pmult", "psolve", "psolve16",
     "ptosparse", "sparse_matrix_clean", "sparse_mult",
-    "jacobi", "eigval", "arpack",
+    "eigval", "arpack",
     "fft", "fft_helper", "interpolate",
 };
 // clang-format on

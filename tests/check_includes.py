@@ -27,7 +27,8 @@ PATTERNS = (
                        " hydro_model/waven.* hydro_model/hydrostatics.* hydro_model/panel_motion.*"
                        " hydro_model/hyd_panel_geometry.* hydro_analysis/coefficients.*"
                        " hydro_analysis/csolve.* hydro_analysis/incoming_wave.*"
-                       " hydro_analysis/solve2.* hydro_analysis/symmetry.hpp solvers/lapack.hpp solvers/solver.*"),
+                       " hydro_analysis/solve2.* hydro_analysis/symmetry.hpp solvers/lapack.hpp solvers/solver.*"
+                       " dynamics/jacobif.*"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
     ("service", "kernel/* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"
                 " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.*"),

@@ -1,0 +1,22 @@
+// The generalised Jacobi method with its reports, for `jacobi` and for the commands that solve
+// projected or expanded eigenproblems; the command `jacobi`.
+#pragma once
+
+#include "kernel/command.hpp"
+#include "kernel/types.hpp"
+
+namespace quelor {
+
+/// jacobi_pencil with its number of sweeps on both units; a failure is named and takes the fatal
+/// path.
+void solve_pencil(Matrix<double> k, Matrix<double> m, Matrix<double> phi, std::span<double> lambda,
+                  double tol, int maxit);
+/// Negative eigenvalues become 0, each with a note on both units.
+void clear_negative(std::span<double> lambda);
+/// 10^-digits in single precision.
+double tolerance_of(int digits);
+
+/// `jacobi`
+std::span<const Command> jacobi_rows();
+
+} // namespace quelor

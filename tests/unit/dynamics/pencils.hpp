@@ -1,0 +1,85 @@
+// Pairs of symmetric matrices for the tests of the eigensolvers, and LAPACK's answer.
+#pragma once
+
+#include "kernel/types.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <vector>
+
+extern "C" void dsygv_(const std::int32_t* itype, const char* jobz, const char* uplo,
+                       const std::int32_t* n, double* a, const std::int32_t* lda, double* b,
+                       const std::int32_t* ldb, double* w, double* work, const std::int32_t* lwork,
+                       std::int32_t* info, std::size_t, std::size_t);
+
+namespace quelor {
+
+/// A matrix that owns its elements.
+struct Owned {
+    Owned(int r, int c)
+        : data(static_cast<std::size_t>(r) * static_cast<std::size_t>(c)), rows(r), cols(c) {}
+    Matrix<double> view() { return {data.data(), rows, cols}; }
+    double& operator()(int i, int j) { return view()(i, j); }
+
+    std::vector<double> data;
+    int rows, cols;
+};
+
+inline Owned product(Owned& a, Owned& b, bool transpose_a) {
+    const int inner = transpose_a ? a.rows : a.cols;
+    Owned c(transpose_a ? a.cols : a.rows, b.cols);
+    for (int j = 1; j <= c.cols; ++j)
+        for (int r = 1; r <= inner; ++r)
+            for (int i = 1; i <= c.rows; ++i)
+                c(i, j) += (transpose_a ? a(r, i) : a(i, r)) * b(r, j);
+    return c;
+}
+
+/// R^T R + shift I of a random square R.
+inline Owned random_definite(int n, std::mt19937& random, double shift) {
+    Owned r(n, n);
+    for (double& x : r.data)
+        x = std::uniform_real_distribution(-1.0, 1.0)(random);
+    Owned a = product(r, r, true);
+    for (int i = 1; i <= n; ++i)
+        a(i, i) += shift;
+    return a;
+}
+
+/// Eigenvalues of K phi = lambda M phi by LAPACK, ascending.
+inline std::vector<double> lapack_eigenvalues(Owned k, Owned m) {
+    const std::int32_t type = 1, n = k.rows, size = 64 * n;
+    std::int32_t info = 0;
+    std::vector<double> lambda(static_cast<std::size_t>(n)), work(static_cast<std::size_t>(size));
+    dsygv_(&type, "N", "U", &n, k.data.data(), &n, m.data.data(), &n, lambda.data(), work.data(),
+           &size, &info, 1, 1);
+    return info == 0 ? lambda : std::vector<double>{};
+}
+
+/// Largest |phi^T M phi - I|.
+inline double mass_error(Owned& m, Owned& phi) {
+    Owned w = product(m, phi, false), g = product(phi, w, true);
+    double error = 0;
+    for (int j = 1; j <= g.cols; ++j)
+        for (int i = 1; i <= g.rows; ++i)
+            error = std::max(error, std::abs(g(i, j) - (i == j ? 1 : 0)));
+    return error;
+}
+
+/// Largest over the modes of |K phi - lambda M phi| / |K phi|, Euclidean norms.
+inline double residual(Owned& k, Owned& m, Owned& phi, std::span<const double> lambda) {
+    Owned f = product(k, phi, false), w = product(m, phi, false);
+    double worst = 0;
+    for (int j = 1; j <= phi.cols; ++j) {
+        double error = 0, size = 0;
+        for (int i = 1; i <= f.rows; ++i) {
+            error += std::pow(f(i, j) - lambda[static_cast<std::size_t>(j - 1)] * w(i, j), 2);
+            size += f(i, j) * f(i, j);
+        }
+        worst = std::max(worst, std::sqrt(error / size));
+    }
+    return worst;
+}
+
+} // namespace quelor
