@@ -9,6 +9,7 @@
 #include "kernel/iof.hpp"
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
+#include "matrix/fileio.hpp"
 
 #include <algorithm>
 #include <cstdio>
@@ -225,21 +226,29 @@ constexpr Command system_row[] = {
      .run = cmd_rm_file,
      .summary = "deletes a file",
      .help = "Command Syntax\n\trm_file filename [-ext]\n\n"
-             "Deletes a file. With -ext the file is \"project_name.filename\".\n\n"
-             "See Also\n\trename_file\n"},
+             "Deletes a file.\n\n"
+             "filename\n\tname of the file\n"
+             "-ext\n\tthe file is \"project_name.filename\" (default: the name as it stands)\n\n"
+             "Example\n\tseti k v=1\n\twrite k k.bin\n\trm_file k.bin\n\n"
+             "See Also\n\trename_file, write\n"},
     {.words = {"rename_file"},
      .run = cmd_rename_file,
      .summary = "renames a file",
      .help = "Command Syntax\n\trename_file filename1 filename2\n\n"
-             "Renames filename1 to filename2. Do not rename an open file: \"project_name.out\" and "
-             "\"project_name.log\" stay open until the program ends or a new project begins.\n\n"
+             "Renames filename1 to filename2; a file of that name is replaced. There are no "
+             "defaults.\n\n"
+             "Do not rename an open file: \"project_name.out\" and \"project_name.log\" stay open "
+             "until the program ends or a new project begins.\n\n"
+             "Example\n\tseti k v=1\n\twrite k k.bin\n\trename_file k.bin old.bin\n\n"
              "See Also\n\trm_file\n"},
     {.words = {"flush"},
      .run = cmd_flush,
      .summary = "writes the buffer of a unit to its file",
      .help = "Command Syntax\n\tflush [unit=]\n\n"
-             "Writes what is still held in the buffer of a unit to its file. The unit is 2, the "
-             "output file, by default.\n"},
+             "Writes what is still held in the buffer of a unit to its file.\n\n"
+             "unit\n\tnumber of the unit (default = 2, the output file)\n\n"
+             "Example\n\tflush\n\n"
+             "See Also\n\twrite, new_project\n"},
     {.words = {"system_command", "term", "comm"},
      .run = cmd_system_command,
      .summary = "hands a command line to the operating system",
@@ -257,11 +266,8 @@ std::span<const Command> system_rows() {
 }
 
 constexpr std::initializer_list<Family> families = {
-    project_rows, help_rows, system_rows, alias_rows, condition_rows,
+    project_rows, help_rows, system_rows, alias_rows, condition_rows, fileio_rows,
 };
-
-/// Words whose commands are not built yet.
-constexpr std::string_view planned[] = {"read", "write"};
 
 } // namespace
 
@@ -270,7 +276,7 @@ const CommandTable& util_cmd() {
                                     .topic = "general",
                                     .heading = "      GENERAL COMMANDS",
                                     .families = list_of(families),
-                                    .planned = planned};
+                                    .planned = {}};
     return table;
 }
 
