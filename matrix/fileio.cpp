@@ -131,7 +131,7 @@ constexpr Command rows[] = {
          "arg\n\tname of the array created\n"
          "filename\n\tname of the file\n"
          "-ext\n\tthe file is \"project_name.filename\" (default: the name as it stands)\n\n"
-         "Example\n\tseries a x=0,1 n=5\n\twrite a five.bin\n\tread b five.bin\n\n"
+         "Example\n\tseries a x=0,1 inc=0.25\n\twrite a five.bin\n\tread b five.bin\n\n"
          "See Also\n\twrite, readdb\n"},
     {.words = {"write"},
      .run = cmd_write,

@@ -24,6 +24,7 @@ PATTERNS = (
               " kernel/db_cmd.cpp kernel/loop_cmd.cpp matrix/mat_cmd.cpp matrix/func_cmd.cpp"
               " matrix/misc_cmd.cpp fem/fem_cmd.cpp fem/fe_elm_cmd.cpp elements/element_table.cpp"),
     ("numeric kernel", "kernel/types.hpp fem/vectors.hpp fem/point_index.hpp fem/node_ordering.* green/*"
+                       " matrix/polynomial.* matrix/quadrature.* dynamics/fft_kernels.*"
                        " hydro_model/waven.* hydro_model/hydrostatics.* hydro_model/panel_motion.*"
                        " hydro_model/hyd_panel_geometry.* hydro_analysis/coefficients.*"
                        " hydro_analysis/csolve.* hydro_analysis/incoming_wave.*"
