@@ -11,19 +11,24 @@ GRAV = 9.80665
 RHO = 1025.0
 
 
-def hemisphere(columns=7, rows=36):
-    """Quarter of a hemisphere of radius 10 in deep water: `columns` panels along the quarter of the
-    water line, `rows` down to the lowest point."""
+def no_dust(value):
+    """Rounding errors of sines and cosines of a right angle become 0."""
+    return value if abs(value) > 1e-12 else 0.0
+
+
+def hemisphere(columns=7, rows=36, symmetry=2, ka=(0.1, 0.2, 0.5, 1.0, 2.0, 3.0)):
+    """Hemisphere of radius 10 in deep water: `columns` panels along a quarter of the water line,
+    `rows` down to the lowest point; a quarter (symmetry 2), half (1) or all (0) of the surface."""
     radius = 10.0
-    ka = [0.1, 0.2, 0.5, 1.0, 2.0, 3.0]
+    columns *= {0: 4, 1: 2, 2: 1}[symmetry]
+    turn = {0: 2.0, 1: 1.0, 2: 0.5}[symmetry] * math.pi
     nodes = []
     for i in range(rows):
         for j in range(columns + 1):
-            theta, phi = math.pi / 2 * i / rows, math.pi / 2 * j / columns
-            x = radius * math.cos(theta) * math.cos(phi) if j < columns else 0.0
+            theta, phi = math.pi / 2 * i / rows, turn * j / columns
+            x = radius * math.cos(theta) * math.cos(phi)
             y = radius * math.cos(theta) * math.sin(phi)
-            z = -radius * math.sin(theta)
-            nodes.append((x, y, z))
+            nodes.append((x, y, -radius * math.sin(theta)))
     nodes.append((0.0, 0.0, -radius))
     row, quads = columns + 1, columns * (rows - 1)
     top = row * (rows - 1) + 1
@@ -32,14 +37,15 @@ def hemisphere(columns=7, rows=36):
     inertia = mass * 0.4 * radius**2  # about the origin, as every entry of the mass matrix
     off = mass * zcg
     lines = [
-        "/* Floating hemisphere, radius 10 m, deep water, double symmetry: a quarter of the surface",
-        "hyd_parameters h=2000 symmetry=2 rho=%g grav=%g" % (RHO, GRAV),
+        "/* Floating hemisphere, radius 10 m, deep water, %s of the surface"
+        % {0: "all", 1: "half", 2: "a quarter"}[symmetry],
+        "hyd_parameters h=2000 symmetry=%d rho=%g grav=%g" % (symmetry, RHO, GRAV),
         "hyd_coordaxs zcg=%g" % zcg,
         "hyd_wave nbeta=1 nfreq=%d -freq" % len(ka),
         "0",
         " ".join("%.10f" % math.sqrt(k / radius * GRAV) for k in ka),
         "hyd_nodes #=%d" % len(nodes),
-        *("%d %.9f %.9f %.9f" % (n, x, y, z + 0.0) for n, (x, y, z) in enumerate(nodes, 1)),
+        *("%d %.9f %.9f %.9f" % (n, no_dust(x), no_dust(y), no_dust(z)) for n, (x, y, z) in enumerate(nodes, 1)),
         "",
         "hyd_panel n=%d" % (columns * rows),
         "n=1 nodes=1,2,%d,%d gen=%d inc=1,1 gen_2d=%d inc_2d=%d,%d inc_el=%d"
