@@ -1,4 +1,5 @@
 // The element table: one row a slot. Nothing else in the program spells the names of the elements.
+#include "elements/truss.hpp"
 #include "fem/elemutil.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_panel.hpp"
@@ -20,7 +21,7 @@ static constexpr ElementRow unused(int slot) {
 
 std::span<const ElementRow, element_slots> element_rows() {
     static const std::array<ElementRow, element_slots> rows{{
-        planned(1, "ntruss", "large displacement truss"),
+        {1, "ntruss", "large displacement truss", ntruss_element, ntruss_help(), pntruss_help()},
         planned(2, "spring", "nonlinear, elastic spring"),
         planned(3, "beam3d", "linear, 3-D beam"),
         planned(4, "nbeam2d", "large displacement, elastic 2D beam"),
@@ -48,7 +49,7 @@ std::span<const ElementRow, element_slots> element_rows() {
         planned(26, "isomin6", "linear, triangular Mindlin plate"),
         planned(27, "iFEM2D", "2-D, 3 to 9 node element for nonlinear iFEM"),
         planned(28, "interface", "quadrilateral (and triangular) interface"),
-        planned(29, "truss", "linear truss"),
+        {29, "truss", "linear truss", truss_element, truss_help(), ptruss_help()},
         planned(30, "stiff2n", "linear elastic 2-node stiffness"),
         planned(31, "shell3",
                 "Mindlin 3-D triangular, linear shell with membrane and shear relaxations"),

@@ -29,10 +29,11 @@ PATTERNS = (
                        " hydro_model/hyd_panel_geometry.* hydro_analysis/coefficients.*"
                        " hydro_analysis/csolve.* hydro_analysis/incoming_wave.*"
                        " hydro_analysis/solve2.* hydro_analysis/symmetry.hpp solvers/lapack.hpp solvers/solver.*"
-                       " dynamics/jacobif.*"),
+                       " dynamics/jacobif.*"
+                       " fem/small_matrix.hpp elements/bar.* elements/frame.* elements/plane_beam.*"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
     ("service", "kernel/* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"
-                " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.*"),
+                " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.* elements/element_family.*"),
 )
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)

@@ -1,0 +1,67 @@
+// What the input and the workers of the element types have in common: counts, generation, checks of
+// records, look-ups of the type's arrays, state arrays.
+#pragma once
+
+#include "fem/assembly.hpp"
+#include "fem/elemutil.hpp"
+#include "fem/nodes.hpp"
+
+#include <limits>
+#include <string>
+
+namespace quelor {
+
+// --- input
+// ----------------------------------------------------------------------------------------
+
+/// Most elements or materials of a type: more is a slip of the pen.
+inline constexpr int most_elements = 10'000'000;
+
+/// " m=" and " n=" of a command line.
+struct ElementCounts {
+    std::int32_t materials = 0, elements = 0;
+};
+ElementCounts read_element_counts();
+/// True when lowest <= n <= most_elements; otherwise a message with the name.
+bool count_is_possible(std::string_view name, int n, int lowest);
+
+/// A whole number that is absent from a record.
+inline constexpr std::int32_t no_key = std::numeric_limits<std::int32_t>::min();
+/// The fatal path, with the message, when n is not in 1..limit.
+void require_number(std::int32_t n, int limit, std::string_view message);
+/// The fatal path when a value is not finite; `what` names the record: "element 5".
+void require_finite(std::span<const double> values, std::string_view what);
+/// A node number on its way through a generation, n + steps * inc; 0 stays 0, and beyond the range
+/// of integers it stays at the range's end, where the check of the nodes finds it.
+std::int32_t advanced_node(std::int32_t n, std::int32_t inc, std::int64_t steps);
+
+// --- workers
+// --------------------------------------------------------------------------------------
+
+/// An array of the type, with the rows and columns given (any_size: any); the fatal path, with the
+/// message, when it is absent or of another type or shape.
+ArrayRef element_array(std::string_view message, std::string_view array, TypeCode type, int rows,
+                       int cols);
+template <class T>
+Matrix<const T> element_matrix(std::string_view message, std::string_view array, int rows,
+                               int cols) {
+    return as_matrix<const T>(element_array(message, array, type_code<T>, rows, cols));
+}
+/// A vector of n values.
+template <class T>
+std::span<const T> element_vector(std::string_view message, std::string_view array, int n) {
+    return element_matrix<T>(message, array, n, 1).all();
+}
+/// The trial array when it exists, otherwise the committed one.
+std::string_view trial_or_state(std::string_view trial, std::string_view state);
+/// Moves the trial state over the committed one.
+void commit_state(std::string_view trial, std::string_view state);
+/// The text with each mark replaced, for the help of types that share it.
+std::string replaced(std::string_view text, std::string_view mark, std::string_view by);
+
+/// Coordinates of the model's nodes; the fatal path when there are none.
+Matrix<const double> require_coordinates();
+/// Coordinates of node n; zeros for a number below 1, the fatal path beyond the list.
+Vec3 element_node(Matrix<const double> x, std::int32_t n);
+
+} // namespace quelor
