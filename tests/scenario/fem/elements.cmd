@@ -1,20 +1,20 @@
 job
 elem_alias
-truss m=1 n=1
+spring m=1 n=1
 ppbridge
 elem33
 pelem40
 help elem33
-help ptruss
+help pspring
 fem_error
 elem_grp e=41 code=1
 elem_grp e=0 code=1
 elem_grp code=2
 elem_grp e=33 code=1
-elem_grp e=29 code=1
+elem_grp e=2 code=1
 fem_error -user
 elem_grp code=0 e=33
-elem_grp e=29
+elem_grp e=2
 fem_error
 ls
 elem_grp e=36 code=1
