@@ -5,12 +5,14 @@
 #include "fem/elemutil.hpp"
 #include "fem/eqns.hpp"
 #include "fem/nodes.hpp"
+#include "fem/rigid_modes.hpp"
+#include "fem/stress.hpp"
 
 namespace quelor {
 
 /// One line a family of rows.
 static constexpr std::initializer_list<Family> families = {
-    nodes_rows, bcid_rows, elemutil_rows, eqns_rows, constraint_rows,
+    nodes_rows, bcid_rows, elemutil_rows, eqns_rows, constraint_rows, stress_rows, rigid_modes_rows,
 };
 
 /// Words whose commands are not built yet, by family.
@@ -19,7 +21,7 @@ static constexpr std::string_view planned[] = {
     "eq_direction",
     "form_k", "formk", "form_m", "formm", "form_c", "formc", "form_lagrangeG", "form_G", "mass_summary",
     "check_diag",
-    "state", "pstate", "response", "presponse", "presp", "node_str",
+    "state", "pstate", "response", "presponse", "presp",
     "nodef", "pnodef", "load_summary", "nodal_pressure", "conc_deck_loads", "distr_deck_loads", "pdeck_loads",
     "current_velocity", "pcurrentvelocity", "cp_tables", "mass", "pmass", "dampers", "pdampers",
     "imposed_displ", "pimposed_displ", "initial_conditions", "body_frc2d", "pbody_frc2d",
@@ -28,7 +30,7 @@ static constexpr std::string_view planned[] = {
     "pdisp", "nodal_disp", "pndisp", "pndisp_th",
     "el_iso_matl",
     "export_graphics",
-    "rigid_modes", "modal_th", "direct_th",
+    "modal_th", "direct_th",
 };
 // clang-format on
 

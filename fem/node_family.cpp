@@ -194,6 +194,13 @@ void generate_nodes(const NodeKind& kind) {
     create_int_scalar(kind.count, set.count);
 }
 
+NodeRange read_node_range(int count) {
+    std::array<std::int32_t, 2> range{1, count};
+    get_int_par("nodes=", range);
+    const int first = std::max(range[0], 1);
+    return {first, std::max(std::min(range[1], count), first)};
+}
+
 void print_nodes(const NodeKind& kind) {
     const ArrayRef xyz = find_array(kind.xyz);
     if (!xyz.is(type_real)) return print_both(" \n\tCoordinate array not found\n");
@@ -202,11 +209,8 @@ void print_nodes(const NodeKind& kind) {
     const NodeSet set = open_nodes(kind);
     if (!set) return;
 
-    std::array<std::int32_t, 2> range{1, set.count};
-    get_int_par("nodes=", range);
-    const int first = std::max(range[0], 1);
+    const auto [first, last] = read_node_range(set.count);
     if (first > set.count) return;
-    const int last = std::max(std::min(range[1], set.count), first);
     const bool screen = has_flag("-screen");
     const auto put = [&](const Format& format, const FormatItems& items) {
         if (screen) write_unit(unit_screen, format, items);

@@ -53,6 +53,13 @@ bool generate_quad(NodeSet& set, std::span<const std::int32_t> corners,
 /// True when 1 <= n <= limit; otherwise a message.
 bool node_in_range(int n, int limit);
 
+/// The key nodes= of a printing command, by default 1 to count: first is not below 1, last is in
+/// first..count. Nothing is to be printed when first is above count.
+struct NodeRange {
+    int first, last;
+};
+NodeRange read_node_range(int count);
+
 // The commands of a list.
 void read_nodes(const NodeKind& kind);
 void generate_nodes(const NodeKind& kind);

@@ -33,7 +33,8 @@ PATTERNS = (
                        " fem/small_matrix.hpp elements/bar.* elements/frame.* elements/plane_beam.*"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
     ("service", "kernel/* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"
-                " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.* elements/element_family.*"),
+                " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.* elements/element_family.*"
+                " fem/export_to_gmsh.* fem/rigid_modes.*"),
 )
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
