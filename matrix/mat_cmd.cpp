@@ -2,26 +2,32 @@
 #include "dynamics/eigval_jacobi.hpp"
 #include "kernel/command.hpp"
 #include "matrix/matrix1.hpp"
+#include "matrix/matrix2.hpp"
 #include "matrix/print.hpp"
 
 namespace quelor {
 
+// clang-format off
 /// One line a family of rows.
 static constexpr Family families[] = {
-    matrix1_input_rows, matrix1_convert_rows, matrix1_generate_rows, print_rows, jacobi_rows,
+    matrix1_input_rows,
+    matrix1_convert_rows,
+    matrix1_generate_rows,
+    matrix2_copy_rows,
+    matrix2_shape_rows,
+    matrix2_select_rows,
+    print_rows,
+    jacobi_rows,
 };
 
 /// Words whose commands are not built yet, by family.
-// clang-format off
 static constexpr std::string_view planned[] = {
-    "cp", "copy", "array3d_slice", "array3d_unslice", "extract", "sort", "trans", "cpdg", "split",
-    "unsplit", "wrap", "unwrap", "put", "putdg", "joinh", "joinv",
     "add", "sub", "subcol", "sumcol", "norm", "max", "min", "mult_elem", "scale",
     "mult", "tmult", "col_mult", "mult_col", "diag_mult", "invert", "gauss",
     "ptoful", "ftopro", "pmult", "psolve", "psolve16",
     "ptosparse", "sparse_matrix_clean", "sparse_mult",
     "eigval", "arpack",
-    "fft", "fft_helper", "interpolate",
+    "fft", "fft_helper",
 };
 // clang-format on
 

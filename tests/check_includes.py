@@ -32,7 +32,7 @@ PATTERNS = (
                        " dynamics/jacobif.*"
                        " fem/small_matrix.hpp elements/bar.* elements/frame.* elements/plane_beam.*"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
-    ("service", "kernel/* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"
+    ("service", "kernel/* matrix/blocks.* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"
                 " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.* elements/element_family.*"
                 " fem/export_to_gmsh.* fem/nodal_values.* fem/rigid_modes.* fem/state.*"),
 )
