@@ -136,7 +136,7 @@ void read_general(Input& in) {
     std::int32_t node = 0, dof = 0;
     std::vector<std::int32_t> nodes(in.rows), dofs(in.rows); // one more than fits
     std::vector<double> factors(in.rows, 1.0);
-    get_int_par(" c=", node);
+    get_int_par("c=", node);
     get_int_par("cdof=", dof);
     get_int_par(" r=", nodes);
     get_int_par("rdof=", dofs);
@@ -151,10 +151,8 @@ void read_general(Input& in) {
 
 /// Rigid link: with d from the master to the constrained node and rotations w of the master,
 /// u(c) = u(m) + w x d, w(c) = w(m).
-void read_link(Input& in, const NodeSet& set, bool with_rotations) {
-    std::int32_t node = 0, master = 0;
-    get_int_par(" c=", node);
-    get_int_par(" r=", master);
+void add_link(Input& in, const NodeSet& set, std::int32_t node, std::int32_t master,
+              bool with_rotations) {
     if (in.rows < 4) shutdown_with(" \n\tmaxnodes must be at least 4 for a rigid link\n");
     const auto defined = [&](int n) { return 1 <= n && n <= set.count && set.is_active(n); };
     const Vec3 d = defined(node) && defined(master) ? difference(set.at(node), set.at(master))
@@ -171,6 +169,13 @@ void read_link(Input& in, const NodeSet& set, bool with_rotations) {
         in.begin(node, dof);
         in.add(master, dof, 1);
     }
+}
+
+void read_link(Input& in, const NodeSet& set, bool with_rotations) {
+    std::int32_t node = 0, master = 0;
+    get_int_par("c=", node);
+    get_int_par(" r=", master);
+    add_link(in, set, node, master, with_rotations);
 }
 
 /// One record; false at the end of the input.
@@ -216,14 +221,21 @@ void check_input(const Input& in, const NodeSet& set) {
                          std::span(in.dofs).subspan(at, in.rows), set, constrained);
 }
 
-/// Frees the degrees of freedom of the constraints that go.
-void unmark_constraints(Matrix<std::int32_t> codes) {
+/// Adds the earlier constraints that still hold: their degree of freedom has code 2, and none of
+/// those read before is on it.
+void keep_earlier(Input& in, Matrix<const std::int32_t> codes) {
     const ConstraintArrays old = find_constraints();
+    std::set<NodeDof> anew;
+    for (std::size_t at = 0; at < in.nodes.size(); at += in.rows)
+        anew.emplace(in.nodes[at], in.dofs[at]);
     for (int k = 1; old && k <= old.nodes.cols; ++k) {
         const int node = old.nodes(1, k);
         const int dof = old.dofs(1, k);
         const bool exists = 1 <= node && node <= codes.cols && 1 <= dof && dof <= codes.rows;
-        if (exists && codes(dof, node) == 2) codes(dof, node) = 0;
+        if (!exists || codes(dof, node) != 2 || anew.contains({node, dof})) continue;
+        in.begin(node, dof);
+        for (int row = 2; row <= old.nodes.rows; ++row)
+            in.add(old.nodes(row, k), old.dofs(row, k), old.factor(row, k));
     }
 }
 
@@ -244,30 +256,52 @@ void store_constraints(const Input& in) {
     std::ranges::copy(in.factors, create_matrix<double>(const_factor, rows, count).data);
 }
 
+/// What constraints need of the nodes; false after a message. Without `.bcid` the fatal path.
+struct ConstrainedNodes {
+    NodeSet set;
+    Matrix<std::int32_t> codes;
+    explicit operator bool() const { return static_cast<bool>(codes); }
+};
+
+ConstrainedNodes open_constrained_nodes() {
+    const ArrayRef codes = find_array(bcid);
+    if (!codes.is(type_integer) || codes.rows() < 6)
+        shutdown_with(
+            " \nArray .bcid not found; see command bcid - saving database and quitting\n");
+    const NodeSet set = open_nodes(fe_nodes);
+    if (!set) return {};
+    if (codes.cols() < set.count)
+        return print_both(" \n\tNodal arrays do not agree in size\n"), ConstrainedNodes{};
+    return {set, as_matrix<std::int32_t>(codes)};
+}
+
+void take_constraints(Input& in, const ConstrainedNodes& nodes) {
+    if (in.count() == 0) return;
+    keep_earlier(in, nodes.codes);
+    check_input(in, nodes.set);
+    mark_constraints(in, nodes.codes);
+    store_constraints(in);
+    delete_array(node_eqs);
+    delete_array(num_eqs);
+}
+
+/// Rows of the constraints at hand, at least `least`: they are kept.
+int rows_with_earlier(int least) {
+    const ConstraintArrays old = find_constraints();
+    return old ? std::max(least, old.nodes.rows) : least;
+}
+
 void cmd_nodal_constraint(std::string_view) {
     std::int32_t maxnodes = 4;
     get_int_par("maxnodes=", maxnodes);
     if (maxnodes < 2) return print_both("\n\tmaxnodes must be greater than or equal to 2\n");
     if (maxnodes > most_rows) return print_both("\n\tmaxnodes must not be above 10000\n");
-    const ArrayRef codes_ref = find_array(bcid);
-    if (!codes_ref.is(type_integer) || codes_ref.rows() < 6)
-        shutdown_with(
-            " \nArray .bcid not found; see command bcid - saving database and quitting\n");
-    const NodeSet set = open_nodes(fe_nodes);
-    if (!set) return;
-    const auto codes = as_matrix<std::int32_t>(codes_ref);
-    if (codes.cols < set.count) return print_both(" \n\tNodal arrays do not agree in size\n");
-
-    Input in(maxnodes);
-    while (read_constraint(in, set)) {
+    const ConstrainedNodes nodes = open_constrained_nodes();
+    if (!nodes) return;
+    Input in(rows_with_earlier(maxnodes));
+    while (read_constraint(in, nodes.set)) {
     }
-    if (in.count() == 0) return;
-    check_input(in, set);
-    unmark_constraints(codes);
-    mark_constraints(in, codes);
-    store_constraints(in);
-    delete_array(node_eqs);
-    delete_array(num_eqs);
+    take_constraints(in, nodes);
 }
 
 constexpr Command rows[] = {
@@ -290,8 +324,8 @@ constexpr Command rows[] = {
          "type=body\n\tRigid link: node n moves as a rigid body with node n1 (six constraints).\n\n"
          "type=body_trans\n\tThe same for the translations of node n only (three constraints).\n\n"
          "A DOF on which others depend must not itself be constrained, and a constrained DOF must "
-         "not share the equation of another node (merge_nodes). The constraints replace those of an "
-         "earlier nodal_constraint.\n\n"
+         "not share the equation of another node (merge_nodes). Constraints of an earlier "
+         "nodal_constraint stay, except on DOFs that are constrained anew; bcid removes all.\n\n"
          "Example (node 3 linked to node 1; node 2 slides along the line x = y):\n\t"
          "nodal_constraint\n\ttype=body c=3 r=1\n\t"
          "type=general c=2 cdof=2 r=2 rdof=1 factor=1.0\n\t(blank line)\n\n"
@@ -302,6 +336,15 @@ constexpr Command rows[] = {
 };
 
 } // namespace
+
+void link_rigidly(std::span<const RigidLink> links) {
+    const ConstrainedNodes nodes = open_constrained_nodes();
+    if (!nodes) return;
+    Input in(rows_with_earlier(4));
+    for (const RigidLink& link : links)
+        add_link(in, nodes.set, link.node, link.master, true);
+    take_constraints(in, nodes);
+}
 
 std::span<const Command> constraint_rows() {
     return rows;

@@ -56,6 +56,12 @@ private:
     std::vector<Entry> entries_; // ascending
 };
 
+/// Ties nodes to masters as type=body of `nodal_constraint` does, with its checks.
+struct RigidLink {
+    std::int32_t node, master;
+};
+void link_rigidly(std::span<const RigidLink> links);
+
 std::span<const Command> constraint_rows();
 
 } // namespace quelor

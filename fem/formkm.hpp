@@ -33,7 +33,7 @@ enum class FormMode { command = 0, group_codes = 1, linear = 2 };
 /// Stiffness and load patterns. As a command it takes -#eqs, -stiff, -loads from the record;
 /// group_codes gives each element type its group code, linear the linear stiffness of all types.
 void form_stiffness(FormMode mode);
-/// Mass; as a command it takes -diag from the record.
+/// Mass; as a command it takes -diag from the record, otherwise `.mstr` is refilled as it is.
 void form_mass(FormMode mode);
 /// Damping; likewise.
 void form_damping(FormMode mode);

@@ -34,7 +34,8 @@ PATTERNS = (
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
     ("service", "kernel/* matrix/blocks.* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"
                 " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.* elements/element_family.*"
-                " fem/export_to_gmsh.* fem/nodal_values.* fem/rigid_modes.* fem/state.*"),
+                " fem/export_to_gmsh.* fem/nodal_values.* fem/rigid_modes.* fem/state.*"
+                " fem/loads.* fem/masses.* fem/node_records.*"),
 )
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
