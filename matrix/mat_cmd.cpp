@@ -1,5 +1,6 @@
 // The table of the matrix commands.
 #include "dynamics/eigval_jacobi.hpp"
+#include "dynamics/fft.hpp"
 #include "kernel/command.hpp"
 #include "matrix/matrix1.hpp"
 #include "matrix/matrix2.hpp"
@@ -18,6 +19,7 @@ static constexpr Family families[] = {
     matrix2_select_rows,
     print_rows,
     jacobi_rows,
+    fft_rows,
 };
 
 /// Words whose commands are not built yet, by family.
@@ -27,7 +29,6 @@ static constexpr std::string_view planned[] = {
     "ptoful", "ftopro", "pmult", "psolve", "psolve16",
     "ptosparse", "sparse_matrix_clean", "sparse_mult",
     "eigval", "arpack",
-    "fft", "fft_helper",
 };
 // clang-format on
 

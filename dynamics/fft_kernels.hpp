@@ -1,0 +1,46 @@
+// Discrete Fourier transforms of sequences: real ones of any length, complex and real ones of a
+// length that is a power of 2. Arrays of complex numbers are pairs of reals; a(j), A(k) count from
+// 0 in the formulas.
+#pragma once
+
+#include "kernel/types.hpp"
+
+#include <span>
+
+namespace quelor {
+
+enum class Direction { forward, inverse };
+
+/// Transforms each column of a, N real values, in place; any N, in O(N log N). Packed order of
+/// A(k) = sum of a(j) exp(-2 pi i j k / N): A(0), then real and imaginary part of A(1), A(2) ...,
+/// and for even N the real A(N/2) last. The inverse takes that order and is not scaled: it gives N
+/// times the values.
+/// work  -  N values; aligned alike in every call, or the last digits may differ
+/// Order of the packed values: [Swarztrauber 1982]
+void packed_transform(Matrix<double> a, std::span<double> work, Direction direction);
+
+bool is_power_of_2(std::int64_t n);
+
+/// What the transforms of n points need, n a power of 2 from 2 on.
+struct Radix2Tables {
+    /// cos and sin of 2 pi k / N for k < N/4, N being n or 2 n; N/2 values, at least 1.
+    std::span<const double> roots;
+    /// Bit reversal of 0 ... l - 1; l = `reversal_size(n)`.
+    std::span<const std::int32_t> reversal;
+};
+int reversal_size(std::int64_t n);
+/// Tables for the sizes of the spans: `roots` holds N/2 values, `reversal` a power of 2 of them.
+void make_roots(std::span<double> roots);
+void make_reversal(std::span<std::int32_t> reversal);
+
+/// z(k) := sum of z(j) exp(sign 2 pi i j k / n), not scaled; 2 n reals, in place.
+/// Decimation in time with radix 2: bit reversal, then log2 n passes of butterflies whose halves
+/// share one root.   Source: [Cooley 1965]
+void complex_transform(std::span<double> z, int sign, const Radix2Tables& tables);
+
+/// Forward, N real values: a(2k) := sum of a(j) cos(2 pi j k / N), a(2k+1) := the same with sin,
+/// for 0 < k < N/2; a(0) := the sum of a(j), a(1) := that with alternating signs. Inverse: its
+/// reverse but for the factor N/2. Tables of N/2 points, with roots for N.   Source: [Ooura 1996]
+void real_transform(std::span<double> a, Direction direction, const Radix2Tables& tables);
+
+} // namespace quelor
