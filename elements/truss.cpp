@@ -4,6 +4,7 @@
 
 #include "elements/bar.hpp"
 #include "elements/element_family.hpp"
+#include "fem/export_to_gmsh.hpp"
 #include "fem/formkm.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
@@ -437,6 +438,9 @@ void serve(const TrussKind& kind, Request request) {
         return print_truss_state(kind, trial_or_state(kind.trial, kind.st));
     case Task::print_response:
         return print_truss_response(kind);
+    case Task::mesh_export:
+        return gmsh_write_line_elements(
+            element_matrix<std::int32_t>(kind.missing, kind.el, 4, any_size));
     default:
         return; // no work for a truss
     }

@@ -80,6 +80,13 @@ void gmsh_count_elements(int count) {
     create_int_scalar(gmsh_eshift, require_int(gmsh_eshift) + count);
 }
 
+void gmsh_write_line_elements(Matrix<const std::int32_t> el) {
+    constexpr int two_node_line = 1;
+    constexpr std::int32_t tags[] = {99, 2}; // Gmsh's physical and geometrical entity
+    gmsh_write_elements(el, -1, 2, two_node_line, tags);
+    gmsh_count_elements(el.cols);
+}
+
 void gmsh_write_node_data(int step, double time, const NodeSet& nodes, Matrix<const double> u) {
     write_line("$NodeData");
     write_line("  1");

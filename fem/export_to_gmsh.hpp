@@ -31,6 +31,9 @@ void gmsh_write_elements(Matrix<const std::int32_t> el, int id_row, int nodes, i
 /// number of elements or, when they have numbers of their own, the largest of these.
 void gmsh_count_elements(int count);
 
+/// All elements of a type of lines between two nodes, in rows 1 and 2: both of the above.
+void gmsh_write_line_elements(Matrix<const std::int32_t> el);
+
 /// A section "$NodeData": a displaced shape.
 /// step  in  from 1;   time  in  its label;   u  in  (3, nodes) translations
 void gmsh_write_node_data(int step, double time, const NodeSet& nodes, Matrix<const double> u);

@@ -55,10 +55,9 @@ int count_elements() {
 // -----------------------------------------------------------------------------
 
 struct ShapeRequest {
-    bool deformed = has_flag(" -deformed"), autoscale = has_flag(" -autoscale"),
-         scaled = has_flag(" scale=");
+    bool deformed = has_flag(" -deformed"), autoscale = has_flag(" -autoscale");
     std::int32_t case_number = not_given, steps = not_given;
-    double scale = 0;
+    double scale = std::numeric_limits<double>::quiet_NaN(); ///< not a number: not given
     std::string times{};
 };
 
@@ -86,17 +85,18 @@ bool choose_cases(ShapeRequest& request, Shapes& shapes) {
     if (request.steps != not_given && (request.steps < 1 || request.steps > most_steps))
         return print_both(" \n\tNumber of steps must be in the range 1 to 100000\n"), false;
     if (request.steps != not_given && request.case_number == not_given) {
-        print_both(" \n\tCase to animate is not specified, but steps is specified"
-                   " \n\tSetting case to 1");
+        print_both(" \n\tCase to animate is not specified, but steps is specified");
+        print_both(" \n\tSetting case to 1");
         request.case_number = 1;
     }
     shapes.steps = std::max(request.steps, 0);
     shapes.last = shapes.u.cols;
     if (request.case_number == not_given) return true;
-    if (request.case_number < 1 || request.case_number > shapes.u.cols)
-        return print_both(" \n\tCase number is out of range"
-                          " \n\tIt must be in the range of the number of columns of .disp"),
-               false;
+    if (request.case_number < 1 || request.case_number > shapes.u.cols) {
+        print_both(" \n\tCase number is out of range");
+        print_both(" \n\tIt must be in the range of the number of columns of .disp");
+        return false;
+    }
     shapes.first = shapes.last = request.case_number;
     return true;
 }
@@ -172,9 +172,9 @@ bool open_shapes(ShapeRequest request, const NodeSet& nodes, Shapes& shapes) {
     shapes.u = as_matrix<const double>(u);
     shapes.values = std::move(*values);
     if (!choose_cases(request, shapes) || !choose_times(request, shapes)) return false;
-    if (request.autoscale)
-        return scale_to_model(nodes, request.scaled ? request.scale : 2.0, shapes);
-    if (request.scaled) shapes.scale = request.scale;
+    const bool scaled = !std::isnan(request.scale);
+    if (request.autoscale) return scale_to_model(nodes, scaled ? request.scale : 2.0, shapes);
+    if (scaled) shapes.scale = request.scale;
     return true;
 }
 
@@ -186,17 +186,23 @@ void write_shape(const NodeSet& nodes, const Shapes& shapes, int column, double 
         if (!nodes.is_active(n)) continue;
         const Vec3 v = translation(shapes, column, n);
         for (int i = 1; i <= 3; ++i)
-            u(i, n) = factor * v[static_cast<std::size_t>(i - 1)];
+            u(i, n) = factor * v[static_cast<std::size_t>(i - 1)] + 0.0; // no negative zeros
     }
     gmsh_write_node_data(step, time, nodes, u);
+}
+
+/// cos(2 pi k / n), exact at the quarters of a turn.
+double cosine_of_turn(std::int64_t k, std::int64_t n) {
+    constexpr double quarters[] = {1, 0, -1, 0};
+    if (4 * k % n == 0) return quarters[4 * k / n % 4];
+    return std::cos(2 * std::numbers::pi * static_cast<double>(k) / static_cast<double>(n));
 }
 
 /// The frames are one full cycle: frame i is the shape at the phase 2 pi (i - 1) / steps.
 void write_shapes(const NodeSet& nodes, const Shapes& shapes) {
     for (int i = 1; i <= shapes.steps; ++i)
-        write_shape(nodes, shapes, shapes.first,
-                    shapes.scale * std::cos(2 * std::numbers::pi * (i - 1) / shapes.steps), i,
-                    shapes.times[static_cast<std::size_t>(i - 1)]);
+        write_shape(nodes, shapes, shapes.first, shapes.scale * cosine_of_turn(i - 1, shapes.steps),
+                    i, shapes.times[static_cast<std::size_t>(i - 1)]);
     if (shapes.steps > 0) return;
     for (int j = shapes.first; j <= shapes.last; ++j)
         write_shape(nodes, shapes, j, shapes.scale, j - shapes.first + 1,
@@ -227,8 +233,10 @@ void cmd_export_graphics(std::string_view) {
     const ShapeRequest request = read_shape_request();
     std::string name;
     get_char_par(" file=", name, 133);
-    if (has_flag(" nsymm=") || has_flag(" reflect="))
-        print_both("\nnsymm and reflect not supported at this time\n");
+    std::int32_t symmetry = not_given;
+    get_int_par(" nsymm=", symmetry);
+    get_int_par(" reflect=", symmetry);
+    if (symmetry != not_given) print_both("\nnsymm and reflect not supported at this time\n");
 
     const NodeSet nodes = open_nodes(fe_nodes);
     if (!nodes) return;

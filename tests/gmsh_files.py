@@ -1,0 +1,118 @@
+#!/usr/bin/env python3
+"""Has Gmsh open every kind of file that export_graphics writes, and compares what it found in them.
+
+    gmsh_files.py PROGRAM
+
+Gmsh writes each mesh anew; nodes and elements must come back with their numbers, and the displaced
+shapes as the steps of one view. Exit status 77 (skipped) where Gmsh is not installed.
+"""
+
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+SKIPPED = 77
+
+MODEL = """job
+nodes #=100001
+1
+n=2 x=4
+n=4 y=4
+n=7 z=3
+n=100001 x=4 y=4 z=3
+
+truss m=1 n=3
+m=1 e=2e11 a=1e-3
+n=1 nodes=1,2 mat=1
+n=2 nodes=2,4 mat=1
+n=3 nodes=4,1 mat=1
+
+ntruss m=1 n=2
+m=1 e=2e11 a=1e-3
+n=1 nodes=1,7 mat=1
+n=2 nodes=2,100001 mat=1
+
+export_graphics file=mesh.msh
+bcid
+n=1 r=1,1,1,1,1,1
+
+num_eqs
+rigid_modes .disp
+export_graphics -deformed file=modes.msh
+export_graphics -deformed -autoscale case=5 file=case.msh
+export_graphics -deformed -autoscale scale=10 case=4 steps=8 file=cycle.msh
+quit
+"""
+# File, number of displaced shapes.
+FILES = (("mesh.msh", 0), ("modes.msh", 6), ("case.msh", 1), ("cycle.msh", 8))
+
+
+def section(path, name):
+    return re.search(rf"^\${name}\n(.*?)^\$End{name}", path.read_text(), re.S | re.M)[1].splitlines()
+
+
+def written(path):
+    """Numbers of the nodes, numbers and nodes of the elements; their counts must be those said."""
+    count, *nodes = section(path, "Nodes")
+    assert int(count) == len(nodes), f"{path.name}: {count} nodes are {len(nodes)}"
+    count, *elements = section(path, "Elements")
+    assert int(count) == len(elements), f"{path.name}: {count} elements are {len(elements)}"
+    # Number, type, number of tags, tags, nodes.
+    rows = [[int(field) for field in line.split()] for line in elements]
+    return {int(line.split()[0]) for line in nodes}, {(row[0], *row[3 + row[2]:]) for row in rows}
+
+
+def read_back(path):
+    """The same of a file of format 4.1, where both stand in blocks with their count at the end of
+    the first line: node numbers and then coordinates, or elements."""
+    found = []
+    for name, lines_of_each in (("Nodes", 2), ("Elements", 1)):
+        lines, rows = section(path, name)[1:], []
+        while lines:
+            count = int(lines[0].split()[-1])
+            rows += [tuple(int(field) for field in line.split()) for line in lines[1:1 + count]]
+            lines = lines[1 + lines_of_each * count:]
+        found.append(set(rows))
+    return {number for (number,) in found[0]}, found[1]
+
+
+def gmsh(folder, *arguments):
+    result = subprocess.run(("gmsh", *arguments), cwd=folder, capture_output=True, text=True, timeout=60)
+    text = result.stdout + result.stderr
+    assert result.returncode == 0 and not re.search("Error|Warning", text), text
+    return text
+
+
+def check(folder, name, shapes):
+    expected = written(folder / name)
+    gmsh(folder, name, "-0", "-save_all", "-format", "msh41", "-o", "back.msh")
+    found = read_back(folder / "back.msh")
+    assert found == expected, f"{name}: {expected} became {found}"
+
+    (folder / "views.geo").write_text(
+        f'Merge "{name}";\nPrintf("views %g", PostProcessing.NbViews);\n'
+        + ('Printf("steps %g", View[0].NbTimeStep);\n' if shapes else ""))
+    text = gmsh(folder, "views.geo", "-0", "-format", "msh41", "-o", "back.msh")
+    assert f"views {1 if shapes else 0}\n" in text, text
+    # Gmsh counts steps from 0 and ours begin at 1.
+    assert not shapes or f"steps {shapes + 1}\n" in text, text
+    print(f"{name}: {len(found[0])} nodes, {len(found[1])} elements, {shapes} shapes")
+
+
+def main():
+    if not shutil.which("gmsh"):
+        print("Gmsh is not installed")
+        sys.exit(SKIPPED)
+    program = str(pathlib.Path(sys.argv[1]).resolve())
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        subprocess.run([program], cwd=folder, input=MODEL, text=True, check=True, capture_output=True)
+        for file, shapes in FILES:
+            check(folder, file, shapes)
+
+
+if __name__ == "__main__":
+    main()
