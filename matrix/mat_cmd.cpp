@@ -5,6 +5,7 @@
 #include "matrix/matrix1.hpp"
 #include "matrix/matrix2.hpp"
 #include "matrix/print.hpp"
+#include "solvers/profile_cmd.hpp"
 
 namespace quelor {
 
@@ -18,6 +19,7 @@ static constexpr Family families[] = {
     matrix2_shape_rows,
     matrix2_select_rows,
     print_rows,
+    profile_rows,
     jacobi_rows,
     fft_rows,
 };
@@ -26,7 +28,6 @@ static constexpr Family families[] = {
 static constexpr std::string_view planned[] = {
     "add", "sub", "subcol", "sumcol", "norm", "max", "min", "mult_elem", "scale",
     "mult", "tmult", "col_mult", "mult_col", "diag_mult", "invert", "gauss",
-    "ptoful", "ftopro", "pmult", "psolve", "psolve16",
     "ptosparse", "sparse_matrix_clean", "sparse_mult",
     "eigval", "arpack",
 };

@@ -1,5 +1,6 @@
-// The LAPACK routines that are called, by their Fortran symbols: every argument by address, the
-// lengths of character arguments last. Matrices are column-major, integers have 32 bits.
+// The BLAS and LAPACK routines that are called, by their Fortran symbols: every argument by
+// address, the lengths of character arguments last. Matrices are column-major, integers have 32
+// bits.
 #pragma once
 
 #include <complex>
@@ -24,5 +25,15 @@ void zgetrs_(const char* trans, const std::int32_t* n, const std::int32_t* nrhs,
              const std::complex<double>* a, const std::int32_t* lda, const std::int32_t* ipiv,
              std::complex<double>* b, const std::int32_t* ldb, std::int32_t* info,
              std::size_t trans_length);
+
+// c := alpha op(a) op(b) + beta c, op(a) of m by k, op(b) of k by n.
+void dgemm_(const char* transa, const char* transb, const std::int32_t* m, const std::int32_t* n,
+            const std::int32_t* k, const double* alpha, const double* a, const std::int32_t* lda,
+            const double* b, const std::int32_t* ldb, const double* beta, double* c,
+            const std::int32_t* ldc, std::size_t transa_length, std::size_t transb_length);
+void zgemm_(const char* transa, const char* transb, const std::int32_t* m, const std::int32_t* n,
+            const std::int32_t* k, const std::complex<double>* alpha, const std::complex<double>* a,
+            const std::int32_t* lda, const std::complex<double>* b, const std::int32_t* ldb,
+            const std::complex<double>* beta, std::complex<double>* c, const std::int32_t* ldc,
+            std::size_t transa_length, std::size_t transb_length);
 }
-// NOLINTEND(readability-identifier-naming)

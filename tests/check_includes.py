@@ -24,7 +24,7 @@ PATTERNS = (
               " kernel/db_cmd.cpp kernel/loop_cmd.cpp matrix/mat_cmd.cpp matrix/func_cmd.cpp"
               " matrix/misc_cmd.cpp fem/fem_cmd.cpp fem/fe_elm_cmd.cpp elements/element_table.cpp"),
     ("numeric kernel", "kernel/types.hpp fem/vectors.hpp fem/point_index.hpp fem/node_ordering.* green/*"
-                       " matrix/polynomial.* matrix/quadrature.* dynamics/fft_kernels.*"
+                       " matrix/gauss.* matrix/mat_mult.* matrix/polynomial.* matrix/quadrature.* dynamics/fft_kernels.*"
                        " hydro_model/waven.* hydro_model/hydrostatics.* hydro_model/panel_motion.*"
                        " hydro_model/hyd_panel_geometry.* hydro_analysis/coefficients.*"
                        " hydro_analysis/csolve.* hydro_analysis/incoming_wave.*"
@@ -32,7 +32,7 @@ PATTERNS = (
                        " dynamics/jacobif.*"
                        " fem/small_matrix.hpp elements/bar.* elements/frame.* elements/plane_beam.*"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
-    ("service", "kernel/* matrix/blocks.* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"
+    ("service", "kernel/* solvers/matrix.* matrix/blocks.* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"
                 " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.* elements/element_family.*"
                 " fem/export_to_gmsh.* fem/nodal_values.* fem/rigid_modes.* fem/state.*"
                 " fem/loads.* fem/masses.* fem/node_records.*"),
