@@ -2,6 +2,7 @@
 #include "dynamics/eigval_jacobi.hpp"
 #include "dynamics/fft.hpp"
 #include "kernel/command.hpp"
+#include "matrix/algebra.hpp"
 #include "matrix/matrix1.hpp"
 #include "matrix/matrix2.hpp"
 #include "matrix/print.hpp"
@@ -18,6 +19,10 @@ static constexpr Family families[] = {
     matrix2_copy_rows,
     matrix2_shape_rows,
     matrix2_select_rows,
+    algebra_elements_rows,
+    algebra_columns_rows,
+    algebra_products_rows,
+    algebra_solve_rows,
     print_rows,
     profile_rows,
     jacobi_rows,
@@ -26,8 +31,6 @@ static constexpr Family families[] = {
 
 /// Words whose commands are not built yet, by family.
 static constexpr std::string_view planned[] = {
-    "add", "sub", "subcol", "sumcol", "norm", "max", "min", "mult_elem", "scale",
-    "mult", "tmult", "col_mult", "mult_col", "diag_mult", "invert", "gauss",
     "ptosparse", "sparse_matrix_clean", "sparse_mult",
     "eigval", "arpack",
 };

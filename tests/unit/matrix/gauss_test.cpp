@@ -1,0 +1,242 @@
+// The product and elimination kernels against LAPACK and the defining identities.
+#include "matrix/gauss.hpp"
+
+#include "matrix/mat_mult.hpp"
+#include "solvers/lapack.hpp"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <random>
+#include <vector>
+
+namespace quelor {
+namespace {
+
+template <class T> struct Full {
+    int rows, cols;
+    std::vector<T> data =
+        std::vector<T>(static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols));
+
+    Matrix<T> view() { return {data.data(), rows, cols}; }
+    Matrix<const T> view() const { return {data.data(), rows, cols}; }
+};
+
+void draw(std::mt19937& random, double& x) {
+    x = std::uniform_real_distribution(-1.0, 1.0)(random);
+}
+void draw(std::mt19937& random, Complex8& z) {
+    double re, im;
+    draw(random, re);
+    draw(random, im);
+    z = {re, im};
+}
+void draw(std::mt19937& random, std::int32_t& x) {
+    x = static_cast<std::int32_t>(random());
+}
+template <class T> Full<T> random_matrix(int rows, int cols, std::mt19937& random) {
+    Full<T> a{rows, cols};
+    for (T& x : a.data)
+        draw(random, x);
+    return a;
+}
+/// Diagonals that dominate the rows: elimination is stable without pivoting.
+template <class T> Full<T> dominant_matrix(int n, std::mt19937& random) {
+    auto a = random_matrix<T>(n, n, random);
+    for (int i = 1; i <= n; ++i)
+        a.view()(i, i) += 2.0 * n;
+    return a;
+}
+template <class T> double largest_difference(const Full<T>& x, const Full<T>& y) {
+    double largest = 0;
+    for (std::size_t i = 0; i < x.data.size(); ++i)
+        largest = std::max(largest, std::abs(x.data[i] - y.data[i]));
+    return largest;
+}
+template <class T> Full<T> product(const Full<T>& a, const Full<T>& b) {
+    Full<T> c{a.rows, b.cols};
+    mat_mult(a.view(), b.view(), c.view(), false);
+    return c;
+}
+
+template <class T> struct DenseKernels : testing::Test {};
+using Numbers = testing::Types<double, Complex8>;
+TYPED_TEST_SUITE(DenseKernels, Numbers);
+
+struct Factor {
+    std::vector<GaussDiagonal> diagonals;
+    void operator()(Matrix<double> a) {
+        diagonals.resize(static_cast<std::size_t>(a.rows));
+        gauss_factor(a, diagonals);
+    }
+    void operator()(Matrix<Complex8> a) { gauss_factor(a); }
+    void operator()(Matrix<double> a, std::span<const double> scale,
+                    std::span<std::int32_t> order) {
+        diagonals.resize(static_cast<std::size_t>(a.rows));
+        gauss_factor(a, diagonals, scale, order);
+    }
+    void operator()(Matrix<Complex8> a, std::span<const double> scale,
+                    std::span<std::int32_t> order) {
+        gauss_factor(a, scale, order);
+    }
+};
+
+// Orders around the block sizes of 32, 64 and 256.
+constexpr int orders[] = {1, 2, 31, 32, 33, 65, 130, 300};
+
+TYPED_TEST(DenseKernels, FactorsWithoutPivotingMultiplyToTheMatrix) {
+    std::mt19937 random(1);
+    for (const int n : orders) {
+        const auto a = dominant_matrix<TypeParam>(n, random);
+        auto factors = a;
+        Factor{}(factors.view());
+        Full<TypeParam> lower{n, n}, upper{n, n};
+        for (int j = 1; j <= n; ++j)
+            for (int i = 1; i <= n; ++i)
+                (i > j ? lower : upper).view()(i, j) = factors.view()(i, j);
+        for (int i = 1; i <= n; ++i)
+            lower.view()(i, i) = 1.0;
+        // rounding: elements up to 2 n, growth factor below 2
+        EXPECT_LT(largest_difference(product(lower, upper), a), 4e-16 * 2 * n * 8) << n;
+    }
+}
+
+TYPED_TEST(DenseKernels, SolutionSatisfiesTheEquationsAndAgreesWithTheInverse) {
+    std::mt19937 random(2);
+    for (const int n : orders) {
+        const auto a = dominant_matrix<TypeParam>(n, random);
+        const auto b = random_matrix<TypeParam>(n, 5, random);
+        auto factors = a, x = b;
+        Factor{}(factors.view());
+        gauss_solve(Matrix<const TypeParam>(factors.view()), x.view());
+        EXPECT_LT(largest_difference(product(a, x), b), 1e-14) << n;
+        auto destroyed = a;
+        Full<TypeParam> inverse{n, n};
+        std::vector<GaussDiagonal> diagonals(static_cast<std::size_t>(n));
+        if constexpr (std::is_same_v<TypeParam, double>)
+            gauss_invert(destroyed.view(), inverse.view(), diagonals);
+        else
+            gauss_invert(destroyed.view(), inverse.view());
+        EXPECT_LT(largest_difference(product(inverse, b), x), 1e-15) << n;
+        EXPECT_EQ(destroyed.data, factors.data);
+    }
+}
+
+TYPED_TEST(DenseKernels, RowOrderSolvesWhatNeedsPivoting) {
+    std::mt19937 random(3);
+    for (const int n : orders) {
+        auto a = random_matrix<TypeParam>(n, n, random);
+        if (n > 1) a.view()(1, 1) = 0.0;
+        for (int j = 1; j <= n; ++j)
+            a.view()(n, j) *= 1e12; // a row of other size; the order is relative to it
+        std::vector<double> scale(static_cast<std::size_t>(n));
+        for (int i = 1; i <= n; ++i) {
+            double largest = 0;
+            for (int j = 1; j <= n; ++j)
+                largest = std::max(largest, std::abs(a.view()(i, j)));
+            scale[static_cast<std::size_t>(i - 1)] = 1 / largest;
+        }
+        auto factors = a;
+        std::vector<std::int32_t> order(static_cast<std::size_t>(n));
+        Factor{}(factors.view(), scale, order);
+        const auto x = random_matrix<TypeParam>(n, 1, random), b = product(a, x);
+        auto solved = b;
+        for (int i = 1; i <= n; ++i)
+            solved.view()(i) = b.view()(order[static_cast<std::size_t>(i - 1)]);
+        gauss_solve(Matrix<const TypeParam>(factors.view()), solved.view());
+        // random matrices: condition about n^2 at worst among these
+        EXPECT_LT(largest_difference(solved, x), 1e-15 * n * n + 1e-13) << n;
+        std::ranges::sort(order);
+        for (int i = 1; i <= n; ++i)
+            EXPECT_EQ(order[static_cast<std::size_t>(i - 1)], i);
+    }
+}
+
+TEST(GaussFactor, RowOrderPutsTheFactorsBackInTheRowsOfTheMatrix) {
+    Full<double> a{2, 2, {0, 4, 2, 6}};
+    std::vector<GaussDiagonal> diagonals(2);
+    const std::vector<double> scale{1.0 / 2, 1.0 / 6};
+    std::vector<std::int32_t> order(2);
+    gauss_factor(a.view(), diagonals, scale, order);
+    EXPECT_EQ(order, (std::vector<std::int32_t>{2, 1}));
+    gauss_restore(a.view(), std::span<const std::int32_t>(order));
+    EXPECT_EQ(a.data, (std::vector<double>{0, 4, 2, 6}));
+}
+
+TEST(GaussFactor, DiagonalsAreThoseOfAPlainElimination) {
+    std::mt19937 random(4);
+    const int n = 100;
+    const auto a = dominant_matrix<double>(n, random);
+    auto factors = a;
+    Factor factor;
+    factor(factors.view());
+    for (int j = 1; j <= n; ++j) {
+        const auto& d = factor.diagonals[static_cast<std::size_t>(j - 1)];
+        EXPECT_EQ(d.before, a.view()(j, j));
+        EXPECT_EQ(d.after, d.before - d.subtracted);
+        EXPECT_EQ(d.after, factors.view()(j, j));
+    }
+}
+
+template <class T> T sum_of_products(Matrix<const T> a, Matrix<const T> b, int i, int j) {
+    T sum{};
+    for (int k = 1; k <= a.cols; ++k)
+        sum += a(i, k) * b(k, j);
+    return sum;
+}
+
+TYPED_TEST(DenseKernels, ProductsAreTheSumsOfTheirDefinition) {
+    std::mt19937 random(5);
+    const auto a = random_matrix<TypeParam>(17, 40, random),
+               b = random_matrix<TypeParam>(40, 9, random);
+    Full<TypeParam> transposed{40, 17}, c{17, 9}, d{17, 9};
+    for (int i = 1; i <= 17; ++i)
+        for (int k = 1; k <= 40; ++k)
+            transposed.view()(k, i) = a.view()(i, k);
+    mat_mult(a.view(), b.view(), c.view(), false);
+    mat_mult(transposed.view(), b.view(), d.view(), true);
+    for (int i = 1; i <= 17; ++i)
+        for (int j = 1; j <= 9; ++j) {
+            const auto sum = sum_of_products(a.view(), b.view(), i, j);
+            EXPECT_LT(std::abs(c.view()(i, j) - sum), 1e-14); // 40 products of at most 2 in size
+            EXPECT_LT(std::abs(d.view()(i, j) - sum), 1e-14);
+        }
+}
+
+TEST(MatMult, IntegersWrapAround) {
+    std::mt19937 random(6);
+    const auto a = random_matrix<std::int32_t>(1100, 3, random),
+               b = random_matrix<std::int32_t>(3, 2, random);
+    Full<std::int32_t> transposed{3, 1100}, c{1100, 2}, d{1100, 2};
+    for (int i = 1; i <= 1100; ++i)
+        for (int k = 1; k <= 3; ++k)
+            transposed.view()(k, i) = a.view()(i, k);
+    mat_mult(a.view(), b.view(), c.view(), false);
+    mat_mult(transposed.view(), b.view(), d.view(), true);
+    for (int i = 1; i <= 1100; ++i)
+        for (int j = 1; j <= 2; ++j) {
+            std::uint64_t sum = 0;
+            for (int k = 1; k <= 3; ++k)
+                sum += static_cast<std::uint64_t>(std::int64_t{a.view()(i, k)} * b.view()(k, j));
+            EXPECT_EQ(c.view()(i, j), static_cast<std::int32_t>(sum));
+            EXPECT_EQ(d.view()(i, j), static_cast<std::int32_t>(sum));
+        }
+}
+
+TYPED_TEST(DenseKernels, FactorsAgreeWithLapackWhereItDoesNotPivot) {
+    if constexpr (std::is_same_v<TypeParam, Complex8>) {
+        std::mt19937 random(7);
+        const int n = 200;
+        const auto a = dominant_matrix<Complex8>(n, random);
+        auto ours = a, theirs = a;
+        Factor{}(ours.view());
+        std::vector<std::int32_t> pivots(static_cast<std::size_t>(n));
+        std::int32_t info = 0;
+        zgetrf_(&n, &n, theirs.data.data(), &n, pivots.data(), &info);
+        for (int i = 1; i <= n; ++i)
+            ASSERT_EQ(pivots[static_cast<std::size_t>(i - 1)], i);
+        EXPECT_LT(largest_difference(ours, theirs), 1e-12); // elements up to 2 n = 400
+    }
+}
+
+} // namespace
+} // namespace quelor
