@@ -57,12 +57,12 @@ std::size_t continuation_mark(std::string_view buffer, std::size_t start) {
 }
 
 /// Reads the lines of one logical record; each continuation line overwrites the "&" before it.
-std::string read_logical_line(std::string_view prompt) {
+std::string read_logical_line(std::string_view prompt, LineKind kind) {
     std::string buffer;
     std::size_t start = 0;
     for (bool prompt_written = false;; prompt_written = true) {
         buffer.resize(start);
-        buffer += read_input_line(prompt, prompt_written).text;
+        buffer += read_input_line(prompt, prompt_written, kind).text;
         const auto mark = continuation_mark(buffer, start);
         const auto length = mark == std::string::npos ? buffer.size() : mark;
         if (length > record_limit) record_too_long();
@@ -72,8 +72,8 @@ std::string read_logical_line(std::string_view prompt) {
 }
 
 /// The reader beneath every record read.
-void read_next_record(std::string_view prompt) {
-    set_record(read_logical_line(prompt));
+void read_next_record(std::string_view prompt, LineKind kind) {
+    set_record(read_logical_line(prompt, kind));
     if (!input_is_console() && input_echo()) write_unit(unit_screen, "(a)", {record().buffer});
 }
 
@@ -267,7 +267,7 @@ std::span<double> parts(std::span<Complex8> values) {
 } // namespace
 
 void read_record(std::string_view prompt, std::string_view echo_prefix, bool echo) {
-    read_next_record(prompt);
+    read_next_record(prompt, LineKind::command);
     if (!echo) return;
     if (echo_prefix.empty()) echo_prefix = "       ";
     if (record().text.empty()) echo_prefix = {};
@@ -276,7 +276,7 @@ void read_record(std::string_view prompt, std::string_view echo_prefix, bool ech
 }
 
 void next_record(std::string_view prompt) {
-    read_next_record(prompt);
+    read_next_record(prompt, LineKind::data);
 }
 
 std::string_view record_text() {

@@ -57,6 +57,13 @@ constexpr std::string_view introduction =
     "The rest of a line after \"/*\" is a comment. Lines with comments cannot be continued.\n\n"
     "Numbers\n\n"
     "Numbers are written as 12, -0.5, 1.2e-3; the letter of the exponent is e or E.\n\n"
+    "At a Terminal\n\n"
+    "Lines are edited with the usual keys. The arrow keys call back the commands of this session and "
+    "of earlier ones, Ctrl-R searches them. Tab completes a command word, the name of an array, and "
+    "behind filein, read and readdb that of a file; a second Tab shows what is possible. Ctrl-C "
+    "gives up the line that is being typed, and Ctrl-D in an empty line ends the input. While a "
+    "command runs, Ctrl-C lets it come to its end and then leaves all input files and loops; Ctrl-\\ "
+    "ends the program at once, without saving.\n\n"
     "See Also\n\thelp command, index\n";
 
 int output_unit() {

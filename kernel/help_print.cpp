@@ -58,9 +58,8 @@ void print_line(Pager& pager, std::string_view line) {
 } // namespace
 
 bool user_quits_page() {
-    write_unit(unit_screen, "10('--q to quit--', $)");
     std::string answer;
-    return !read_console_answer(answer) || answer.starts_with('q');
+    return !read_console_answer("--q to quit--", answer) || answer.starts_with('q');
 }
 
 int wrap_print(int unit, std::string_view text, int& line_count, int page_length) {

@@ -91,11 +91,22 @@ void trim_end(std::string& text) {
     text.resize(text.find_last_not_of(' ') + 1);
 }
 
-InputLine read_console_line(std::string_view prompt, bool prompt_written) {
-    if (!prompt_written) write_text(unit_screen, prompt);
+/// Next line of the console behind its prompt, by the line editor where there is one; false at the
+/// end of input.
+bool take_console_line(std::string_view prompt, LineKind kind, std::size_t limit,
+                       std::string& line) {
+    const EditedLine edited = edit_line(prompt, kind, line);
+    if (edited == EditedLine::no_terminal) {
+        write_text(unit_screen, prompt);
+        return take_line(state.console, limit, line) == LineEnd::newline || !line.empty();
+    }
+    line.resize(std::min(line.size(), limit));
+    return edited == EditedLine::complete;
+}
+
+InputLine read_console_line(std::string_view prompt, LineKind kind) {
     InputLine line{.text = {}, .from_console = true};
-    const LineEnd end = take_line(state.console, line_limit, line.text);
-    if (end == LineEnd::end_of_source && line.text.empty()) {
+    if (!take_console_line(prompt, kind, line_limit, line.text)) {
         write_text(unit_screen, "\n");
         final_exit(false);
     }
@@ -147,8 +158,8 @@ bool input_echo() {
     return current_source().echo;
 }
 
-InputLine read_input_line(std::string_view prompt, bool prompt_written) {
-    if (input_is_console()) return read_console_line(prompt, prompt_written);
+InputLine read_input_line(std::string_view prompt, bool prompt_written, LineKind kind) {
+    if (input_is_console()) return read_console_line(prompt_written ? "" : prompt, kind);
     Source& source = current_source();
     InputLine line;
     const LineEnd end = take_line(source, line_limit, line.text);
@@ -164,12 +175,14 @@ bool input_has_ended() {
     return current_source().closed_itself;
 }
 
-bool read_raw_line(std::string& line) {
+bool read_raw_line(std::string_view prompt, LineKind kind, std::string& line) {
+    if (input_is_console()) return take_console_line(prompt, kind, raw_limit, line);
+    write_text(unit_screen, prompt);
     return take_line(current_source(), raw_limit, line) == LineEnd::newline || !line.empty();
 }
 
-bool read_console_answer(std::string& line) {
-    return take_line(state.console, raw_limit, line) == LineEnd::newline || !line.empty();
+bool read_console_answer(std::string_view prompt, std::string& line) {
+    return take_console_line(prompt, LineKind::answer, raw_limit, line);
 }
 
 void pop_input() {

@@ -2,6 +2,8 @@
 // loop file over the console.
 #pragma once
 
+#include "kernel/terminal.hpp"
+
 #include <string>
 #include <string_view>
 
@@ -22,16 +24,17 @@ struct InputLine {
     std::string text;
     bool from_console = false;
 };
-InputLine read_input_line(std::string_view prompt, bool prompt_written);
+InputLine read_input_line(std::string_view prompt, bool prompt_written,
+                          LineKind kind = LineKind::data);
 /// True when the current file has ended and has already given its closing "return": whoever reads
 /// on regardless of the words read (a block, a loop body) has to stop.
 bool input_has_ended();
-/// Raw line for the project name and RETURN waits: from the current file or the console, unlogged;
-/// false at end of input.
-bool read_raw_line(std::string& line);
+/// Raw line for the project name and RETURN waits, behind its prompt on the screen: from the
+/// current file or the console, unlogged; false at end of input.
+bool read_raw_line(std::string_view prompt, LineKind kind, std::string& line);
 /// Answer to a stop after a page: from the console also while a file is read, unlogged; false at
 /// end of input.
-bool read_console_answer(std::string& line);
+bool read_console_answer(std::string_view prompt, std::string& line);
 void pop_input();
 /// `return`: leaves the current file; after a replayed log the log is opened again.
 void return_from_input();

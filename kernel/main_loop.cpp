@@ -5,6 +5,7 @@
 #include "kernel/alias.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
+#include "kernel/iof.hpp"
 #include "kernel/utilities.hpp"
 
 #include <vector>
@@ -13,8 +14,17 @@ namespace quelor {
 
 static constexpr std::string_view prompt = "quelor-zt> ";
 
+/// What Ctrl-C does while commands come from files: the rest of the files and loops is not run.
+static void leave_input_files() {
+    if (input_is_console()) return;
+    while (!input_is_console())
+        return_from_input();
+    print_both(" \n\tInterrupted; the input files and loops are left\n");
+}
+
 /// The next command word with its alias translated; empty for a blank or comment record.
 static std::string read_command() {
+    if (take_interrupt()) leave_input_files();
     read_record(prompt, prompt, echo_flag());
     return std::string(alias_to_internal(get_command_word()));
 }

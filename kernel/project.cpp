@@ -29,9 +29,9 @@ ProjectState state;
 
 bool ask_project_name() {
     for (int attempt = 1; attempt <= name_tries; ++attempt) {
-        write_text(unit_screen, "    Enter project name: ");
         std::string line;
-        if (!read_raw_line(line) && input_is_console()) {
+        if (!read_raw_line("    Enter project name: ", LineKind::data, line) &&
+            input_is_console()) {
             write_text(unit_screen, "\n");
             final_exit(false);
         }
@@ -96,9 +96,8 @@ void final_exit(bool wait) {
     close_all_inputs();
     db_clear();
     if (wait) {
-        write_text(unit_screen, "Press RETURN to complete shutdown of program.\n");
         std::string line;
-        read_raw_line(line);
+        read_raw_line("Press RETURN to complete shutdown of program.\n", LineKind::answer, line);
     }
     close_all_units();
     std::exit(EXIT_SUCCESS);

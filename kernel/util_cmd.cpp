@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <string>
+#include <sys/wait.h>
 
 namespace quelor {
 
@@ -136,7 +137,8 @@ void cmd_system_command(std::string_view) {
     if (is_blank(arg)) return;
     flush_unit(unit_screen);
     // The result is not reported.
-    [[maybe_unused]] const int status = std::system(std::string(arg.substr(0, 80)).c_str());
+    const int status = std::system(std::string(arg.substr(0, 80)).c_str());
+    if (WIFSIGNALED(status)) write_text(unit_screen, "\n"); // ended within a line, by Ctrl-C
 }
 
 constexpr Command project_row[] = {
