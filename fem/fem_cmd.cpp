@@ -13,14 +13,25 @@
 #include "fem/rigid_modes.hpp"
 #include "fem/state.hpp"
 #include "fem/stress.hpp"
+#include "solvers/lsolve.hpp"
 
 namespace quelor {
 
 /// One line a family of rows.
 static constexpr std::initializer_list<Family> families = {
-    nodes_rows,       bcid_rows,   elemutil_rows, eqns_rows,
-    constraint_rows,  formkm_rows, loads_rows,    masses_rows,
-    state_rows,       stress_rows, pdisp_rows,    export_to_graphics_rows,
+    nodes_rows,
+    bcid_rows,
+    elemutil_rows,
+    eqns_rows,
+    constraint_rows,
+    formkm_rows,
+    loads_rows,
+    masses_rows,
+    lsolve_rows,
+    state_rows,
+    stress_rows,
+    pdisp_rows,
+    export_to_graphics_rows,
     rigid_modes_rows,
 };
 
@@ -30,7 +41,7 @@ static constexpr std::string_view planned[] = {
     "eq_direction",
     "conc_deck_loads", "distr_deck_loads", "pdeck_loads",
     "current_velocity", "pcurrentvelocity", "cp_tables", "body_frc2d", "pbody_frc2d",
-    "lsolve", "nsolve", "disp_cntl",
+    "nsolve", "disp_cntl",
     "consolidation", "water_waves",
     "el_iso_matl",
     "modal_th", "direct_th",

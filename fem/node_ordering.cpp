@@ -127,7 +127,7 @@ public:
             e = sum += e;
         for (std::size_t e = end.size(); e-- > 0;) // downward, so that each list ascends
             for (const std::int32_t n : nodes_of(e))
-                elements_[--node_end_[index_of(n)]] = e;
+                elements_[--node_end_[index_of(n)]] = static_cast<std::int32_t>(e);
         // node_end_ now holds the beginnings; those of the next node are the ends.
         node_end_.push_back(nodes.size());
     }
@@ -136,7 +136,7 @@ public:
     template <class F> void neighbours(std::int32_t n, F wanted, std::vector<std::int32_t>& out) {
         mark_[index_of(n)] = n;
         for (std::size_t i = node_end_[index_of(n)]; i < node_end_[index_of(n) + 1]; ++i)
-            for (const std::int32_t m : nodes_of(elements_[i])) {
+            for (const std::int32_t m : nodes_of(static_cast<std::size_t>(elements_[i]))) {
                 if (mark_[index_of(m)] == n || !wanted(m)) continue;
                 mark_[index_of(m)] = n;
                 out.push_back(m);
@@ -151,7 +151,8 @@ private:
     }
 
     std::span<const std::int32_t> end_, nodes_;
-    std::vector<std::size_t> node_end_, elements_;
+    std::vector<std::size_t> node_end_;
+    std::vector<std::int32_t> elements_;
     std::vector<std::int32_t> mark_; // node for which a node was last listed
 };
 
