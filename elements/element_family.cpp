@@ -50,6 +50,13 @@ std::string_view trial_or_state(std::string_view trial, std::string_view state) 
     return array_exists(trial) ? trial : state;
 }
 
+Matrix<double> trial_array(std::string_view trial, int rows, int cols) {
+    const ArrayRef old = find_array(trial);
+    if (old.is(type_real) && old.rows() == rows && old.cols() == std::max(cols, 1))
+        return as_matrix<double>(old);
+    return create_matrix<double>(trial, rows, cols);
+}
+
 void commit_state(std::string_view trial, std::string_view state) {
     if (array_exists(trial)) move_array(trial, state);
 }

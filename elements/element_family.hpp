@@ -54,6 +54,9 @@ std::span<const T> element_vector(std::string_view message, std::string_view arr
 }
 /// The trial array when it exists, otherwise the committed one.
 std::string_view trial_or_state(std::string_view trial, std::string_view state);
+/// The trial array for a pass: the one at hand when it has the wanted shape, otherwise a new one.
+/// cols = 0 makes a vector of length rows.
+Matrix<double> trial_array(std::string_view trial, int rows, int cols);
 /// Moves the trial state over the committed one.
 void commit_state(std::string_view trial, std::string_view state);
 /// The text with each mark replaced, for the help of types that share it.

@@ -335,17 +335,14 @@ void truss_trial_state(const TrussKind& kind) {
     const auto x = require_coordinates();
     const Equations equations = open_equations();
     const Displacements u = open_displacements(equations);
-    const ArrayRef old = find_array(kind.trial);
-    const auto trial = old.is(type_real) && old.size() == m.el.cols
-                           ? as_span<double>(old)
-                           : create_matrix<double>(kind.trial, m.el.cols, 0).all();
+    const auto trial = trial_array(kind.trial, m.el.cols, 0);
     GlobalVector internal = open_internal_force(equations);
     for (int e = 1; e <= m.el.cols; ++e) {
         const Properties p = properties_of(m, e);
         const TrussElement element = truss_element_of(m, equations, x, e);
         const TrussState state =
             kind.large_displacement ? large_state(p, element, u) : linear_state(p, element, u);
-        trial[static_cast<std::size_t>(e - 1)] = state.stored;
+        trial(e) = state.stored;
         const auto force =
             transposed_product(element.connection.t, bar_force(state.direction, state.acting));
         add_internal_force(internal, element.list(), std::span(force).first(element.list().size()));

@@ -23,12 +23,11 @@ private:
     }
 };
 
-/// The matrix, filled below its diagonal from what stands above it.
-template <int N> SmallMatrix<N> mirrored(SmallMatrix<N> k) {
-    for (int j = 1; j <= k.cols; ++j)
-        for (int i = j + 1; i <= k.rows; ++i)
-            k(i, j) = k(j, i);
-    return k;
+template <int N> std::array<double, N> diagonal_of(const SmallMatrix<N>& k) {
+    std::array<double, N> d{};
+    for (int i = 1; i <= k.rows; ++i)
+        d[static_cast<std::size_t>(i - 1)] = k(i, i);
+    return d;
 }
 
 /// m v
