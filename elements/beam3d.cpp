@@ -4,6 +4,7 @@
 
 #include "elements/element_family.hpp"
 #include "elements/frame.hpp"
+#include "fem/export_to_gmsh.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
@@ -115,7 +116,11 @@ void store_beam_record(const BeamRecord& r, int materials, Matrix<std::int32_t> 
         // A direction code in the place of node 3 stays as it is.
         const std::int32_t node3 = r.node3 < 0 ? r.node3 : advanced_node(r.node3, r.inc2, k);
         const std::array row{advanced_node(r.nodes[0], r.inc, k),
-                             advanced_node(r.nodes[1], r.inc, k), r.mat, r.print, node3, e};
+                             advanced_node(r.nodes[1], r.inc, k),
+                             r.mat,
+                             r.print,
+                             node3,
+                             e};
         std::ranges::copy(row, el.col(e).begin());
         set_beam_tension(st, e, r.tension + k * step);
     }
@@ -265,8 +270,8 @@ void beam_lumped(GlobalMatrix (*open)(const Equations&), int translation, int ro
     for (int e = 1; e <= m.el.cols; ++e) {
         const Vec3 t = m.three(e, translation);
         const Vec3 r = rotary != 0 ? m.three(e, rotary) : Vec3{};
-        const auto matrix = frame_to_global_diagonal(frame_lumped(t, r, length_of(m, e)),
-                                                     axes_of(m.el, x, e));
+        const auto matrix =
+            frame_to_global_diagonal(frame_lumped(t, r, length_of(m, e)), axes_of(m.el, x, e));
         element_equations(equations, m.nodes(e), all_six, list);
         if (diagonal)
             add_mass(global, list, diagonal_of(matrix));
@@ -351,6 +356,12 @@ void print_beam_state(std::string_view array) {
     }
 }
 
+void export_beams() {
+    const auto el = element_matrix<std::int32_t>(beam3d_missing, beam3d_el, 6, any_size);
+    gmsh_write_elements(el, 6, 2, 1, std::array{99, 2});
+    gmsh_count_elements(largest_in_row(el, 6));
+}
+
 } // namespace
 
 // --- services of the generation
@@ -391,8 +402,7 @@ void beam3d_element(Request request) {
     case Task::column_heights:
         return beam_column_heights();
     case Task::connectivity:
-        return elem_conn0(
-            element_matrix<std::int32_t>(beam3d_missing, beam3d_el, 6, any_size), 2);
+        return elem_conn0(element_matrix<std::int32_t>(beam3d_missing, beam3d_el, 6, any_size), 2);
     case Task::stiffness:
         return beam_stiffness();
     case Task::mass:
@@ -412,6 +422,8 @@ void beam3d_element(Request request) {
         return print_beam_state(beam3d_st);
     case Task::print_trial_state:
         return print_beam_state(trial_or_state(beam3d_trial, beam3d_st));
+    case Task::mesh_export:
+        return export_beams();
     default:
         return; // no work for a beam
     }

@@ -2,9 +2,6 @@
 
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
-#include "kernel/utilities.hpp"
-
-#include <algorithm>
 
 namespace quelor {
 
@@ -44,6 +41,13 @@ ArrayRef element_array(std::string_view message, std::string_view array, TypeCod
         (cols != any_size && ref.cols() != cols))
         shutdown_with(message);
     return ref;
+}
+
+std::int32_t largest_in_row(Matrix<const std::int32_t> el, int row) {
+    std::int32_t largest = 0;
+    for (int e = 1; e <= el.cols; ++e)
+        largest = std::max(largest, el(row, e));
+    return largest;
 }
 
 std::string_view trial_or_state(std::string_view trial, std::string_view state) {

@@ -5,7 +5,9 @@
 #include "fem/assembly.hpp"
 #include "fem/elemutil.hpp"
 #include "fem/nodes.hpp"
+#include "kernel/utilities.hpp"
 
+#include <algorithm>
 #include <limits>
 #include <string>
 
@@ -35,6 +37,18 @@ void require_finite(std::span<const double> values, std::string_view what);
 /// of integers it stays at the range's end, where the check of the nodes finds it.
 std::int32_t advanced_node(std::int32_t n, std::int32_t inc, std::int64_t steps);
 
+/// Appends `extra` columns of zeros to an array of `rows` rows, or makes it with them.
+template <class T> Matrix<T> append_columns(std::string_view array, int rows, int extra) {
+    const ArrayRef ref = find_array(array);
+    const bool fits = ref.is(type_code<T>) && ref.ndim() <= 2 && ref.rows() == rows;
+    const int present = fits ? ref.cols() : 0;
+    const std::string work = unused_name("$append");
+    const Matrix<T> wide = create_matrix<T>(work, rows, present + extra);
+    if (fits) std::ranges::copy(as_span<T>(ref), wide.data);
+    move_array(work, array);
+    return wide;
+}
+
 // --- workers
 // --------------------------------------------------------------------------------------
 
@@ -52,6 +66,8 @@ template <class T>
 std::span<const T> element_vector(std::string_view message, std::string_view array, int n) {
     return element_matrix<T>(message, array, n, 1).all();
 }
+/// Largest value of a row, 0 when there are no columns.
+std::int32_t largest_in_row(Matrix<const std::int32_t> el, int row);
 /// The trial array when it exists, otherwise the committed one.
 std::string_view trial_or_state(std::string_view trial, std::string_view state);
 /// The trial array for a pass: the one at hand when it has the wanted shape, otherwise a new one.

@@ -1,4 +1,7 @@
 // The element table: one row a slot. Nothing else in the program spells the names of the elements.
+#include "elements/beam3d.hpp"
+#include "elements/interface_elem.hpp"
+#include "elements/nbeam2d.hpp"
 #include "elements/truss.hpp"
 #include "fem/elemutil.hpp"
 #include "hydro_model/hyd_panel.hpp"
@@ -23,8 +26,9 @@ std::span<const ElementRow, element_slots> element_rows() {
     static const std::array<ElementRow, element_slots> rows{{
         {1, "ntruss", "large displacement truss", ntruss_element, ntruss_help(), pntruss_help()},
         planned(2, "spring", "nonlinear, elastic spring"),
-        planned(3, "beam3d", "linear, 3-D beam"),
-        planned(4, "nbeam2d", "large displacement, elastic 2D beam"),
+        {3, "beam3d", "linear, 3-D beam", beam3d_element, beam3d_help(), pbeam3d_help()},
+        {4, "nbeam2d", "large displacement, elastic 2D beam", nbeam2d_element, nbeam2d_help(),
+         pnbeam2d_help()},
         planned(5, "cable", "elastic catenary cable"),
         planned(6, "d2l3to9", "2-D, linear elastic"),
         planned(7, "d2ltri", "2-D, linear elastic triangular"),
@@ -48,7 +52,8 @@ std::span<const ElementRow, element_slots> element_rows() {
         planned(25, "min6", "linear, triangular Mindlin plate"),
         planned(26, "isomin6", "linear, triangular Mindlin plate"),
         planned(27, "iFEM2D", "2-D, 3 to 9 node element for nonlinear iFEM"),
-        planned(28, "interface", "quadrilateral (and triangular) interface"),
+        {28, "interface", "quadrilateral (and triangular) interface", interface_element,
+         interface_help(), pinterface_help()},
         {29, "truss", "linear truss", truss_element, truss_help(), ptruss_help()},
         planned(30, "stiff2n", "linear elastic 2-node stiffness"),
         planned(31, "shell3",

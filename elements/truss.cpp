@@ -5,7 +5,6 @@
 #include "elements/bar.hpp"
 #include "elements/element_family.hpp"
 #include "fem/export_to_gmsh.hpp"
-#include "fem/formkm.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
@@ -145,6 +144,7 @@ void read_truss(const TrussKind& kind) {
         get_int_par(" nl=", code);
     else
         code = has_flag(" -kg") ? 2 : 1;
+    if (code != 1 && code != 2) return print_both(" \n\tnl must be 1 or 2\n");
     delete_truss(kind);
     read_truss_materials(kind, m);
     const TrussTables tables = create_tables(kind, n);
