@@ -13,6 +13,8 @@ extern "C" {
 // a = P L U in place; info = k > 0: pivot k is exactly zero.
 void cgetrf_(const std::int32_t* m, const std::int32_t* n, std::complex<float>* a,
              const std::int32_t* lda, std::int32_t* ipiv, std::int32_t* info);
+void dgetrf_(const std::int32_t* m, const std::int32_t* n, double* a, const std::int32_t* lda,
+             std::int32_t* ipiv, std::int32_t* info);
 void zgetrf_(const std::int32_t* m, const std::int32_t* n, std::complex<double>* a,
              const std::int32_t* lda, std::int32_t* ipiv, std::int32_t* info);
 
