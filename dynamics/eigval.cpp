@@ -7,6 +7,7 @@
 
 #include "fem/eqns.hpp"
 #include "fem/formkm.hpp"
+#include "fem/nodes.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/project.hpp"
@@ -38,7 +39,9 @@ EigvalOptions read_options() {
     o.disk = has_flag(" -disk");
     o.sparse = has_flag(" -sparse");
     o.random = has_flag(" -random");
-    if (has_flag("minv="))
+    std::int32_t minv = no_integer; // an old key
+    get_int_par("minv=", minv);
+    if (minv != no_integer)
         print_both(" \nParameter minv is not supported; it has been replaced by ss_size\n");
     if (o.maxit < 1) o.maxit = 30;
     o.tol = tolerance_of(o.digits);
@@ -83,8 +86,9 @@ Pencil open_pencil(int n) {
 
 /// True when the arrays that the starting vectors are made from exist, or none are wanted.
 bool check_start(const EigvalOptions& o) {
-    if (o.subspace == 0 || !o.has_rigid() || (array_exists(xyz) && array_exists(node_eqs)))
-        return true;
+    if (o.subspace == 0 || !o.has_rigid()) return true;
+    const ArrayRef equations = find_array(node_eqs);
+    if (array_exists(xyz) && equations.is(type_integer) && equations.rows() >= 6) return true;
     print_both(" \n\tArrays .xyz and .node_eqs required for rigid body modes\n");
     return false;
 }
@@ -98,14 +102,15 @@ void report_start(const EigvalOptions& o) {
                    " 10x, 'Range of nodes for rigid body modes (0 0: all)..........',2i6)",
                    {std::span<const std::int32_t>(o.rigid), std::span<const double>(o.cg),
                     std::span<const std::int32_t>(o.node_range)});
-    if (o.start_given)
-        write_both("85(10x, 'Starting vectors in array vec_init will be used')");
+    if (o.start_given) write_both("85(10x, 'Starting vectors in array vec_init will be used')");
 }
 
 void report_options(const EigvalOptions& o, int n) {
     const bool jacobi = o.subspace == 0;
-    if (jacobi) write_both("40(/,5x, 'Eigenvalue Solution by Jacobi Iteration')");
-    else write_both("30(/,5x, 'Eigenvalue Solution by Subspace Iteration')");
+    if (jacobi)
+        write_both("40(/,5x, 'Eigenvalue Solution by Jacobi Iteration')");
+    else
+        write_both("30(/,5x, 'Eigenvalue Solution by Subspace Iteration')");
     write_both("50(10x,     'Number of equations.....................................',i6, /,10x,"
                "     'Number of eigenvalues...................................',i6)",
                {n, o.modes});
@@ -122,8 +127,10 @@ void report_options(const EigvalOptions& o, int n) {
                "     '0 -> profile storage', /, 15x, '1 -> sparse storage', /)",
                {o.maxit, o.digits, o.shift, 0});
     if (!jacobi) report_start(o);
-    if (o.frequencies) write_both("90(10x, 'Radian natural frequencies will be in array .omega')");
-    else write_both("100(10x, 'Eigenvalues will be in array .omega2')");
+    if (o.frequencies)
+        write_both("90(10x, 'Radian natural frequencies will be in array .omega')");
+    else
+        write_both("100(10x, 'Eigenvalues will be in array .omega2')");
     write_both("110(10x, 'Mass-normalized eigenvectors will be in array .phi',/)");
 }
 
@@ -174,7 +181,8 @@ void solve_by_jacobi(const EigvalOptions& o, const Pencil& p) {
     if (p.diagonal_mass)
         for (int i = 1; i <= p.n; ++i)
             m.view(i, i) = p.m[static_cast<std::size_t>(i - 1)];
-    else expand_profile(p.m, p.loc, m.view);
+    else
+        expand_profile(p.m, p.loc, m.view);
     Temporary<double> phi("$jac_phip", p.n, p.n), lambda("$lam_temp", p.n, 0);
     solve_pencil(k.view, m.view, phi.view, lambda.view.all(), o.tol, o.maxit);
     const auto wanted = lambda.view.all().first(static_cast<std::size_t>(o.modes));

@@ -6,7 +6,8 @@
 #include "dynamics/subspace.hpp"
 #include "fem/eqns.hpp"
 #include "fem/formkm.hpp"
-#include "fem/rigid_shape.hpp"
+#include "fem/nodes.hpp"
+#include "fem/rigid_modes.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
@@ -36,17 +37,14 @@ void fill_randomly(const EigvalOptions& options, Matrix<double> x, int first) {
 
 /// Rigid body modes into the first columns; returns the number of columns set.
 int start_from_rigid(const EigvalOptions& options, Matrix<double> x) {
-    const Equations equations = open_equations();
-    const auto coordinates = require_matrix<double>(xyz, 3);
+    const NodeSet nodes = open_nodes(fe_nodes);
+    const auto equations = require_matrix<std::int32_t>(node_eqs);
     const auto [first, last] = options.node_range;
     if (first > last) shutdown_with(" \n\t\tNodal range out of sequence\n");
-    const int nodes = std::min(coordinates.cols, equations.of_node.cols);
     int columns = 0;
-    for (int mode = 1; mode <= 6; ++mode) {
-        if (options.rigid[static_cast<std::size_t>(mode - 1)] == 0 || columns == x.cols) continue;
-        rigid_shape(equations, coordinates, mode, options.cg, std::max(first, 1),
-                    first == 0 && last == 0 ? nodes : std::min(last, nodes), x.col(++columns));
-    }
+    for (int mode = 1; nodes && mode <= 6; ++mode)
+        if (options.rigid[static_cast<std::size_t>(mode - 1)] != 0 && columns < x.cols)
+            rigid_shape(mode, nodes, equations, options.cg, {first, last}, x.col(++columns));
     return columns;
 }
 
@@ -54,8 +52,7 @@ int start_from_rigid(const EigvalOptions& options, Matrix<double> x) {
 /// number of columns set.
 int start_from_user(Matrix<double> x, int columns) {
     const ArrayRef vectors = find_array_2d(eigval_init);
-    if (!vectors.is(type_real))
-        shutdown_with(" /n/tArray eigval_init not found or is wrong type");
+    if (!vectors.is(type_real)) shutdown_with(" /n/tArray eigval_init not found or is wrong type");
     if (vectors.rows() != x.rows) shutdown_with(" /n/tArray eigval_init does not have neq rows");
     const auto from = as_matrix<const double>(vectors);
     for (int j = 1; j <= from.cols && columns < x.cols - 1; ++j)
@@ -68,8 +65,7 @@ void set_start(const EigvalOptions& options, std::span<const double> k_diagonal,
     int columns = options.has_rigid() ? start_from_rigid(options, x) : 0;
     if (options.start_given) columns = start_from_user(x, columns);
     if (options.random) return fill_randomly(options, x, columns + 1);
-    if (!options.has_rigid() && !options.start_given)
-        start_from_mass(m_diagonal, x.col(++columns));
+    if (!options.has_rigid() && !options.start_given) start_from_mass(m_diagonal, x.col(++columns));
     const int found = start_from_ratios(k_diagonal, m_diagonal, x, columns + 1);
     if (found >= x.cols) return;
     write_both("20(/,'    Only', i5, ' out of', i5, ' starting vectors can be created',/,"
@@ -204,8 +200,10 @@ void copy_diagonal(std::span<const double> a, std::span<const std::int32_t> loc,
 void set_start_vectors(const EigvalOptions& options, const Pencil& pencil, Matrix<double> x) {
     Temporary<double> k_diagonal("$ss_kd", pencil.n, 0), m_diagonal("$ss_md", pencil.n, 0);
     copy_diagonal(pencil.k, pencil.loc, k_diagonal.view.all());
-    if (pencil.diagonal_mass) std::ranges::copy(pencil.m, m_diagonal.view.data);
-    else copy_diagonal(pencil.m, pencil.loc, m_diagonal.view.all());
+    if (pencil.diagonal_mass)
+        std::ranges::copy(pencil.m, m_diagonal.view.data);
+    else
+        copy_diagonal(pencil.m, pencil.loc, m_diagonal.view.all());
     set_start(options, k_diagonal.view.all(), m_diagonal.view.all(), x);
 }
 

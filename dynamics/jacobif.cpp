@@ -1,5 +1,7 @@
 // The generalised Jacobi method. The upper triangles are transformed alone. Row i, which takes part
-// in the n - i pairs (i,j) one after the other, stands in a vector meanwhile.
+// in the n - i pairs (i,j) one after the other, stands in a vector meanwhile. The pairs are taken
+// in blocks of j, and the columns behind a block get its transformations together: the rows j of a
+// block are neighbours in memory, and each element sees the same operations in the same order.
 #include "dynamics/jacobif.hpp"
 
 #include <algorithm>
@@ -17,6 +19,13 @@ namespace {
 struct Rotation {
     double ca = 0, cg = 0;
 };
+
+struct PairRotation : Rotation {
+    int j = 0;
+};
+
+constexpr int block = 32; ///< pairs
+constexpr int lanes = 4;  ///< columns behind a block taken together
 
 /// x, y := x + cg y, y + ca x
 void rotate_pairs(Rotation t, double* x, double* y, int n) {
@@ -56,17 +65,26 @@ public:
         for (int j = i + 1; j <= n(); ++j)
             a_(i, j) = row(j);
     }
-    /// Both sides by the transformation of (i,j), which makes A(i,j) zero; row i has been taken.
-    void rotate(int i, int j, Rotation t) {
+    /// Both sides by the transformation of (i,j), which makes A(i,j) zero, but for the columns
+    /// behind `last`; row i has been taken.
+    void rotate(int i, int j, Rotation t, int last) {
         double* const column = a_.col(j).data();
         rotate_pairs(t, row_.data(), column, i - 1);
         rotate_pairs(t, row_.data() + i, column + i, j - i - 1);
-        for (int r = j + 1; r <= n(); ++r)
+        for (int r = j + 1; r <= last; ++r)
             rotate_pairs(t, &row(r), &a_(j, r), 1);
         const double ii = diagonal(i), jj = diagonal(j), ij = row(j);
         diagonal(i) = ii + t.cg * (2 * ij + t.cg * jj);
         diagonal(j) = jj + t.ca * (2 * ij + t.ca * ii);
         row(j) = 0;
+    }
+    /// A block's transformations of the columns behind `last`.
+    void rotate_behind(std::span<const PairRotation> rotations, int last) {
+        int r = last + 1;
+        for (; r + lanes - 1 <= n(); r += lanes)
+            rotate_columns<lanes>(rotations, r);
+        for (; r <= n(); ++r)
+            rotate_columns<1>(rotations, r);
     }
     /// Whether all couplings lie within the limit.
     bool uncoupled(double limit) {
@@ -85,6 +103,18 @@ public:
     }
 
 private:
+    template <int count> void rotate_columns(std::span<const PairRotation> rotations, int first) {
+        double x[count], *column[count];
+        for (int q = 0; q < count; ++q) {
+            x[q] = row(first + q);
+            column[q] = a_.col(first + q).data() - 1;
+        }
+        for (const PairRotation& t : rotations)
+            for (int q = 0; q < count; ++q)
+                rotate_pairs(t, &x[q], &column[q][t.j], 1);
+        for (int q = 0; q < count; ++q)
+            row(first + q) = x[q];
+    }
     // Divided one by one, so that neither product leaves the range of numbers.
     double ratio(double x, int i, int j) { return x / diagonal(i) * (x / diagonal(j)); }
     /// Divides by a power of two, exactly, so that fourth powers stay in range.
@@ -132,12 +162,14 @@ bool make_rotation(Triangle& k, Triangle& m, int i, int j, Rotation& t) {
     const double noise =
         4 * std::numeric_limits<double>::epsilon() * (std::abs(kii * mjj) + std::abs(kjj * mii));
     if (std::abs(d) <= noise * noise) {
-        t = {0, kjj == 0 ? -mij / mjj : -kij / kjj};
+        t.ca = 0;
+        t.cg = kjj == 0 ? -mij / mjj : -kij / kjj;
         return true;
     }
     if (d < 0) return false;
     const double x = b / 2 + std::copysign(std::sqrt(d), b < 0 ? -1.0 : 1.0);
-    t = {ag / x, -ak / x};
+    t.ca = ag / x;
+    t.cg = -ak / x;
     return true;
 }
 
@@ -146,23 +178,35 @@ struct Sweep {
     std::int64_t rotations = 0;
 };
 
+/// The pairs (i, first..last); false when the matrices are not definite.
+bool sweep_block(Triangle& k, Triangle& m, Matrix<double> phi, double threshold, int i, int first,
+                 int last, std::int64_t& rotations) {
+    PairRotation list[block];
+    int count = 0;
+    for (int j = first; j <= last; ++j) {
+        if (!(k.coupling(i, j) > threshold || m.coupling(i, j) > threshold)) continue;
+        PairRotation& t = list[count++];
+        t.j = j;
+        if (!make_rotation(k, m, i, j, t)) return false;
+        k.rotate(i, j, t, last);
+        m.rotate(i, j, t, last);
+        rotate_pairs(t, phi.col(i).data(), phi.col(j).data(), phi.rows);
+    }
+    k.rotate_behind({list, static_cast<std::size_t>(count)}, last);
+    m.rotate_behind({list, static_cast<std::size_t>(count)}, last);
+    rotations += count;
+    return true;
+}
+
 Sweep sweep_pairs(Triangle& k, Triangle& m, Matrix<double> phi, double threshold) {
     Sweep sweep;
     for (int i = 1; i < k.n(); ++i) {
         k.take_row(i);
         m.take_row(i);
-        for (int j = i + 1; j <= k.n(); ++j) {
-            if (!(k.coupling(i, j) > threshold || m.coupling(i, j) > threshold)) continue;
-            Rotation t;
-            if (!make_rotation(k, m, i, j, t)) {
-                sweep.definite = false;
-                return sweep;
-            }
-            k.rotate(i, j, t);
-            m.rotate(i, j, t);
-            rotate_pairs(t, phi.col(i).data(), phi.col(j).data(), phi.rows);
-            ++sweep.rotations;
-        }
+        for (int j = i + 1; j <= k.n() && sweep.definite; j += block)
+            sweep.definite = sweep_block(k, m, phi, threshold, i, j, std::min(j + block - 1, k.n()),
+                                         sweep.rotations);
+        if (!sweep.definite) break;
         k.put_row(i);
         m.put_row(i);
     }

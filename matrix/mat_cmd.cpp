@@ -1,5 +1,5 @@
 // The table of the matrix commands.
-#include "dynamics/eigval_jacobi.hpp"
+#include "dynamics/eigval.hpp"
 #include "dynamics/fft.hpp"
 #include "kernel/command.hpp"
 #include "matrix/algebra.hpp"
@@ -26,13 +26,14 @@ static constexpr Family families[] = {
     print_rows,
     profile_rows,
     jacobi_rows,
+    eigval_rows,
     fft_rows,
 };
 
 /// Words whose commands are not built yet, by family.
 static constexpr std::string_view planned[] = {
     "ptosparse", "sparse_matrix_clean", "sparse_mult",
-    "eigval", "arpack",
+    "arpack",
 };
 // clang-format on
 

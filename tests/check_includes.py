@@ -29,7 +29,7 @@ PATTERNS = (
                        " hydro_model/hyd_panel_geometry.* hydro_analysis/coefficients.*"
                        " hydro_analysis/csolve.* hydro_analysis/incoming_wave.*"
                        " hydro_analysis/solve2.* hydro_analysis/symmetry.hpp solvers/lapack.hpp solvers/solver.*"
-                       " dynamics/jacobif.*"
+                       " dynamics/jacobif.* dynamics/subspace.*"
                        " fem/small_matrix.hpp elements/bar.* elements/frame.* elements/plane_beam.*"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
     ("service", "kernel/* solvers/matrix.* matrix/blocks.* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"

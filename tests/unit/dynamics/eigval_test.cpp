@@ -1,0 +1,266 @@
+// The command `eigval` on matrices put into the store, and the pieces of the subspace iteration.
+#include "../support/session.hpp"
+#include "pencils.hpp"
+
+#include "dynamics/eigval.hpp"
+#include "dynamics/subspace.hpp"
+#include "fem/eqns.hpp"
+#include "fem/formkm.hpp"
+#include "kernel/project.hpp"
+
+#include <numbers>
+
+namespace quelor {
+
+namespace {
+
+class Eigval : public Session {
+protected:
+    Eigval() : Session({eigval_rows()}) {
+        testing::FLAGS_gtest_death_test_style = "fast";
+        set_project_name("job");
+    }
+    /// Tridiagonal matrices as the model's: c1, d1 on and off the diagonal of K, c2, d2 of M.
+    static void make_chain(int n, double c1, double d1, double c2, double d2) {
+        create_int_scalar(num_eqs, n);
+        const auto loc = create_matrix<std::int32_t>(kdiag_loc, n + 1, 0);
+        const auto k = create_matrix<double>(kstr, 2 * n - 1, 0);
+        const auto m = create_matrix<double>(mstr, 2 * n - 1, 0);
+        for (int j = 1, at = 1; j <= n; ++j) {
+            loc(j) = at;
+            k(at) = c1;
+            m(at++) = c2;
+            if (j > 1) {
+                k(at) = d1;
+                m(at++) = d2;
+            }
+            loc(j + 1) = at;
+        }
+    }
+    /// A bar of unit properties and length fixed at both ends, n + 1 linear elements; its
+    /// eigenvalues are 6/h^2 (1 - cos a)/(2 + cos a), a = i pi h.
+    static void make_bar(int n) {
+        const double h = 1.0 / (n + 1);
+        make_chain(n, 2 / h, -1 / h, 4 * h / 6, h / 6);
+    }
+    static double bar_eigenvalue(int i, int n) {
+        const double h = 1.0 / (n + 1), s = std::sin(i * std::numbers::pi * h / 2);
+        return 12 * s * s / (h * h * (3 - 2 * s * s));
+    }
+    static void lump_mass(int n, double value) {
+        std::ranges::fill(create_matrix<double>(mstr, n, 0).all(), value);
+    }
+    static std::vector<double> values_of(std::string_view name) {
+        const auto span = as_span<double>(find_array(name));
+        return {span.begin(), span.end()};
+    }
+    /// K or M in full, phi: for the residual.
+    static Owned full(std::string_view name) {
+        const auto a = as_span<double>(find_array(name));
+        const auto loc = as_span<std::int32_t>(find_array(kdiag_loc));
+        const int n = static_cast<int>(loc.size()) - 1;
+        Owned matrix(n, n);
+        for (int j = 1; j <= n; ++j) {
+            const auto at = static_cast<std::size_t>(loc[static_cast<std::size_t>(j - 1)] - 1);
+            matrix(j, j) = a[at];
+            if (j > 1) matrix(j, j - 1) = matrix(j - 1, j) = a[at + 1];
+        }
+        return matrix;
+    }
+    static Owned shapes() {
+        const auto phi = as_matrix<double>(find_array(mode_shapes));
+        Owned matrix(phi.rows, phi.cols);
+        std::ranges::copy(phi.all(), matrix.data.begin());
+        return matrix;
+    }
+    void expect_fatal(const char* command, const char* message) {
+        const auto fails = [&] {
+            detach();
+            set_record(command);
+            find("eigval")->run("eigval");
+        };
+        std::filesystem::remove("job.db");
+        EXPECT_EXIT(fails(), testing::ExitedWithCode(0), message) << command;
+        EXPECT_TRUE(std::filesystem::exists("job.db")) << command;
+    }
+};
+
+bool holds(const std::string& text, std::string_view part) {
+    return text.find(part) != std::string::npos;
+}
+
+} // namespace
+
+// Rounding: eps |K||x| over lambda |M||x|, 4e5 eps here, is below 1e-10 for the lowest mode. The
+// error of a shape is the root of that of its eigenvalue, so a residual of 1e-8 takes 14 digits,
+// and a subspace in which a step gains a digit or more.
+TEST_F(Eigval, both_methods_give_the_modes_of_a_bar) {
+    const int n = 300;
+    for (const char* command :
+         {"eigval", "eigval #=10 digits=14 ss_size=40", "eigval #=10 digits=14 ss_size=40 -random",
+          "eigval #=10 digits=14 ss_size=40 -disk"}) {
+        make_bar(n);
+        const auto stiffness = values_of(kstr);
+        const std::string screen = run(command);
+        const auto lambda = values_of(omega2);
+        Owned phi = shapes(), k = full(kstr), m = full(mstr);
+        for (int i = 1; i <= phi.cols; ++i)
+            EXPECT_NEAR(lambda[static_cast<std::size_t>(i - 1)] / bar_eigenvalue(i, n), 1, 1e-10)
+                << command << i;
+        EXPECT_EQ(phi.cols, command == std::string_view("eigval") ? n : 10);
+        EXPECT_LT(mass_error(m, phi), 1e-10) << command;
+        EXPECT_LT(residual(k, m, phi, lambda), 1e-8) << command;
+        EXPECT_EQ(values_of(kstr), stiffness) << command;
+        EXPECT_EQ(holds(screen, "Subspace iteration  1"), phi.cols == 10);
+    }
+    EXPECT_FALSE(std::filesystem::exists("$ss_korig"));
+    for (NamedArray a = db_next(""); !a.name.empty(); a = db_next(a.name))
+        EXPECT_NE(a.name.front(), '$') << a.name;
+}
+
+TEST_F(Eigval, diagonal_mass_and_frequencies) {
+    const int n = 40; // lambda = 4 sin^2(i pi/(2n + 2))/2
+    for (const char* command : {"eigval -freq", "eigval #=3 -freq digits=12"}) {
+        make_chain(n, 2, -1, 0, 0);
+        lump_mass(n, 2);
+        run(command);
+        for (int i = 1; i <= 3; ++i)
+            EXPECT_NEAR(values_of(omega)[static_cast<std::size_t>(i - 1)],
+                        std::sqrt(2.0) * std::sin(i * std::numbers::pi / (2 * n + 2)), 1e-11);
+    }
+    EXPECT_FALSE(find_array(omega2));
+}
+
+// A ring without supports would not be a profile of two diagonals; a chain of springs free at both
+// ends has one mode of eigenvalue 0, which a shift makes accessible and rounding may put below 0.
+TEST_F(Eigval, a_shift_serves_free_structures_and_is_taken_off) {
+    const int n = 60;
+    for (const double shift : {0.01, -0.0005}) {
+        make_chain(n, 2, -1, 0, 0);
+        lump_mass(n, 1);
+        if (shift > 0) as_span<double>(find_array(kstr))[0] = 1; // free ends
+        if (shift > 0) as_span<double>(find_array(kstr))[static_cast<std::size_t>(2 * n - 3)] = 1;
+        const auto before = values_of(kstr);
+        run("eigval #=4 digits=12 shift=" + std::to_string(shift));
+        const auto lambda = values_of(omega2);
+        for (int i = 1; i <= 4; ++i) {
+            const double s = shift > 0 ? std::sin((i - 1) * std::numbers::pi / (2 * n))
+                                       : std::sin(i * std::numbers::pi / (2 * n + 2));
+            EXPECT_NEAR(lambda[static_cast<std::size_t>(i - 1)], 4 * s * s, 1e-12) << i;
+            EXPECT_GE(lambda[static_cast<std::size_t>(i - 1)], 0);
+        }
+        if (shift > 0)
+            EXPECT_EQ(values_of(kstr)[0], before[0] + shift);
+        else
+            EXPECT_EQ(values_of(kstr), before);
+    }
+}
+
+TEST_F(Eigval, the_number_of_modes_and_the_size_of_the_subspace_choose_the_method) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"eigval #=10", "by Jacobi"},
+        {"eigval #=20", "by Jacobi"},
+        {"eigval #=2147483647", "by Jacobi"},
+        {"eigval #=-1", "by Jacobi"},
+        {"eigval #=9 ss_size=10", "Dimension of subspace...................................    10"},
+        {"eigval #=3", "Dimension of subspace...................................    11"},
+        {"eigval #=5 ss_size=1", "Dimension of subspace...................................     5"},
+        {"eigval #=5 ss_size=900",
+         "Dimension of subspace...................................    20"},
+    };
+    for (const auto& [command, text] : cases) {
+        make_bar(20);
+        EXPECT_TRUE(holds(run(command), text)) << command;
+    }
+    make_bar(20);
+    run("eigval #=15");
+    EXPECT_EQ(find_array(mode_shapes).cols(), 15); // by Jacobi all the same
+    EXPECT_EQ(find_array(omega2).rows(), 15);
+}
+
+TEST_F(Eigval, the_users_vectors_start_the_iteration) {
+    make_bar(50);
+    auto start = create_matrix<double>(eigval_init, 50, 2);
+    for (int i = 1; i <= 50; ++i)
+        for (int j = 1; j <= 2; ++j)
+            start(i, j) = std::sin(i * j * std::numbers::pi / 51);
+    // The exact shapes of the two modes: converged as soon as two steps can be compared.
+    const std::string screen = run("eigval #=2 ss_size=4 -vec_init");
+    EXPECT_TRUE(holds(screen, "Starting vectors in array vec_init will be used"));
+    EXPECT_TRUE(holds(screen, "Subspace iteration  2"));
+    EXPECT_FALSE(holds(screen, "Subspace iteration  3"));
+}
+
+TEST(Subspace, starting_vectors) {
+    // x1 = (49297 + 9301) mod 233280 = 58598, and on from there
+    std::int64_t x = 1;
+    EXPECT_EQ(next_random(x), 58598);
+    EXPECT_EQ(next_random(x), (49297 + 9301 * 58598) % 233280);
+    x = 2147483647;
+    EXPECT_LT(next_random(x), 233280);
+
+    const std::vector<double> k{4, 1, 3, 1, 9}, m{2, 1, 0, 1, -3};
+    Owned vectors(5, 4);
+    start_from_mass(m, vectors.view().col(1));
+    EXPECT_DOUBLE_EQ(vectors(1, 1), 2.0 / 3);
+    EXPECT_EQ(start_from_ratios(k, m, vectors.view(), 2), 4); // ratios 2, 1, none, 1, -3
+    EXPECT_EQ(vectors(5, 2), 1);
+    EXPECT_EQ(vectors(2, 3), 1);
+    EXPECT_EQ(vectors(4, 4), 1);
+    Owned five(5, 5);
+    EXPECT_EQ(start_from_ratios(k, m, five.view(), 1), 4);
+}
+
+TEST_F(Eigval, a_negative_seed_continues_the_series) {
+    std::vector<std::vector<double>> shapes_of;
+    for (const char* seed : {"1", "-1", "1"}) {
+        make_bar(30);
+        run(std::string("eigval #=2 digits=1 -random seed=") + seed);
+        shapes_of.push_back(values_of(mode_shapes));
+    }
+    EXPECT_EQ(shapes_of[0], shapes_of[2]);
+    EXPECT_NE(shapes_of[0], shapes_of[1]);
+}
+
+TEST_F(Eigval, bad_input_gives_its_message_and_changes_nothing) {
+    EXPECT_TRUE(holds(run("eigval"), "Set .#eqs to the number of equations"));
+    make_bar(20);
+    const auto k = values_of(kstr);
+    EXPECT_TRUE(holds(run("eigval -sparse"), "Cannot use Jacobi with sparse stiffness"));
+    EXPECT_TRUE(holds(run("eigval #=2 -sparse"), "not available"));
+    EXPECT_TRUE(holds(run("eigval #=2 rigid=1,1,1"), "required for rigid body modes"));
+    EXPECT_TRUE(holds(run("eigval #=2 minv=3"), "minv is not supported"));
+    create_matrix<double>(mstr, 21, 0);
+    EXPECT_TRUE(holds(run("eigval"), "Incorrect dimensions for .mstr"));
+    lump_mass(20, std::nan(""));
+    EXPECT_TRUE(holds(run("eigval"), "not finite"));
+    lump_mass(20, 1);
+    create_int_scalar(k_status, 1);
+    EXPECT_TRUE(holds(run("eigval"), "factored"));
+    create_int_scalar(num_eqs, 2147483647);
+    EXPECT_TRUE(holds(run("eigval"), "Incorrect dimensions"));
+    delete_array(mstr);
+    EXPECT_TRUE(holds(run("eigval"), ".mstr not found"));
+    EXPECT_EQ(values_of(kstr), k);
+}
+
+TEST_F(Eigval, what_cannot_be_solved_takes_the_fatal_path) {
+    make_bar(30);
+    expect_fatal("eigval #=5 maxit=2", "Maximum number of iterations exceeded");
+    expect_fatal("eigval #=5 -vec_init", "/n/tArray eigval_init not found or is wrong type");
+    create_matrix<double>(eigval_init, 3, 1);
+    expect_fatal("eigval #=5 -vec_init", "does not have neq rows");
+    lump_mass(30, 0);
+    as_span<double>(find_array(mstr))[2] = 1;
+    expect_fatal("eigval #=5", "Only    1 out of   13 starting vectors can be created");
+    expect_fatal("eigval", "nonpositive diagonal");
+    lump_mass(30, -1);
+    expect_fatal("eigval #=5", "nonpositive diagonal");
+    lump_mass(30, 1);
+    as_span<double>(find_array(kstr))[2] = 0; // row 2 of K without a diagonal and coupling
+    as_span<double>(find_array(kstr))[1] = 0;
+    as_span<double>(find_array(kstr))[4] = 0;
+    expect_fatal("eigval #=5", "Zero diagonal");
+}
+
+} // namespace quelor
