@@ -44,10 +44,20 @@ rigid_modes .disp
 export_graphics -deformed file=modes.msh
 export_graphics -deformed -autoscale case=5 file=case.msh
 export_graphics -deformed -autoscale scale=10 case=4 steps=8 file=cycle.msh
+beam3d m=1 n=1
+m=1 e=2e11 g=8e10 a=1e-3 j=1e-6 iy=1e-6 iz=1e-6
+n=1 mat=1 nodes=4,7 node3=-1
+
+interface n=20
+n=9 nodes=1,2,100001,7
+n=5 nodes=1,2,4
+
+export_graphics file=kinds.msh
 quit
 """
 # File, number of displaced shapes.
-FILES = (("mesh.msh", 0), ("modes.msh", 6), ("case.msh", 1), ("cycle.msh", 8))
+FILES = (("mesh.msh", 0), ("modes.msh", 6), ("case.msh", 1), ("cycle.msh", 8),
+         ("kinds.msh", 0))
 
 
 def section(path, name):
