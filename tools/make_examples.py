@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Writes the command files of the examples: the meshes and mode shapes that nobody would type.
 
-Usage: make_examples.py FOLDER [hemisphere|barge|boxes] [COLUMNS ROWS of the hemisphere]
+Usage: make_examples.py FOLDER [hemisphere|barge|flexible_barge|boxes] [COLUMNS ROWS of the hemisphere]
 """
 import math
 import pathlib
@@ -151,27 +151,19 @@ def matrix(name, rows):
             *(" ".join("%.9g" % (v + 0.0) for v in row) for row in rows)]
 
 
-def barge():
-    """Barge 100 x 20 x 5 m in 20 m of water, half mesh, six rigid and two bending modes."""
-    length, beam, draft = 100.0, 20.0, 5.0
-    ei = 2.0e11
-    faces = box_faces(-length / 2, length / 2, 0.0, beam / 2, draft, 40, 4, 4, half=True)
-    mesh_lines, _ = mesh([faces])
-    modes = [FreeFreeBeam(1, length), FreeFreeBeam(2, length)]
-    per_length = RHO * beam * draft
-    mass = per_length * length
-    rigid = [mass, mass, mass, mass * 7.0**2, mass * 29.5**2, mass * 29.5**2]
-    modal_mass = per_length * length / 4
-    mstr = [[0.0] * 8 for _ in range(8)]
-    kstr = [[0.0] * 8 for _ in range(8)]
-    for i, m in enumerate(rigid + [modal_mass, modal_mass]):
-        mstr[i][i] = m
-    for i, mode in enumerate(modes):
-        kstr[6 + i][6 + i] = ei * mode.lam**4 * length / 4
-    stations = [-length / 2, 0.0, length / 2]
-    modemat = [[0, 0, 1, 0, -x, 0, modes[0].value(x), modes[1].value(x)] for x in stations]
-    lines = [
-        "/* Barge 100 x 20 x 5 m in 20 m of water, half mesh, six rigid and two bending modes",
+BARGE = {"length": 100.0, "beam": 20.0, "draft": 5.0, "ei": 2.0e11}
+BARGE_STATIONS = (-BARGE["length"] / 2, 0.0, BARGE["length"] / 2)
+
+
+def barge_faces():
+    half = BARGE["length"] / 2
+    return box_faces(-half, half, 0.0, BARGE["beam"] / 2, BARGE["draft"], 40, 4, 4, half=True)
+
+
+def barge_head(title, mesh_lines):
+    """The commands up to the rigid modes, with two flexible modes to come."""
+    return [
+        "/* Barge 100 x 20 x 5 m in 20 m of water, half mesh, six rigid and " + title,
         "hyd_parameters h=20 symmetry=1 nmodef=2 hdamp=.01 rho=%g grav=%g" % (RHO, GRAV),
         "hyd_coordaxs",
         "hyd_wave nbeta=2 nfreq=8",
@@ -180,9 +172,31 @@ def barge():
         *mesh_lines,
         "hyd_body_check",
         "hyd_rigid_modes",
-        "hyd_flex_modes",
     ]
-    points = grid_points(faces)
+
+
+def barge_mass():
+    """Structural mass of the six rigid modes, in a matrix with room for two more."""
+    mass = RHO * BARGE["beam"] * BARGE["draft"] * BARGE["length"]
+    mstr = [[0.0] * 8 for _ in range(8)]
+    for i, m in enumerate((mass, mass, mass, mass * 7.0**2, mass * 29.5**2, mass * 29.5**2)):
+        mstr[i][i] = m
+    return mstr
+
+
+def barge():
+    """Barge 100 x 20 x 5 m in 20 m of water, half mesh, six rigid and two bending modes."""
+    length = BARGE["length"]
+    mesh_lines, _ = mesh([barge_faces()])
+    modes = [FreeFreeBeam(1, length), FreeFreeBeam(2, length)]
+    mstr = barge_mass()
+    kstr = [[0.0] * 8 for _ in range(8)]
+    for i, mode in enumerate(modes, 6):
+        mstr[i][i] = mstr[0][0] / 4
+        kstr[i][i] = BARGE["ei"] * mode.lam**4 * length / 4
+    modemat = [[0, 0, 1, 0, -x, 0, modes[0].value(x), modes[1].value(x)] for x in BARGE_STATIONS]
+    lines = barge_head("two bending modes", mesh_lines) + ["hyd_flex_modes"]
+    points = grid_points(barge_faces())
     for number, mode in enumerate(modes, 7):
         lines.append("%d 0 %d" % (number, number - 7))
         for i, (x, _, z) in enumerate(points, 1):
@@ -192,6 +206,66 @@ def barge():
     lines += matrix("hyd_mstr", mstr) + matrix("hyd_kstr", kstr) + matrix("hyd_modemat", modemat)
     lines += ["hyd_analysis", "hyd_analysis_response symmetrize=on", "hyd_tf"]
     return lines
+
+
+def flexible_barge():
+    """The same barge, its bending modes from a finite-element model: a spine of beams in the water
+    plane, to which the nodes of the wet surface are rigidly linked."""
+    length, segments = BARGE["length"], 40
+    mesh_lines, _ = mesh([barge_faces()])
+    points = grid_points(barge_faces())
+    spine = len(points) + 1
+    per_length = RHO * BARGE["beam"] * BARGE["draft"]
+    hull = mesh_lines[1:mesh_lines.index("")]
+    generation = mesh_lines.index("hyd_node_gen")
+    quads = mesh_lines[generation + 1:mesh_lines.index("", generation)]
+    lines = [
+        *barge_head("two bending modes of a finite-element model", mesh_lines),
+        "/* The beam: sideways bending, torsion and stretching are stiffer than upright bending",
+        "nodes #=%d" % (spine + segments),
+        *hull,
+        "n=%d x=%g" % (spine, -length / 2),
+        "n=%d x=%g lgen=1" % (spine + segments, length / 2),
+        "",
+        "node_gen",
+        *quads,
+        "",
+        "bcid",
+        "",
+        "beam3d m=1 n=%d" % segments,
+        "m=1 e=%g g=8e10 a=1 j=40 iy=1 iz=20 mbar=%g mI=%g,0,0"
+        % (BARGE["ei"], per_length, per_length * 7.0**2),
+        "n=1 mat=1 nodes=%d,%d node3=-3 gen=%d inc=1" % (spine, spine + 1, segments - 1),
+        "",
+        "nodal_constraint",
+        *("type=body c=%d r=%d" % (i, spine + round((x / length + 0.5) * segments))
+          for i, (x, _, _) in enumerate(points, 1)),
+        "",
+        "form_k",
+        "form_m",
+        "eigval #=8 shift=1",
+        "/* A picture of the modes, for Gmsh: flexible_barge.msh",
+        "cp .phi .disp",
+        "export_graphics -deformed -autoscale scale=5 T=.omega2",
+        "/* Modes 7 and 8, behind six of a rigid body, are symmetric about the x-z plane",
+        "inputi .hyd_modesym r=1 c=8",
+        "1 2 1 2 1 2 1 1",
+        "to_vector .hyd_modesym",
+        "hyd_flex_modes .phi",
+        "/* The modes have unit mass; their stiffness is the square of the frequency",
+        *matrix("hyd_mstr", barge_mass()),
+        "ident unit r=2",
+        "put unit hyd_mstr r=7 c=7",
+        "cp .omega2 stiffness r=7",
+        "zero hyd_kstr r=8 c=8",
+        "putdg stiffness hyd_kstr r=7",
+        *matrix("hyd_modemat", [[0, 0, 1, 0, -x, 0, 0, 0] for x in BARGE_STATIONS]),
+        "/* Heave of the spine at the stern, midships and the bow: its third equations",
+    ]
+    for row, x in enumerate(BARGE_STATIONS, 1):
+        equation = 6 * round((x / length + 0.5) * segments) + 3
+        lines += ["cp .phi heave r=%d n=1 c=7 m=2" % equation, "put heave hyd_modemat r=%d c=7" % row]
+    return lines + ["hyd_analysis", "hyd_analysis_response symmetrize=on", "hyd_tf"]
 
 
 def rigid_mass(length, beam, draft, zcg):
@@ -235,7 +309,7 @@ def boxes():
     return lines
 
 
-EXAMPLES = {"hemisphere": hemisphere, "barge": barge, "boxes": boxes}
+EXAMPLES = {"hemisphere": hemisphere, "barge": barge, "flexible_barge": flexible_barge, "boxes": boxes}
 
 
 def main():

@@ -3,7 +3,6 @@
 
 #include "../support/session.hpp"
 #include "kernel/utilities.hpp"
-#include "matrix/fileio.hpp"
 
 #include <map>
 #include <sstream>
@@ -17,8 +16,6 @@ std::vector<const Command*> matrix_commands() {
         for (const Family family : table->families)
             for (const Command& command : family())
                 commands.push_back(&command);
-    for (const Command& command : fileio_rows())
-        commands.push_back(&command);
     return commands;
 }
 

@@ -1,0 +1,3 @@
+flexible_barge
+filein
+q

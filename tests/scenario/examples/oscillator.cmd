@@ -1,3 +1,0 @@
-oscillator
-filein
-q
