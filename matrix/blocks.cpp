@@ -4,33 +4,52 @@
 #include "kernel/utilities.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace quelor {
 
 namespace {
 
-/// 32 x 32 elements of source and target stay in the first-level cache together.
+/// A tile of 32 x 32 elements stays in the first-level cache.
 constexpr std::int64_t tile = 32;
 
-/// Rows and columns in tiles, so that neither side is walked across its columns for long.
+/// Copies n elements at constant distances.
 template <std::size_t element>
-void copy_tiles(std::int64_t rows, std::int64_t cols, SourceBlock from, TargetBlock to) {
-    for (std::int64_t j0 = 0; j0 < cols; j0 += tile) {
-        const std::int64_t j1 = std::min(j0 + tile, cols);
-        for (std::int64_t i0 = 0; i0 < rows; i0 += tile) {
-            const std::int64_t i1 = std::min(i0 + tile, rows);
-            for (std::int64_t j = j0; j < j1; ++j) {
-                const std::byte* source = from.data + i0 * from.row_step + j * from.col_step;
-                std::byte* target = to.data + i0 * to.row_step + j * to.col_step;
-                for (std::int64_t i = i0; i < i1; ++i) {
-                    std::memcpy(target, source, element);
-                    source += from.row_step;
-                    target += to.row_step;
-                }
-            }
+void copy_run(std::int64_t n, const std::byte* from, std::ptrdiff_t from_step, std::byte* to,
+              std::ptrdiff_t to_step) {
+    for (std::int64_t i = 0; i < n; ++i, from += from_step, to += to_step)
+        std::memcpy(to, from, element);
+}
+
+/// For a source that lies in memory row by row and a target that lies column by column: tile by
+/// tile, read along the rows into a buffer and written along the columns, so that no dimension
+/// makes the columns of a tile compete for the same cache lines.
+template <std::size_t element>
+void copy_turned(std::int64_t rows, std::int64_t cols, SourceBlock from, TargetBlock to) {
+    constexpr std::ptrdiff_t step = element;
+    std::array<std::byte, element * tile * tile> buffer;
+    for (std::int64_t i = 0; i < rows; i += tile) {
+        const std::int64_t n = std::min(tile, rows - i);
+        for (std::int64_t j = 0; j < cols; j += tile) {
+            const std::int64_t m = std::min(tile, cols - j);
+            for (std::int64_t k = 0; k < n; ++k)
+                copy_run<element>(m, from.at(i + k, j).data, step, buffer.data() + k * step,
+                                  tile * step);
+            for (std::int64_t k = 0; k < m; ++k)
+                std::memcpy(to.at(i, j + k).data, buffer.data() + k * tile * step,
+                            static_cast<std::size_t>(n) * element);
         }
     }
+}
+
+template <std::size_t element>
+void copy_strided(std::int64_t rows, std::int64_t cols, SourceBlock from, TargetBlock to) {
+    constexpr std::ptrdiff_t step = element;
+    if (from.col_step == step && to.row_step == step)
+        return copy_turned<element>(rows, cols, from, to);
+    for (std::int64_t j = 0; j < cols; ++j)
+        copy_run<element>(rows, from.at(0, j).data, from.row_step, to.at(0, j).data, to.row_step);
 }
 
 } // namespace
@@ -76,13 +95,13 @@ void copy_block(int element, std::int64_t rows, std::int64_t cols, SourceBlock f
     }
     switch (element) {
     case 1:
-        return copy_tiles<1>(rows, cols, from, to);
+        return copy_strided<1>(rows, cols, from, to);
     case 4:
-        return copy_tiles<4>(rows, cols, from, to);
+        return copy_strided<4>(rows, cols, from, to);
     case 8:
-        return copy_tiles<8>(rows, cols, from, to);
+        return copy_strided<8>(rows, cols, from, to);
     default:
-        return copy_tiles<16>(rows, cols, from, to);
+        return copy_strided<16>(rows, cols, from, to);
     }
 }
 

@@ -243,17 +243,27 @@ void cmd_power(std::string_view) {
 // --- Bessel functions
 // -------------------------------------------------------------------------------
 
-double bessel_j(std::int32_t n, double x) {
-    return jn(n, x);
+/// True when J_n(x) is below the range of T, by its bound (|x|/2)^n / n! < (e |x| / 2n)^n; the C
+/// library would take time proportional to n to find that. Source: [Abramowitz 1964, eq. 9.1.62]
+template <Real T> bool is_below_range(std::int32_t n, T x) {
+    using Limits = std::numeric_limits<T>;
+    const T order = std::abs(static_cast<T>(n));
+    const T least = (Limits::min_exponent - Limits::digits) * std::numbers::ln2_v<T>;
+    return order > 1000 && order * (1 + std::log(std::abs(x) / (2 * order))) < least;
 }
-long double bessel_j(std::int32_t n, long double x) {
-    return jnl(n, x);
+
+template <Real T> T bessel_j(std::int32_t n, T x) {
+    if (is_below_range(n, x)) return 0;
+    if constexpr (std::same_as<T, double>)
+        return jn(n, x);
+    else
+        return jnl(n, x);
 }
-double bessel_y(std::int32_t n, double x) {
-    return yn(n, x);
-}
-long double bessel_y(std::int32_t n, long double x) {
-    return ynl(n, x);
+template <Real T> T bessel_y(std::int32_t n, T x) {
+    if constexpr (std::same_as<T, double>)
+        return yn(n, x);
+    else
+        return ynl(n, x);
 }
 
 template <bool second_kind> void cmd_bessel(std::string_view) {
