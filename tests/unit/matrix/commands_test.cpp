@@ -74,7 +74,10 @@ bool has_message(const std::string& output) {
 }
 
 TEST_F(Commands, ExamplesOfTheHelpTextsWorkAsTheyStand) {
-    for (const Command* command : matrix_commands()) {
+    auto commands = matrix_commands();
+    for (const Command& command : fileio_rows())
+        commands.push_back(&command);
+    for (const Command* command : commands) {
         const auto word = command->words[0];
         const std::string example = example_of(command->help);
         EXPECT_FALSE(example.empty()) << word;
