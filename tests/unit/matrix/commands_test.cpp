@@ -3,6 +3,7 @@
 
 #include "../support/session.hpp"
 #include "kernel/utilities.hpp"
+#include "matrix/fileio.hpp"
 
 #include <map>
 #include <sstream>

@@ -1,0 +1,3 @@
+oscillator
+filein
+q
