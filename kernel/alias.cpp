@@ -64,6 +64,7 @@ constexpr Command palias_row[] = {
      .summary = "prints the aliases of commands",
      .help = "Command Syntax\n\tpalias\n\n"
              "Prints the commands that have an alias, and their aliases.\n\n"
+             "Example\n\tpalias\n\n"
              "See Also\n\telem_alias\n"},
 };
 
@@ -74,6 +75,7 @@ constexpr Command elem_alias_row[] = {
      .help = "Command Syntax\n\telem_alias\n\n"
              "Prints the element commands elem01 to elem40 that are in use, and the aliases under "
              "which they are known. Either name can be given as the command.\n\n"
+             "Example\n\telem_alias\n\n"
              "See Also\n\tpalias\n"},
 };
 

@@ -325,6 +325,7 @@ constexpr Command condition_row[] = {
          "operator and arg2, and a number arg2 cannot be negative: use an array. For an integer "
          "arg1 a number is rounded to the nearest integer.\n\n"
          "Blocks may be nested, also in loops.\n\n"
+         "Example\n\tif load .gt. 100\n\tsetr load v=100\n\telse\n\tprint load\n\tendif\n\n"
          "See Also\n\twhile, do\n"},
 };
 
@@ -341,11 +342,14 @@ constexpr Command loop_row[] = {
              "inside the body of a do/while loop, though it may occur in a file read in a loop. Of "
              "two loops of the same kind, one after the other inside a third, the second does not "
              "work.\n\n"
+             "Example\n\tsetr x v=1\n\twhile x .lt. 100\n\tadd x x x\n\tend_while\n\n"
              "See Also\n\tend_while, do, break_loop, if\n"},
     {.words = {"end_while"},
      .run = cmd_end_while,
      .summary = "ends the block of a while",
-     .help = "Command Syntax\n\tend_while\n\nEnds the block of a while.\n\nSee Also\n\twhile\n"},
+     .help = "Command Syntax\n\tend_while\n\nEnds the block of a while.\n\n"
+             "Example\n\twhile x .lt. 100\n\tadd x x x\n\tend_while\n\n"
+             "See Also\n\twhile\n"},
     {.words = {"do"},
      .run = cmd_do,
      .summary = "repeats a block, counting",
@@ -356,17 +360,21 @@ constexpr Command loop_row[] = {
          "loop. f and l are 0 and s is 1 by default. With a negative step the loop counts down. "
          "The limit and the step may be given as ~name, and are looked up before each pass.\n\n"
          "The rules of the command while hold for do as well.\n\n"
+         "Example\n\tdo i f=1 l=9 s=2\n\tprinti i\n\tend_do\n\n"
          "See Also\n\tend_do, while, break_loop\n"},
     {.words = {"end_do"},
      .run = cmd_end_do,
      .summary = "ends the block of a do",
-     .help = "Command Syntax\n\tend_do\n\nEnds the block of a do.\n\nSee Also\n\tdo\n"},
+     .help = "Command Syntax\n\tend_do\n\nEnds the block of a do.\n\n"
+             "Example\n\tdo i f=1 l=3\n\tprinti i\n\tend_do\n\n"
+             "See Also\n\tdo\n"},
     {.words = {"break_loop"},
      .run = cmd_break_loop,
      .summary = "leaves all loops",
      .help = "Command Syntax\n\tbreak_loop\n\n"
              "Goes on behind the loop. A break_loop command causes the exit of an entire do/while "
              "loop, not just the \"subloop\" in the case of nested loops.\n\n"
+             "Example\n\tdo i f=1 l=100\n\tif i .gt. 3\n\tbreak_loop\n\tendif\n\tend_do\n\n"
              "See Also\n\twhile, do\n"},
 };
 

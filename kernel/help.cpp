@@ -163,6 +163,7 @@ constexpr Command help_row[] = {
          "On-line help for command. With -f the text goes to the output file. With l= it stops "
          "after every l lines; RETURN goes on and q quits. The command \"help quelor-zt\" gives "
          "an introduction.\n\n"
+         "Example\n\thelp print l=20\n\n"
          "See Also\n\tindex\n"},
     {.words = {"index"},
      .run = cmd_index,
@@ -172,6 +173,7 @@ constexpr Command help_row[] = {
              "matrix, functions, numerical (both matrix and functions), fe_commands, fe_elements "
              "and misc; without a topic all commands are listed. The parameters are those of "
              "help.\n\n"
+             "Example\n\tindex matrix -f\n\n"
              "See Also\n\thelp\n"},
 };
 

@@ -65,11 +65,10 @@ private:
 };
 
 locale_t user_characters() {
-    const locale_t fallback = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     const locale_t users = newlocale(LC_CTYPE_MASK, "", nullptr);
-    const bool ascii =
-        !users || std::string_view(nl_langinfo_l(CODESET, users)) == "ANSI_X3.4-1968";
-    return ascii && fallback ? fallback : users;
+    if (users && std::string_view(nl_langinfo_l(CODESET, users)) != "ANSI_X3.4-1968") return users;
+    if (users) freelocale(users);
+    return newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
 }
 
 // --- keys ----------------------------------------------------------------------------------------

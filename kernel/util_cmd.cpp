@@ -151,6 +151,7 @@ constexpr Command project_row[] = {
          "project before is not saved. The lines that are typed are added to the file "
          "\"name.log\", and the output goes to the file \"name.out\", which is written over.\n\n"
          "In a batch file the next line is the project name.\n\n"
+         "Example\n\tnew_project\n\tbarge\n\n"
          "See Also\n\tname?, save, clear\n"},
     {.words = {"filein"},
      .run = cmd_filein,
@@ -161,6 +162,7 @@ constexpr Command project_row[] = {
          "file is \"project_name.txt\", or else \"project_name\". The extension .txt can be left "
          "out. With -noecho the commands are not shown on the screen.\n\n"
          "A file can contain filein commands, up to 28 levels.\n\n"
+         "Example\n\tfilein mesh.txt -noecho\n\n"
          "See Also\n\treturn, login\n"},
     {.words = {"return"},
      .run = cmd_return,
@@ -168,6 +170,7 @@ constexpr Command project_row[] = {
      .help = "Command Syntax\n\treturn\n\n"
              "Closes the current input file and goes on reading where it was called. The end of a "
              "file does the same.\n\n"
+             "Example\n\treturn\n\n"
              "See Also\n\tfilein\n"},
     {.words = {"login"},
      .run = cmd_login,
@@ -177,30 +180,35 @@ constexpr Command project_row[] = {
          "Runs the commands of the log file \"project_name.log\". A quit command in the log has "
          "no effect; in a file called from the log it returns to the log. The command is ignored "
          "in a file.\n\n"
+         "Example\n\tlogin -noecho\n\n"
          "See Also\n\tlogfile, filein\n"},
     {.words = {"logfile"},
      .run = cmd_logfile,
      .summary = "turns writing to the log file on or off",
      .help = "Command Syntax\n\tlogfile [-on] [-off]\n\n"
              "Turns writing to the log file on, or with -off off.\n\n"
+             "Example\n\tlogfile -off\n\n"
              "See Also\n\tlogin\n"},
     {.words = {"name?"},
      .run = cmd_name,
      .summary = "prints the project name",
      .help = "Command Syntax\n\tname? [-f]\n\n"
              "Prints the project name on the screen, with -f also in the output file.\n\n"
+             "Example\n\tname? -f\n\n"
              "See Also\n\tnew_project\n"},
     {.words = {"quit", "q"},
      .run = cmd_quit,
      .summary = "stops the program",
      .help = "Command Syntax\n\tquit\n\n"
              "Stops the program. The database is not saved.\n\n"
+             "Example\n\tquit\n\n"
              "See Also\n\tsavequit, save\n"},
     {.words = {"savequit", "sq"},
      .run = cmd_savequit,
      .summary = "saves the database and stops the program",
      .help = "Command Syntax\n\tsavequit\n\n"
              "Saves the database in the file \"project_name.db\", then stops the program.\n\n"
+             "Example\n\tsavequit\n\n"
              "See Also\n\tquit, save, readdb\n"},
 };
 
@@ -211,6 +219,7 @@ constexpr Command system_row[] = {
      .help = "Command Syntax\n\tdate [arg] [-noprint]\n\n"
              "Prints date and time, unless -noprint is given, and stores them in character vector "
              "arg, if it is given.\n\n"
+             "Example\n\tdate today -noprint\n\n"
              "See Also\n\ttime\n"},
     {.words = {"time"},
      .run = cmd_time,
@@ -219,11 +228,15 @@ constexpr Command system_row[] = {
              "Creates real scalar arg1 with the processor time in seconds since the start of the "
              "program. With arg2, an earlier time, and arg3, real scalar arg3 is the time in "
              "between, arg1 - arg2.\n\n"
+             "Example\n\ttime begin\n\ttime end begin elapsed\n\n"
              "See Also\n\tdate\n"},
     {.words = {"tivla_version"},
      .run = cmd_tivla_version,
      .summary = "prints the version of the kernel",
-     .help = "Command Syntax\n\ttivla_version\n\nPrints the version of TIVLA.\n"},
+     .help = "Command Syntax\n\ttivla_version\n\n"
+             "Prints the version of TIVLA, the interpreter of commands.\n\n"
+             "Example\n\ttivla_version\n\n"
+             "See Also\n\tdate, help\n"},
     {.words = {"rm_file"},
      .run = cmd_rm_file,
      .summary = "deletes a file",
@@ -257,7 +270,9 @@ constexpr Command system_row[] = {
      .help =
          "Command Syntax\n\tsystem_command 'command line'\n\n"
          "Runs a command line of at most 80 characters by the operating system, and waits for it "
-         "to end. Single quotes protect blanks.\n"},
+         "to end. Single quotes protect blanks.\n\n"
+         "Example\n\tsystem_command 'ls -l'\n\n"
+         "See Also\n\trm_file, rename_file, filein\n"},
 };
 
 std::span<const Command> project_rows() {

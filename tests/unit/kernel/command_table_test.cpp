@@ -1,5 +1,6 @@
 // The rules of the command table, over all rows of the chain.
 
+#include "../support/session.hpp"
 #include "fem/elemutil.hpp"
 #include "kernel/alias.hpp"
 #include "kernel/command.hpp"
@@ -144,6 +145,40 @@ TEST(CommandTable, EveryRowHasASummaryAndAHelpTextThatShowsItsWord) {
         EXPECT_TRUE(command->help.starts_with("Command Syntax\n\t")) << word;
         EXPECT_NE(command->help.find(alias_to_user(word)), std::string_view::npos) << word;
         EXPECT_TRUE(command->help.ends_with('\n')) << word;
+    }
+}
+
+TEST(CommandTable, EveryHelpTextHasAnExampleAndRefersToWordsOfTheChain) {
+    for (const Command* command : all_rows()) {
+        const auto word = command->words[0], help = command->help;
+        if (help == "Unused element.\\n") continue;
+        const auto example = help.find("\nExample"), last = help.find("\nSee Also\n\t");
+        EXPECT_NE(example, std::string_view::npos) << word;
+        ASSERT_NE(last, std::string_view::npos) << word;
+        std::string list(help.substr(last + 11));
+        std::ranges::replace_if(
+            list, [](char c) { return c == ',' || c == '\n' || c == '\t'; }, ' ');
+        std::istringstream words(list);
+        for (std::string other; words >> other;) {
+            const auto internal = alias_to_internal(other);
+            EXPECT_TRUE(find_command(command_chain(), internal) ||
+                        is_planned(command_chain(), internal))
+                << word << " refers to " << other;
+            EXPECT_NE(internal, word) << "refers to itself";
+        }
+    }
+}
+
+TEST_F(Session, TheIndexListsEveryWordThatWorks) {
+    set_record("index");
+    const Command* const command_index = find_command(command_chain(), "index");
+    const std::string index = screen([&] { command_index->run("index"); });
+    for (const Command* command : all_rows()) {
+        if (command->summary.empty()) continue; // an unused element
+        std::string line = "\n  ";
+        for (const auto word : command->words)
+            if (!word.empty()) line.append(line.size() > 3 ? ", " : "").append(alias_to_user(word));
+        EXPECT_NE(index.find(line + "  "), std::string::npos) << line;
     }
 }
 
