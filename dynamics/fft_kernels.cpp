@@ -118,8 +118,8 @@ void packed_transform(Matrix<double> a, std::span<double> work, Direction direct
     assert(work.size() == static_cast<std::size_t>(a.rows));
     const bool forward = direction == Direction::forward;
     // Estimated plans do not depend on the load of the machine, so neither do the results.
-    const fftw_plan plan = fftw_plan_r2r_1d(a.rows, work.data(), work.data(),
-                                            forward ? FFTW_R2HC : FFTW_HC2R, FFTW_ESTIMATE);
+    fftw_plan_s* const plan = fftw_plan_r2r_1d(a.rows, work.data(), work.data(),
+                                               forward ? FFTW_R2HC : FFTW_HC2R, FFTW_ESTIMATE);
     for (int j = 1; j <= a.cols; ++j) {
         if (forward) {
             std::ranges::copy(a.col(j), work.begin());

@@ -64,9 +64,8 @@ void cmd_gauss_int(std::string_view) {
 std::vector<int> gauss_orders() {
     std::array<double, 3> given{1, 0, 0};
     get_real_par("n=", given);
-    std::vector<int> orders;
-    for (const double n : given)
-        orders.push_back(truncated_int(n));
+    std::vector<int> orders(given.size());
+    std::transform(given.begin(), given.end(), orders.begin(), truncated_int);
     while (!orders.empty() && orders.back() == 0)
         orders.pop_back();
     if (orders.empty() || !std::ranges::all_of(orders, is_gauss_order)) {
