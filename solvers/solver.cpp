@@ -263,72 +263,83 @@ QUELOR_INLINE void reduce_tile(const Profile<const T>& m, int first, int low, Ro
 
 // --- factorisation -------------------------------------------------------------------------------
 
-/// The rows above a block of columns, each group of lanes by itself: row r of group g stands at
-/// g * rows + r - low.
+/// The columns of one vector: their elements in the rows above the block, from row `low` on.
+template <class T> struct Group {
+    int low;
+    Row<T, width>* u;               ///< before they are divided by the pivots
+    Row<T, width>* t;               ///< after it: rows of L^T
+    Row<T, width> acc, sums[block]; ///< sums of t u, and of the block's own rows
+};
+
 template <class T> struct Block {
     int first, count, low; ///< columns first to first + count - 1, reaching up to row low
-    std::ptrdiff_t rows;   ///< first - low
-    Row<T, width>* u;      ///< elements before they are divided by the pivots
-    Row<T, width>* t;      ///< after it: rows of L^T
-    Row<T, width> acc[groups], sums[block][groups];
+    Group<T> group[groups];
     bool finite; ///< all quotients are finite
 };
+
+template <int B, int count, class T>
+QUELOR_INLINE void reduce_groups(const Profile<const T>& m, int i, Block<T>& b) {
+    for (Group<T>& g : b.group)
+        if (i >= g.low) reduce_tile<B, count>(m, i, g.low, g.u);
+}
+
+/// Divides the group's rows by the pivots and adds up t u; false when a quotient is not finite.
+template <int B, class T>
+QUELOR_INLINE bool divide_group(const Profile<const T>& m, int first, Group<T>& g) {
+    Lanes<T, width, B> acc;
+    Vector<B> unfinite{};
+    for (int r = g.low; r < first; ++r) {
+        const auto u = lanes<B>(g.u[r - g.low]);
+        auto t = u;
+        t.divide(m.diagonal(r));
+        acc.add_lane_product(t, u);
+        t.note_finite(unfinite);
+        t.store_to(g.t[r - g.low]);
+    }
+    acc.store_to(g.acc);
+    double sums[B / 8];
+    store<B>(sums, unfinite);
+    return std::ranges::all_of(sums, [](double x) { return x == 0; });
+}
 
 /// Reduces the block's elements above row `first`, divides them by the pivots, and adds up t u.
 template <int B, class T> QUELOR_INLINE void reduce_block(const Profile<const T>& m, Block<T>& b) {
     int i = b.low;
     for (; i + tile <= b.first; i += tile)
-        for (int g = 0; g < groups; ++g)
-            reduce_tile<B, tile>(m, i, b.low, b.u + g * b.rows);
+        reduce_groups<B, tile>(m, i, b);
     for (; i < b.first; ++i)
-        for (int g = 0; g < groups; ++g)
-            reduce_tile<B, 1>(m, i, b.low, b.u + g * b.rows);
-    double unfinite[B / 8] = {};
-    for (int g = 0; g < groups; ++g) {
-        Lanes<T, width, B> acc;
-        Vector<B> sum;
-        load<B>(sum, unfinite);
-        for (std::ptrdiff_t r = 0; r < b.rows; ++r) {
-            const auto u = lanes<B>(b.u[g * b.rows + r]);
-            auto t = u;
-            t.divide(m.diagonal(b.low + static_cast<int>(r)));
-            acc.add_lane_product(t, u);
-            t.note_finite(sum);
-            t.store_to(b.t[g * b.rows + r]);
-        }
-        acc.store_to(b.acc[g]);
-        store<B>(unfinite, sum);
-    }
-    b.finite = std::ranges::all_of(unfinite, [](double x) { return x == 0; });
+        reduce_groups<B, 1>(m, i, b);
+    b.finite = true;
+    for (Group<T>& g : b.group)
+        b.finite = divide_group<B>(m, b.first, g) && b.finite;
 }
 
-/// sums(i, j) of the block's own rows i over the rows above it; its columns hold L^T there.
+/// The sums of the block's own rows over the rows above it; its columns hold L^T there. A group has
+/// no use for the rows below its columns.
 template <int B, class T> QUELOR_INLINE void sum_block(const Profile<const T>& m, Block<T>& b) {
-    for (int g = 0; g < groups; ++g) {
+    int count = 0;
+    for (Group<T>& g : b.group) {
+        count = std::min(count + width, b.count);
         int k = 0;
-        Row<T, width> sum[tile];
-        for (; k + tile <= b.count; k += tile) {
-            tile_sums<B, tile>(m, b.first + k, b.low, b.first, b.u + g * b.rows, sum);
-            for (int q = 0; q < tile; ++q)
-                b.sums[k + q][g] = sum[q];
-        }
-        for (; k < b.count; ++k)
-            tile_sums<B, 1>(m, b.first + k, b.low, b.first, b.u + g * b.rows, &b.sums[k][g]);
+        for (; k + tile <= count; k += tile)
+            tile_sums<B, tile>(m, b.first + k, g.low, b.first, g.u, g.sums + k);
+        for (; k < count; ++k)
+            tile_sums<B, 1>(m, b.first + k, g.low, b.first, g.u, g.sums + k);
     }
 }
 
 QUELOR_BY_PROCESSOR(reduce_block)
 QUELOR_BY_PROCESSOR(sum_block)
 
-/// Calls action(element, place of its vector, lane) for the stored elements above the block.
-template <class T, class Action>
-void for_stored(const Profile<T>& m, const Block<std::remove_const_t<T>>& b, Action action) {
+/// Calls action(element, group, row in it, lane) for the stored elements above the block.
+template <class T, class U, class Action>
+void for_stored(const Profile<T>& m, Block<U>& b, Action action) {
     for (int k = 0; k < b.count; ++k) {
         const int j = b.first + k;
         T* const column = m.column(j);
-        const std::ptrdiff_t base = (k / width) * b.rows - b.low;
+        Group<U>& g = b.group[k / width];
         for (int r = m.top(j); r < b.first; ++r)
-            action(column[-r], base + r, k % width);
+            action(column[-r], g, r - g.low, k % width);
     }
 }
 
@@ -405,54 +416,73 @@ bool finish_block(const Profile<T>& m, const Block<T>& b, int digits, ProfileSta
     for (int k = 0; k < b.count; ++k) {
         const int j = b.first + k;
         if (j == 1) continue;
-        const auto sum_of = [&](int i) { return b.sums[i - b.first][k / width].get(k % width); };
+        const auto sum_of = [&](int i) {
+            return b.group[k / width].sums[i - b.first].get(k % width);
+        };
         const T old = m.diagonal(j);
-        const T pivot = finish_column(m, j, b.first, sum_of, b.acc[k / width].get(k % width));
+        const T pivot = finish_column(m, j, b.first, sum_of, b.group[k / width].acc.get(k % width));
         if (!test_pivot(old, pivot, j, digits, status)) return false;
     }
     return true;
 }
 
-/// Row of the highest element in `count` columns from `first`, at most `first`.
-template <class T> int highest_row(const Profile<T>& m, int first, int count) {
-    int low = first;
-    for (int j = first; j < first + count; ++j)
-        low = std::min(low, m.top(j));
-    return low;
+/// Row of the highest element in the columns first to last, at most `limit`.
+template <class T> int highest_row(const Profile<T>& m, int first, int last, int limit) {
+    for (int j = first; j <= last; ++j)
+        limit = std::min(limit, m.top(j));
+    return limit;
 }
+
+/// The shape of the block of columns from `first` on. A group begins a whole number of tiles below
+/// the block, so that all groups pass through the rows in the same tiles.
+template <class T> Block<T> block_from(const Profile<T>& m, int first) {
+    Block<T> b{.first = first,
+               .count = std::min(block, m.n - first + 1),
+               .low = 0,
+               .group = {},
+               .finite = true};
+    const int last = first + b.count - 1;
+    b.low = highest_row(m, first, last, first);
+    for (int g = 0; g < groups; ++g) {
+        const int begin = first + g * width;
+        const int low = highest_row(m, begin, std::min(begin + width - 1, last), first);
+        b.group[g].low = low - (low - b.low) % tile;
+    }
+    return b;
+}
+
+/// Work space for the rows of one block.
+template <class T> struct Workspace {
+    std::vector<Row<T, width>> u[groups], t[groups];
+
+    /// The block with its rows, those of u zero.
+    void attach(Block<T>& b) {
+        for (int k = 0; k < groups; ++k) {
+            Group<T>& g = b.group[k];
+            u[k].assign(static_cast<std::size_t>(b.first - g.low), {});
+            t[k].resize(u[k].size());
+            g.u = u[k].data();
+            g.t = t[k].data();
+        }
+    }
+};
 
 template <class T> ProfileStatus factor(const Profile<T>& m, int digits) {
     const Profile<const T> view{m.a, m.loc, m.n};
     ProfileStatus status;
-    int highest = 0; // most rows above a block
+    Workspace<T> space;
     for (int first = 1; first <= m.n; first += block) {
-        const int count = std::min(block, m.n - first + 1);
-        highest = std::max(highest, first - highest_row(m, first, count));
-    }
-    std::vector<Row<T, width>> u(static_cast<std::size_t>(highest) * groups), t(u.size());
-    for (int first = 1; first <= m.n; first += block) {
-        Block<T> b{.first = first,
-                   .count = std::min(block, m.n - first + 1),
-                   .low = 0,
-                   .rows = 0,
-                   .u = u.data(),
-                   .t = t.data(),
-                   .acc = {},
-                   .sums = {},
-                   .finite = true};
-        b.low = highest_row(m, first, b.count);
-        b.rows = first - b.low;
-        std::fill_n(b.u, b.rows * groups, Row<T, width>{});
-        for_stored(view, b, [&](const T& element, std::ptrdiff_t place, int k) {
-            b.u[place].set(k, element);
-        });
+        Block<T> b = block_from(m, first);
+        space.attach(b);
+        for_stored(view, b,
+                   [](const T& element, Group<T>& g, int row, int k) { g.u[row].set(k, element); });
         by_processor_reduce_block(view, b);
         if (!b.finite) {
             factor_plainly(m, first, digits, status);
             return status;
         }
         for_stored(m, b,
-                   [&](T& element, std::ptrdiff_t place, int k) { element = b.t[place].get(k); });
+                   [](T& element, Group<T>& g, int row, int k) { element = g.t[row].get(k); });
         by_processor_sum_block(view, b);
         if (!finish_block(m, b, digits, status)) return status;
     }
