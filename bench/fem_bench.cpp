@@ -70,12 +70,12 @@ void assembly_with_rigid_links(benchmark::State& state) {
     assemble(state, true);
 }
 
-/// A square grid of quadrilaterals with shuffled node numbers.
-void order_grid(benchmark::State& state) {
+/// A square grid of quadrilaterals; shuffled node numbers cost a cache miss a connection.
+void order_grid(benchmark::State& state, bool shuffled) {
     const int side = static_cast<int>(state.range(0));
     std::vector<std::int32_t> number(static_cast<std::size_t>((side + 1) * (side + 1)));
     std::iota(number.begin(), number.end(), 1);
-    std::shuffle(number.begin(), number.end(), std::mt19937(1));
+    if (shuffled) std::shuffle(number.begin(), number.end(), std::mt19937(1));
     const auto at = [&](int i, int j) {
         return number[static_cast<std::size_t>(i * (side + 1) + j)];
     };
@@ -89,6 +89,13 @@ void order_grid(benchmark::State& state) {
         benchmark::DoNotOptimize(order_nodes(end, nodes, static_cast<int>(number.size()), true));
     state.SetItemsProcessed(state.iterations() * std::ssize(nodes));
     state.SetComplexityN(std::ssize(nodes));
+}
+
+void order_grid_by_rows(benchmark::State& state) {
+    order_grid(state, false);
+}
+void order_grid_shuffled(benchmark::State& state) {
+    order_grid(state, true);
 }
 
 /// One node joined to all others, which have degrees of 1 to 3 in turn.
@@ -118,5 +125,6 @@ BENCHMARK(assembly_with_rigid_links)
     ->RangeMultiplier(10)
     ->Range(1000, 100000)
     ->Complexity(benchmark::oN);
-BENCHMARK(order_grid)->RangeMultiplier(2)->Range(16, 512)->Complexity(benchmark::oN);
+BENCHMARK(order_grid_by_rows)->RangeMultiplier(4)->Range(16, 1024)->Complexity(benchmark::oN);
+BENCHMARK(order_grid_shuffled)->RangeMultiplier(4)->Range(16, 1024)->Complexity(benchmark::oN);
 BENCHMARK(order_hub)->RangeMultiplier(8)->Range(1024, 524288)->Complexity(benchmark::oN);

@@ -33,7 +33,8 @@ void call_element(int slot, Request request) {
     print_both(" \n\tElement " + std::string(row.alias) + " is not available in this version\n");
 }
 
-void elem_call(Request request, int source) {
+/// The walk over the active slots.
+static void walk_elements(Request request, int source) {
     const ArrayRef ref = find_array(elem_grp);
     if (!ref.is(type_integer) || ref.size() != element_slots) {
         not_found(elem_grp);
@@ -53,6 +54,10 @@ void elem_call(Request request, int source) {
         if (source == 1) own.modifier1 = code;
         call_element(slot, own);
     }
+}
+
+void elem_call(Request request, int source) {
+    walk_elements(request, source);
     if (source == 0 && task_of(request) == Task::column_heights) constraint_column_heights();
 }
 

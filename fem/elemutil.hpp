@@ -131,7 +131,7 @@ std::span<const ElementRow, element_slots> element_rows();
 void call_element(int slot, Request request);
 
 /// Offers a request to every active slot; source 0 passes it as it is, source 1 gives each slot its
-/// own group code as modifier 1.
+/// own group code as modifier 1. The pass of column heights ends with the nodal constraints.
 void elem_call(Request request, int source);
 /// Stores a code in `.elem_grp`, which is made when absent or of another length.
 void set_element_group(int slot, int code);

@@ -134,7 +134,8 @@ void report_profile(std::span<const std::int32_t> heights) {
     const int n = static_cast<int>(heights.size());
     const std::int32_t size = get_int(kstr_size);
     const auto highest = std::ranges::max_element(heights);
-    const auto average = static_cast<float>(size / n); // carried in single precision
+    const std::int32_t whole = size / n;
+    const auto average = static_cast<float>(whole); // carried in single precision
     write_both(
         "20(/,5x, 'Number of equations      =', i10, /,              5x, 'Size of stiffness matrix =', i10, /,              5x, 'Maximum column height    =', i10, /,              5x, '          at equation    =', i10, /,              5x, 'Average column height    =', i10, /)",
         {n, size, *highest + 1, static_cast<std::int32_t>(highest - heights.begin()) + 1,
