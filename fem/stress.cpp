@@ -139,12 +139,12 @@ void cmd_node_str(std::string_view) {
     if (get_int(num_nodes) < 1) return print_both(" \nNumber of nodes in .#nodes invalid\n");
     const NodeSet nodes = open_nodes(fe_nodes);
     if (!nodes) return;
-    if (axes.count() == 0) return print_both(" \nAt least one coordinate must be specified\n");
-    if (ref.cols() < axes.count())
-        return print_both(" \n\tFewer columns of data than coordinates\n");
 
     const auto list = n < 1 ? all_nodes(nodes.count) : read_node_list(n, nodes.count);
     if (list.empty()) return print_both(" \n\tNo nodes listed\n");
+    if (axes.count() == 0) return print_both(" \nAt least one coordinate must be specified\n");
+    if (ref.cols() < axes.count())
+        return print_both(" \n\tFewer columns of data than coordinates\n");
     const auto points = as_matrix<const double>(ref);
     const auto size = static_cast<int>(list.size());
     const Temporary<double> sums("$node_sum", size, points.cols);

@@ -18,7 +18,9 @@ input pts r=7 c=4
 1 2 16 160
 2 1 32 320
 -3 0 64 640
-node_str pts avg num
+node_str pts avg num n=1
+1
+
 node_str avg avg num -x
 node_str pts avg num -x -y
 print avg
