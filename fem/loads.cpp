@@ -176,15 +176,30 @@ bool has_equation(int node, int dof) {
     return as_matrix<const std::int32_t>(ref)(dof, node) <= 0;
 }
 
-/// One record into `imposed`; false at the end.
-bool read_imposed(std::map<std::pair<int, int>, std::vector<double>>& imposed,
-                  const ActiveNodes& active, int patterns) {
+/// The columns of `.disp_inp`, in the order in which the degrees of freedom were first named.
+struct ImposedInput {
+    std::size_t rows;
+    std::vector<double> columns;
+    std::map<std::pair<int, int>, std::size_t> place; ///< of each degree of freedom in `columns`
+
+    void set(int node, int dof, std::span<const double> values) {
+        const auto [at, added] = place.try_emplace({node, dof}, columns.size());
+        if (added) columns.resize(columns.size() + rows);
+        const auto column = std::span(columns).subspan(at->second, rows);
+        column[0] = node;
+        column[1] = dof;
+        std::ranges::copy(values, column.begin() + 2);
+    }
+};
+
+/// One record; false at the end.
+bool read_imposed(ImposedInput& imposed, const ActiveNodes& active) {
     std::int32_t node = 0, dof = 0;
     next_record("Enter nodal displacements: n=  dof=  disp=\n");
     get_int_par("n=", node);
     if (node == 0) return false;
     get_int_par("dof=", dof);
-    std::vector<double> values(static_cast<std::size_t>(patterns));
+    std::vector<double> values(imposed.rows - 2);
     get_real_par("disp=", values);
     if (!active.contains(node))
         shutdown_with(" \n\tIllegal assignment of displacement to inactive node\n");
@@ -196,7 +211,7 @@ bool read_imposed(std::map<std::pair<int, int>, std::vector<double>>& imposed,
             " \n\tDOF is fixed or constrained, so no displacement can be imposed on it; data "
             "ignored\n");
     else
-        imposed[{node, dof}] = std::move(values);
+        imposed.set(node, dof, values);
     return true;
 }
 
@@ -205,20 +220,13 @@ void cmd_imposed_displ(std::string_view) {
     if (!loads.is(type_real) || loads.rows() < 3)
         return print_both(" \n\tLoad patterns not defined; nodef must come first\n");
     if (!array_exists(node_active)) return not_found(node_active);
-    const int patterns = count_patterns(as_matrix<const double>(loads));
+    const int rows = count_patterns(as_matrix<const double>(loads)) + 2;
     const ActiveNodes active;
-    std::map<std::pair<int, int>, std::vector<double>> imposed;
-    while (read_imposed(imposed, active, patterns)) {
+    ImposedInput imposed{static_cast<std::size_t>(rows), {}, {}};
+    while (read_imposed(imposed, active)) {
     }
     delete_array(disp_inp);
-    if (imposed.empty()) return;
-    std::vector<double> columns;
-    for (const auto& [place, values] : imposed) {
-        columns.push_back(place.first);
-        columns.push_back(place.second);
-        columns.insert(columns.end(), values.begin(), values.end());
-    }
-    store_columns(disp_inp, patterns + 2, columns);
+    if (!imposed.columns.empty()) store_columns(disp_inp, rows, imposed.columns);
 }
 
 void cmd_pimposed_displ(std::string_view) {

@@ -37,6 +37,7 @@ peqs
 print .load_pat
 load_summary
 imposed_displ
+n=4 dof=3 disp=4,5
 n=2 dof=1 disp=1,2
 n=2 dof=7 disp=9
 n=5 dof=1 disp=9
