@@ -155,8 +155,8 @@ std::vector<Arguments> all_arguments() {
         for (std::size_t shape = 0; shape < shapes.size(); ++shape) {
             const Array array{type, shape};
             const std::string a = array.argument();
-            for (const std::string& text :
-                 {a, a + " none", " none" + a, a + a, a + a + a, a + a + a + " new"})
+            for (const std::string& text : {a, a + " none", " none" + a, a + a, a + a + a,
+                                            a + a + a + " new", " ~" + a.substr(1) + " ~none" + a})
                 lists.push_back({text, {array}});
             for (std::size_t other = 0; other < shapes.size(); ++other)
                 if (other != shape) add_pair(array, {type, other});
@@ -173,6 +173,7 @@ constexpr const char* parameters[] = {
     " r=2 c=1 n=1 x=1 v=2 e=1,1 key=1 index=1 p=2 s=ab",
     " r=1 c=2 t=2 table=1 n=2,2 m=1 x=2 y=1 col=2 v=1,1 key=2,1 -reverse -abs -gt -inv -pp tol=1",
     " r=-1 c=-1 t=-1 n=-1 m=-1 x=-1 y=-1 e=0,9 key=-1,9 index=-1 p=-1 -trunc -null -l2 d=1 f=1",
+    " r=~a4_1 c=~a8_3 n=~a16_1 v=~a1_1 x=~none tol=~a8_0 e=~a4_3 key=~a4_5 p=~a9_1",
     " r=9 c=9 t=9 n=9,9 m=9 x=9 y=9 e=9,9 key=9 index=9 p=9 table=9 -max -lt -inverse d=9",
 };
 
