@@ -1,8 +1,12 @@
-// Assembly of element matrices, and the ordering of nodes: time by the size of the mesh.
+// Assembly of element matrices, and the ordering of nodes: time by the size of the mesh; a space
+// frame of 20,000 equations from its elements to its displacements.
+#include "elements/beam3d.hpp"
 #include "fem/assembly.hpp"
+#include "fem/elemutil.hpp"
 #include "fem/eqns.hpp"
 #include "fem/formkm.hpp"
 #include "fem/node_ordering.hpp"
+#include "solvers/matrix.hpp"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -118,8 +122,71 @@ void order_hub(benchmark::State& state) {
     state.SetComplexityN(std::ssize(nodes));
 }
 
+// --- a space frame
+
+constexpr int frame_side = 10, frame_height = 34; ///< nodes; 20,400 degrees of freedom
+
+/// Beams of unit length along the lines of a grid of nodes whose lowest layer is fixed.
+void make_frame() {
+    db_clear();
+    constexpr int layer = frame_side * frame_side, nodes = layer * frame_height;
+    new_nodes(fe_nodes, nodes);
+    NodeSet set = open_nodes(fe_nodes);
+    const auto codes = create_matrix<std::int32_t>(bcid, 6, nodes);
+    std::vector<std::array<int, 2>> beams;
+    for (int n = 1; n <= nodes; ++n) {
+        const int i = (n - 1) % frame_side, j = (n - 1) / frame_side % frame_side;
+        set.define(n, {1.0 * i, 1.0 * j, static_cast<double>((n - 1) / layer)});
+        if (n <= layer) std::ranges::fill(codes.col(n), 1);
+        if (i + 1 < frame_side) beams.push_back({n, n + 1});
+        if (j + 1 < frame_side) beams.push_back({n, n + frame_side});
+        if (n + layer <= nodes) beams.push_back({n, n + layer});
+    }
+    create_int_scalar(num_nodes, nodes);
+    const int count = static_cast<int>(beams.size());
+    const auto el = create_matrix<std::int32_t>(beam3d_el, 6, count);
+    for (int e = 1; e <= count; ++e) {
+        const auto [a, b] = beams[static_cast<std::size_t>(e - 1)];
+        el(1, e) = a;
+        el(2, e) = b;
+        el(3, e) = 1;
+        el(5, e) = b == a + 1 ? -2 : -1; // an axis that the beam does not follow
+    }
+    std::ranges::fill(create_matrix<double>(beam3d_mp, 1, beam3d_columns).all(), 1.0);
+    std::ranges::fill(create_matrix<double>(beam3d_len, count, 0).all(), 1.0);
+    create_matrix<double>(beam3d_st, 12, count);
+    create_int_scalar(beam3d_kg, 0);
+    set_element_group(beam3d_slot, 1);
+    number_equations(true);
+    create_matrix<double>(kstr, *static_cast<std::int32_t*>(find_array(kstr_size).data), 0);
+}
+
+void frame_stiffness(benchmark::State& state) {
+    make_frame();
+    for (auto _ : state)
+        form_stiffness(FormMode::linear);
+    state.SetItemsProcessed(state.iterations() * find_array(beam3d_len).size());
+    db_clear();
+}
+
+void frame_factor_and_solve(benchmark::State& state) {
+    make_frame();
+    const auto u = create_matrix<double>(disp, find_array(kdiag_loc).rows() - 1, 1);
+    std::ranges::fill(u.all(), 1.0);
+    for (auto _ : state) {
+        state.PauseTiming();
+        form_stiffness(FormMode::linear);
+        state.ResumeTiming();
+        profile_op(kstr, kdiag_loc, {}, 0, default_digits);
+        profile_op(kstr, kdiag_loc, u, 1, default_digits);
+    }
+    db_clear();
+}
+
 } // namespace
 
+BENCHMARK(frame_stiffness)->Unit(benchmark::kMillisecond);
+BENCHMARK(frame_factor_and_solve)->Unit(benchmark::kMillisecond);
 BENCHMARK(assembly)->RangeMultiplier(10)->Range(1000, 100000)->Complexity(benchmark::oN);
 BENCHMARK(assembly_with_rigid_links)
     ->RangeMultiplier(10)
