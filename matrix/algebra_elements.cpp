@@ -79,7 +79,7 @@ template <bool subtract> void cmd_add(std::string_view) {
     const std::string target(get_arg(3));
     const ArrayPair arrays = find_arguments(1, 2);
     if (!arrays) return;
-    const auto& [a, b] = arrays;
+    const ArrayRef a = arrays.a, b = arrays.b;
     if (a.type != b.type || !is_numeric(a)) return print_both(" \n\tIncorrect types\n");
     if ((a.ndim() > 2 || b.ndim() > 2) && !same_dims(a, b))
         return print_both(" \n\tDimensions are incompatible\n");
@@ -111,7 +111,7 @@ void cmd_subcol(std::string_view) {
     get_int_par(" c=", c);
     const ArrayPair arrays = find_arguments(1, 2);
     if (!arrays) return;
-    const auto& [a, b] = arrays;
+    const ArrayRef a = arrays.a, b = arrays.b;
     if (c < 1) return print_both(" \n\tColumn number must be positive\n");
     if (a.type != b.type) return print_both(" \n\tIncompatible types\n");
     if (a.is(type_integer)) return print_both(" \n\tCommand not implemented for integers\n");
@@ -143,7 +143,7 @@ void cmd_mult_elem(std::string_view) {
     const bool divide = has_flag("-inv");
     const ArrayPair arrays = find_arguments(1, 2);
     if (!arrays) return;
-    const auto& [a, b] = arrays;
+    const ArrayRef a = arrays.a, b = arrays.b;
     if (a.type != b.type) return print_both(" \n\tIncompatible types\n");
     if (!same_dims(a, b)) return print_both(" \n\tDimensions are incompatible\n");
     if (!is_numeric(a)) return print_both(" \n\tNot implemented for array types\n");

@@ -18,7 +18,7 @@ template <bool transposed> void cmd_mult(std::string_view) {
     const bool own_input = target == get_arg(1) || target == get_arg(2);
     const ArrayPair arrays = find_arguments_2d(1, 2);
     if (!arrays) return;
-    const auto& [a, b] = arrays;
+    const ArrayRef a = arrays.a, b = arrays.b;
     if (a.type != b.type) return print_both(" \n\tIncompatible types\n");
     if ((transposed ? a.rows() : a.cols()) != b.rows())
         return print_both(" \n\tDimensions are incompatible\n");
@@ -43,7 +43,7 @@ void cmd_mult_col(std::string_view) {
     const std::string target(get_arg(3));
     const ArrayPair arrays = find_arguments_2d(1, 2);
     if (!arrays) return;
-    const auto& [a, b] = arrays;
+    const ArrayRef a = arrays.a, b = arrays.b;
     if (a.type != b.type) return print_both(" \n\tIncompatible types\n");
     if (a.rows() != b.rows() || a.cols() != b.cols())
         return print_both(" \n\tDimensions are incompatible\n");
@@ -62,7 +62,7 @@ void cmd_diag_mult(std::string_view) {
     const std::string target(get_arg(3));
     const ArrayPair arrays = find_arguments(1, 2);
     if (!arrays) return;
-    const auto& [d, b] = arrays;
+    const ArrayRef d = arrays.a, b = arrays.b;
     if (d.ndim() != 1) return print_both(" \n\targ1 must be a vector\n");
     if (b.ndim() > 2) return print_both(" \n\targ2 must be a 1-D or a 2-D array");
     if (d.rows() != b.rows()) return print_both(" \n\tDimensions are incompatible\n");

@@ -125,7 +125,7 @@ void cmd_gauss(std::string_view) {
     if (digits < 1) digits = 7;
     const ArrayPair arrays = find_arguments_2d(1, 2);
     if (!arrays) return;
-    const auto& [a, b] = arrays;
+    const ArrayRef a = arrays.a, b = arrays.b;
     if (a.rows() != a.cols()) return print_both(" \n\targ1 must be square\n");
     if (a.rows() != b.rows())
         return print_both(" \n\targ1 and arg2 must have the same number of rows\n");

@@ -30,7 +30,7 @@ QUELOR_CLONES void subtract_multiple(int n, Complex8 a, const Complex8* x, Compl
     const double re = a.real(), im = a.imag(), minus_im = -im;
     const auto* const p = reinterpret_cast<const double*>(x);
     auto* const q = reinterpret_cast<double*>(y);
-    for (int i = 0; i < n; ++i) {
+    for (std::ptrdiff_t i = 0; i < n; ++i) {
         q[2 * i] -= re * p[2 * i] + minus_im * p[2 * i + 1];
         q[2 * i + 1] -= re * p[2 * i + 1] + im * p[2 * i];
     }

@@ -21,6 +21,7 @@ constexpr int block = groups * width;
 /// by_processor_f(arguments...) is f<bytes>(arguments...) compiled for the processor, bytes those
 /// of its vector registers; GCC splits vectors wider than the processor's own badly, so they cannot
 /// be one clone's.
+// NOLINTBEGIN(bugprone-macro-parentheses): f is the name of a template.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
 #define QUELOR_BY_PROCESSOR(f)                                                                     \
     template <class... A> [[gnu::target("arch=x86-64-v4")]] void f##_v4(A&&... arguments) {        \
@@ -40,6 +41,7 @@ constexpr int block = groups * width;
         f<16>(arguments...);                                                                       \
     }
 #endif
+// NOLINTEND(bugprone-macro-parentheses)
 
 // --- numbers side by side ------------------------------------------------------------------------
 
