@@ -347,12 +347,15 @@ void print_beam_state(std::string_view array) {
     write_unit(
         unit_output,
         "(/, '     LINEAR BEAM ELEMENT STATE', /, ' ELEMENT    NODE', 7x, 'AXIAL', 10x, 'VY', 10x, 'VZ', 6x, 'TORQUE', 10x, 'MY', 10x, 'MZ')");
+    const auto reversed = [&](int i, int e) { return 0 - st(i, e); }; // a zero stays positive
     for (int e = 1; e <= m.el.cols; ++e) {
         if (m.el(4, e) != 0) continue;
         write_unit(unit_output, "(2(i6,2x), 1p6e12.4)",
-                   {e, m.el(1, e), -st(1, e), st(2, e), st(3, e), -st(4, e), -st(5, e), -st(6, e)});
+                   {e, m.el(1, e), reversed(1, e), st(2, e), st(3, e), reversed(4, e),
+                    reversed(5, e), reversed(6, e)});
         write_unit(unit_output, "(8x, i6, 2x, 1p6e12.4)",
-                   {m.el(2, e), st(7, e), -st(8, e), -st(9, e), st(10, e), st(11, e), st(12, e)});
+                   {m.el(2, e), st(7, e), reversed(8, e), reversed(9, e), st(10, e), st(11, e),
+                    st(12, e)});
     }
 }
 
@@ -368,7 +371,7 @@ void export_beams() {
 // -------------------------------------------------------------------
 
 void set_beam_tension(Matrix<double> st, int e, double tension) {
-    st(1, e) = -tension;
+    st(1, e) = 0 - tension;
     st(7, e) = tension;
 }
 
@@ -475,9 +478,9 @@ std::string_view beam3d_help() {
            "elements, with radii from R1 to R2, whose nodes are tied to the beam nodes by rigid links. "
            "face is the code of the interface elements. beam3d must have been entered before, if only "
            "with n=0, as must nodes, with room for the new ones, and bcid.\n\n"
-           "Example (a column of 4 elements on nodes 1 to 5):\n\tbeam3d m=1 n=4\n\t"
+           "Example (4 elements on nodes 1 to 5, not vertical):\n\tbeam3d m=1 n=4\n\t"
            "m=1 e=2.1e11 g=8.1e10 a=0.02 j=4e-4 iy=2e-4 iz=2e-4 mbar=157\n\t"
-           "n=1 mat=1 nodes=1,2 node3=-1 gen=3 inc=1\n\t(blank line)\n\n"
+           "n=1 mat=1 nodes=1,2 node3=-3 gen=3 inc=1\n\t(blank line)\n\n"
            "Arrays created: .beam3d_mp(m,19) e, g, not used, a, j, iy, iz, asy, asz, mIxx, mIyy, mIzz, "
            "mx, my, mz, cbar, cx, cy, cz; .beam3d_el(6,n) node1, node2, material, print code, node3, "
            "ID#; .beam3d_len(n) lengths; .beam3d_st(12,n) end forces in local axes; .beam3d_kg. The "

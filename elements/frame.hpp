@@ -19,10 +19,10 @@ struct BendingTerms {
 };
 /// Stiffness of a beam of bending stiffness ei and shear stiffness gas (0: no shear deformation).
 /// f = EI / (G As L^2), Ir = I / (1 + 12 f): 12 E Ir / L^3, 6 E Ir / L^2, (1 + 3 f) 4 E Ir / L,
-/// (1 - 6 f) 2 E Ir / L.   Source: [Przemieniecki 1968, sec. 5.6]
+/// (1 - 6 f) 2 E Ir / L.   Source: [Przemieniecki 1968, ch. 5]
 BendingTerms elastic_terms(double ei, double gas, double length);
 /// Geometric stiffness of the tension P: 36 P / (30 L), P / 10, 2 P L / 15, -P L / 30.
-/// Source: [Przemieniecki 1968, sec. 15.2]
+/// Source: [Przemieniecki 1968, ch. 15]
 BendingTerms geometric_terms(double tension, double length);
 
 /// Numbers of the degrees of freedom of one plane, and +1 when its rotation turns x toward the

@@ -247,8 +247,8 @@ PlaneGeometry plane_geometry(const PlaneModel& m, Matrix<const double> x, int e,
     g.present = plane_chord(p1[a] + u[0], p1[b] + u[1], p2[a] + u[3], p2[b] + u[4]);
     if (!(g.original.length > 0) || !(g.present.length > 0))
         shutdown_with("  Zero element length in NBEAM2D");
-    g.r1 = p.reversed ? -u[2] : u[2];
-    g.r2 = p.reversed ? -u[5] : u[5];
+    g.r1 = p.reversed ? 0 - u[2] : u[2];
+    g.r2 = p.reversed ? 0 - u[5] : u[5];
     return g;
 }
 
@@ -354,7 +354,7 @@ void plane_trial_state() {
         const PlaneForces f = plane_forces(m.section(e), g.original, g.present, g.r1, g.r2);
         trial(e, 1) = f.n;
         trial(e, 2) = f.v;
-        trial(e, 3) = -f.m1;
+        trial(e, 3) = 0 - f.m1;
         trial(e, 4) = f.m2;
         auto force = plane_force_vector(f, g.present.angle);
         if (m.plane(e).reversed) force = reversed_rotations(force);
