@@ -272,10 +272,10 @@ constexpr Command rows[] = {
          "scale\n\tWithout -autoscale: factor of the displacements. Default is 1.\n\n"
          "steps\n\tAnimate one case (by default case 1): steps frames over one full cycle.\n\n"
          "file\n\tName of the file. Default is the project's name with extension msh.\n\n"
-         "Example (mode shapes of eigval with their periods):\n\tcopy .phi .disp\n\texport_graphics "
-         "-deformed -autoscale scale=5\n\n"
-         "The types of elements exported are the trusses, beams, shells, plane elements and the "
-         "interface element, as far as they are active.\n\n"
+         "Example (mode shapes of eigval, labelled by their eigenvalues):\n\tcopy .phi .disp\n\texport_graphics "
+         "-deformed -autoscale scale=5 T=.omega2\n\n"
+         "Of the elements truss, ntruss, beam3d, interface and the types of shells and plane elements are "
+         "exported, as far as they are active (elem_grp); the nodes of all are.\n\n"
          "See Also\n\trigid_modes\n\teigval\n\telem_grp\n"},
 };
 
