@@ -14,9 +14,11 @@
 #include "fem/state.hpp"
 #include "fem/stress.hpp"
 #include "solvers/lsolve.hpp"
+#include "solvers/nsolve.hpp"
 
 namespace quelor {
 
+// clang-format off
 /// One line a family of rows.
 static constexpr std::initializer_list<Family> families = {
     nodes_rows,
@@ -28,6 +30,8 @@ static constexpr std::initializer_list<Family> families = {
     loads_rows,
     masses_rows,
     lsolve_rows,
+    nsolve_rows,
+    disp_cntl_rows,
     state_rows,
     stress_rows,
     pdisp_rows,
@@ -36,12 +40,10 @@ static constexpr std::initializer_list<Family> families = {
 };
 
 /// Words whose commands are not built yet, by family.
-// clang-format off
 static constexpr std::string_view planned[] = {
     "eq_direction",
     "conc_deck_loads", "distr_deck_loads", "pdeck_loads",
     "current_velocity", "pcurrentvelocity", "cp_tables", "body_frc2d", "pbody_frc2d",
-    "nsolve", "disp_cntl",
     "consolidation", "water_waves",
     "el_iso_matl",
     "modal_th", "direct_th",

@@ -23,13 +23,16 @@ constexpr int unit_disp = 99;
 // --- pdisp
 // ----------------------------------------------------------------------------------------
 
+std::string default_row_format(int dofs) {
+    return "(i5, 2x, 1p, " + std::to_string(dofs) + "e12.3)";
+}
+
 /// Format of a row: the user's, or the default when it does not stand in parentheses. Empty after a
 /// message when it cannot write a node number and the displacements.
 std::string row_format(int dofs) {
     std::string form;
     get_char_par(" form=", form, 161);
-    if (!form.starts_with('(') || !form.ends_with(')'))
-        form = "(i5, 2x, 1p, " + std::to_string(dofs) + "e12.3)";
+    if (!form.starts_with('(') || !form.ends_with(')')) form = default_row_format(dofs);
     const Format format = Format::from_text(form);
     std::string complaint(format.error());
     if (complaint.empty()) {
@@ -71,8 +74,11 @@ std::vector<DispRow> printed_rows(const NodeSet& nodes, const NodalValues& value
     return rows;
 }
 
-void print_rows_on(int unit, std::span<const DispRow> rows, int dofs, const Format& format) {
-    write_unit(unit, "5(/,34x, 'NODAL DISPLACEMENTS', /)", {});
+constexpr Format disp_heading = "5(/,34x, 'NODAL DISPLACEMENTS', /)";
+
+void print_rows_on(int unit, const Format& heading, std::span<const DispRow> rows, int dofs,
+                   const Format& format) {
+    write_unit(unit, heading, {});
     write_unit(unit, "10(a, /)", {column_titles(dofs)});
     for (const DispRow& row : rows) {
         FormatItems items({row.node});
@@ -111,8 +117,9 @@ void cmd_pdisp(std::string_view) {
     const Format format = Format::from_text(form);
     const auto rows = printed_rows(nodes, *values, as_span<const std::int32_t>(print),
                                    as_matrix<const double>(u).col(1), range);
-    if (has_flag(" -screen")) print_rows_on(unit_screen, rows, values->dofs(), format);
-    print_rows_on(unit_output, rows, values->dofs(), format);
+    if (has_flag(" -screen"))
+        print_rows_on(unit_screen, disp_heading, rows, values->dofs(), format);
+    print_rows_on(unit_output, disp_heading, rows, values->dofs(), format);
     if (has_flag(" -file")) write_disp_file(rows, has_flag(" -append"));
 }
 
@@ -270,6 +277,19 @@ constexpr Command rows[] = {
 };
 
 } // namespace
+
+void print_nodal_vector(const Format& heading, std::span<const double> vector) {
+    const ArrayRef print = find_array(bcid_print);
+    if (!print.is(type_integer)) return print_both(" \n\tArray .bcid_print not found\n");
+    auto values = open_nodal_values();
+    const NodeSet nodes = open_nodes(fe_nodes);
+    if (!values || !nodes || !values->fit(static_cast<int>(vector.size()))) return;
+    const std::string form = default_row_format(values->dofs());
+    print_rows_on(
+        unit_output, heading,
+        printed_rows(nodes, *values, as_span<const std::int32_t>(print), vector, {1, nodes.count}),
+        values->dofs(), Format::from_text(form));
+}
 
 std::span<const Command> pdisp_rows() {
     return rows;
