@@ -45,7 +45,9 @@ std::string row_format(int dofs) {
     return {};
 }
 
-std::string column_titles(int dofs) {
+std::string column_titles(int dofs, NodalVector kind) {
+    if (dofs == 6 && kind == NodalVector::loads)
+        return " NODE       X-FORCE     Y-FORCE     Z-FORCE     XX-MOM      YY-MOM      ZZ-MOM";
     if (dofs == 6)
         return " NODE        X-DISP      Y-DISP      Z-DISP      XX-ROT      YY-ROT      ZZ-ROT";
     std::string titles = " NODE  ";
@@ -76,10 +78,10 @@ std::vector<DispRow> printed_rows(const NodeSet& nodes, const NodalValues& value
 
 constexpr Format disp_heading = "5(/,34x, 'NODAL DISPLACEMENTS', /)";
 
-void print_rows_on(int unit, const Format& heading, std::span<const DispRow> rows, int dofs,
-                   const Format& format) {
+void print_rows_on(int unit, const Format& heading, const std::string& titles,
+                   std::span<const DispRow> rows, const Format& format) {
     write_unit(unit, heading, {});
-    write_unit(unit, "10(a, /)", {column_titles(dofs)});
+    write_unit(unit, "10(a, /)", {titles});
     for (const DispRow& row : rows) {
         FormatItems items({row.node});
         items.add(std::span<const double>(row.u));
@@ -117,9 +119,9 @@ void cmd_pdisp(std::string_view) {
     const Format format = Format::from_text(form);
     const auto rows = printed_rows(nodes, *values, as_span<const std::int32_t>(print),
                                    as_matrix<const double>(u).col(1), range);
-    if (has_flag(" -screen"))
-        print_rows_on(unit_screen, disp_heading, rows, values->dofs(), format);
-    print_rows_on(unit_output, disp_heading, rows, values->dofs(), format);
+    const std::string titles = column_titles(values->dofs(), NodalVector::displacements);
+    if (has_flag(" -screen")) print_rows_on(unit_screen, disp_heading, titles, rows, format);
+    print_rows_on(unit_output, disp_heading, titles, rows, format);
     if (has_flag(" -file")) write_disp_file(rows, has_flag(" -append"));
 }
 
@@ -278,17 +280,17 @@ constexpr Command rows[] = {
 
 } // namespace
 
-void print_nodal_vector(const Format& heading, std::span<const double> vector) {
+void print_nodal_vector(const Format& heading, NodalVector kind, std::span<const double> vector) {
     const ArrayRef print = find_array(bcid_print);
     if (!print.is(type_integer)) return print_both(" \n\tArray .bcid_print not found\n");
     auto values = open_nodal_values();
     const NodeSet nodes = open_nodes(fe_nodes);
     if (!values || !nodes || !values->fit(static_cast<int>(vector.size()))) return;
     const std::string form = default_row_format(values->dofs());
-    print_rows_on(
-        unit_output, heading,
-        printed_rows(nodes, *values, as_span<const std::int32_t>(print), vector, {1, nodes.count}),
-        values->dofs(), Format::from_text(form));
+    const auto rows =
+        printed_rows(nodes, *values, as_span<const std::int32_t>(print), vector, {1, nodes.count});
+    print_rows_on(unit_output, heading, column_titles(values->dofs(), kind), rows,
+                  Format::from_text(form));
 }
 
 std::span<const Command> pdisp_rows() {

@@ -256,7 +256,7 @@ void print_iteration(const Run& run) {
     if (run.options.print_disp >= 2) {
         std::vector<double> u(run.u.begin(), run.u.end());
         add(u, 1, run.increment);
-        print_nodal_vector("5(/,34x, 'NODAL DISPLACEMENTS', /)", u);
+        print_nodal_vector("5(/,34x, 'NODAL DISPLACEMENTS', /)", NodalVector::displacements, u);
     }
     if (run.options.print_forces >= 2) print_element_state(StateKind::trial);
 }
@@ -304,10 +304,11 @@ void commit_step(Run& run, int step) {
         write_both("40(/, 5x,'LOAD FACTOR FOR STEP  ', 1pe11.4)", {run.factor});
         append_column(dispcntl_history, {number, row, dot(run.control, run.u), run.factor}, {});
         if (run.options.print_disp >= 1)
-            print_nodal_vector("10(/,'TOTAL APPLIED LOADS REQUIRED')", run.applied);
+            print_nodal_vector("10(/,'TOTAL APPLIED LOADS REQUIRED')", NodalVector::loads,
+                               run.applied);
     }
     if (run.options.print_disp >= 1)
-        print_nodal_vector("5(/,34x, 'NODAL DISPLACEMENTS', /)", run.u);
+        print_nodal_vector("5(/,34x, 'NODAL DISPLACEMENTS', /)", NodalVector::displacements, run.u);
     if (run.options.print_forces >= 1) print_element_state(StateKind::committed);
 }
 
