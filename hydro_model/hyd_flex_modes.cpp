@@ -3,8 +3,10 @@
 //
 // Command: hyd_flex_modes.
 // Writes: the flexible modes' part of the arrays of hyd_modes.hpp, the file `<project>.kf`.
-// Reads: the control parameters, the panel arrays, `.#eqs`, `.node_eqs`, `.const_nodes`,
-// `.const_dofs`, `.const_factor`. Workspace: `$tmp1`.
+// Reads: the control parameters, the panel arrays, `.#eqs`, `.node_eqs`, the nodal constraints.
+// Workspace: `$tmp1`.
+#include "fem/nodal_values.hpp"
+#include "fem/nodes.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "hydro_model/hyd_modes.hpp"
 #include "hydro_model/hyd_nodes.hpp"
@@ -13,6 +15,7 @@
 #include "hydro_model/panel_motion.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
+#include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
 #include "matrix/print.hpp"
@@ -89,67 +92,30 @@ void warn_of_missing_codes(const FlexSizes& s, std::span<const std::int32_t> mod
 
 // --- displacements from the finite-element model
 
-/// Equation of each degree of freedom of each node (negative: a constraint's number), and what the
-/// constraints make of the mode shapes.
-struct FeModel {
-    int neq;
-    Matrix<const std::int32_t> node_eqs;
-    Matrix<const std::int32_t> const_nodes, const_dofs; ///< null without constraints
-    Matrix<const double> const_factor;
-};
-
-FeModel fe_model() {
-    const ArrayRef eqs = find_array(".#eqs"), node_eqs = find_array(".node_eqs");
-    if (!eqs.is(type_integer) || !node_eqs.is(type_integer))
+/// The equations of the finite-element nodes, checked against mode shapes of neq rows.
+NodalValues open_mode_shapes(int neq) {
+    if (!find_array(node_eqs).is(type_integer) || !find_array(num_eqs).is(type_integer))
         shutdown_with(" \n\tArray with structural equation numbers, .node_eqs, not found\n");
-    FeModel model{*as_span<const std::int32_t>(eqs).data(),
-                  as_matrix<const std::int32_t>(node_eqs),
-                  {},
-                  {},
-                  {}};
-    const auto equations = model.node_eqs.all();
-    if (std::ranges::any_of(equations, [&](int e) { return e > model.neq; }))
-        shutdown_with(" \n\tAn equation number in .node_eqs is above .#eqs\n");
-    const int constraints = -std::min(0, std::ranges::min(equations));
-    if (constraints == 0) return model;
-    model.const_nodes = require_matrix<std::int32_t>(".const_nodes");
-    const int rows = model.const_nodes.rows, cols = model.const_nodes.cols;
-    model.const_dofs = require_matrix<std::int32_t>(".const_dofs", rows, cols);
-    model.const_factor = require_matrix<double>(".const_factor", rows, cols);
-    if (constraints > cols)
-        shutdown_with(" \n\tA constraint number in .node_eqs is out of range\n");
-    return model;
+    auto values = open_nodal_values();
+    if (!values || !values->fit(neq)) shutdown();
+    return *std::move(values);
 }
 
-int equation(const FeModel& model, int dof, int node) {
-    const bool exists =
-        1 <= dof && dof <= model.node_eqs.rows && 1 <= node && node <= model.node_eqs.cols;
-    return exists ? model.node_eqs(dof, node) : 0;
-}
-
-/// Displacement of a degree of freedom in a mode shape; 0 without an equation. A constrained one
-/// follows the independent ones: the sum of factor times displacement.
-double displacement(const FeModel& model, int dof, int node, std::span<const double> shape) {
-    const int eq = equation(model, dof, node);
-    if (eq > 0) return shape[static_cast<std::size_t>(eq - 1)];
-    double sum = 0.0;
-    for (int i = 2; eq < 0 && i <= model.const_nodes.rows; ++i) {
-        const int master = equation(model, model.const_dofs(i, -eq), model.const_nodes(i, -eq));
-        if (master > 0)
-            sum += model.const_factor(i, -eq) * shape[static_cast<std::size_t>(master - 1)];
-    }
-    return sum;
-}
-
+/// A degree of freedom without an equation does not move; a constrained one follows its constraint.
 void take_mode_shapes(const FlexSizes& s, std::string_view name, const ModeArrays& modes) {
-    const FeModel model = fe_model();
-    const auto shapes = require_matrix<double>(name, model.neq);
+    const auto shapes = require_matrix<double>(name);
+    const NodalValues values = open_mode_shapes(shapes.rows);
     if (shapes.cols < s.nmode) shutdown_with(" \n\tThe array of mode shapes has too few columns\n");
-    for (int dof = 1; dof <= 6; ++dof)
-        for (int m = s.nmoder + 1; m <= s.nmode; ++m)
-            for (int node = 1; node <= s.nnodes; ++node)
-                modes.nodal[static_cast<std::size_t>(dof - 1)](node, m) =
-                    displacement(model, dof, node, shapes.col(m));
+    const int nodes = std::min(s.nnodes, values.eqs.cols);
+    for (int m = s.nmoder + 1; m <= s.nmode; ++m) {
+        for (const auto& component : modes.nodal)
+            std::ranges::fill(component.col(m), 0.0);
+        for (int node = 1; node <= nodes; ++node) {
+            const auto displacement = values.six(shapes.col(m), node);
+            for (std::size_t i = 0; i < displacement.size(); ++i)
+                modes.nodal[i](node, m) = displacement[i];
+        }
+    }
 }
 
 // --- displacements from records
