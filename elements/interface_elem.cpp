@@ -199,7 +199,7 @@ void subdivide_interfaces() {
     get_int_par(" range=", range);
     get_int_par(" nxm=", parts);
     const auto el = open_interfaces();
-    const auto [first, last] = range;
+    const std::int32_t first = range[0], last = range[1];
     const auto [n, m] = parts;
     if (!has_id(el, first))
         return print_both(" \n\tCould not find first element in range to subdivide\n");

@@ -133,7 +133,7 @@ void store_plane_record(const PlaneRecord& r, int materials, const PlaneTables& 
 /// The node numbers as the check wants them, one column an element.
 void check_plane_nodes(Matrix<const std::int32_t> el) {
     std::vector<std::int32_t> nodes;
-    nodes.reserve(static_cast<std::size_t>(2 * el.rows));
+    nodes.reserve(2 * static_cast<std::size_t>(el.rows));
     for (int e = 1; e <= el.rows; ++e) {
         nodes.push_back(el(e, 1));
         nodes.push_back(el(e, 2));

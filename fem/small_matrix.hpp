@@ -19,7 +19,8 @@ template <int R, int C = R> struct SmallMatrix {
 private:
     std::size_t at(int i, int j) const {
         assert(1 <= i && i <= rows && 1 <= j && j <= cols);
-        return static_cast<std::size_t>(i - 1 + (j - 1) * rows);
+        return static_cast<std::size_t>(i - 1) +
+               static_cast<std::size_t>(j - 1) * static_cast<std::size_t>(rows);
     }
 };
 
