@@ -77,6 +77,11 @@ FrameAxes cylinder_axes(const Cylinder& c) {
     return frame_axes(difference(c.p2, c.p1), toward3);
 }
 
+/// Cosine or sine of a quarter turn as 0, so that nodes meant for the water line lie on it.
+double without_rounding(double x) {
+    return std::abs(x) < 1e-15 ? 0 : x;
+}
+
 /// Nodes of all rings, ring after ring; each starts on local z and turns by the right hand about x.
 std::vector<std::int32_t> add_rings(const Cylinder& c, const FrameAxes& axes) {
     std::vector<std::int32_t> rings;
@@ -87,8 +92,9 @@ std::vector<std::int32_t> add_rings(const Cylinder& c, const FrameAxes& axes) {
         const double r = c.radius[0] + part * (c.radius[1] - c.radius[0]);
         for (int j = 0; j < c.around(); ++j) {
             const double angle = 2 * std::numbers::pi * j / c.around();
-            const Vec3 p = add_scaled(center, r * std::cos(angle), axes[2]);
-            rings.push_back(node_add(add_scaled(p, r * std::sin(angle), across), -1));
+            const Vec3 p = add_scaled(center, r * without_rounding(std::cos(angle)), axes[2]);
+            rings.push_back(
+                node_add(add_scaled(p, r * without_rounding(std::sin(angle)), across), -1));
         }
     }
     return rings;

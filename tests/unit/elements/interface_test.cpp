@@ -93,6 +93,10 @@ TEST_F(Interface, cylinder_ties_a_skin_to_a_spine_of_beams) {
         EXPECT_EQ(el(6, e), -1);
     }
     EXPECT_EQ(std::set<int>(el.col(1).begin(), el.col(1).begin() + 4).size(), 4u);
+    // Ring nodes a quarter turn apart lie on the axes of the section to the last bit.
+    const Vec3 top = node_coordinates(5), quarter = node_coordinates(7);
+    EXPECT_TRUE((top[0] == 1) != (top[1] == 2));
+    EXPECT_TRUE((quarter[0] == 1) != (quarter[1] == 2));
     // A load on the skin bends the spine: the numbering and the links hold together.
     script("nodef\nn=36 f=1\n\nform_k\n");
     EXPECT_GT(get_int(num_eqs), 0);
