@@ -39,3 +39,4 @@ void zgemm_(const char* transa, const char* transb, const std::int32_t* m, const
             const std::complex<double>* beta, std::complex<double>* c, const std::int32_t* ldc,
             std::size_t transa_length, std::size_t transb_length);
 }
+// NOLINTEND(readability-identifier-naming)
