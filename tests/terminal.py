@@ -171,6 +171,9 @@ def main():
         first, second, piped = (new_folder(home, name) for name in ("first", "second", "piped"))
         places = {"HOME": str(home), "XDG_STATE_HOME": str(home / "state")}
 
+        history = home / "state" / "quelor-zt" / "history"
+        history.parent.mkdir(parents=True)
+        history.write_text("".join(f"old {i}\n" for i in range(2500)))
         session = Session(program, first, places)
         edits_lines(session)
         session.end()
@@ -178,8 +181,8 @@ def main():
         calls_lines_back(session)
         stops_pages_and_loops(session)
         session.end(CTRL["D"])
-        history = (home / "state" / "quelor-zt" / "history").read_text(encoding="utf-8")
-        assert history.startswith("seti a v=12\nseti b v=3\n"), history
+        lines = history.read_text(encoding="utf-8").splitlines()
+        assert lines[999:1002] == ["old 2499", "seti a v=12", "seti b v=3"], lines[990:]
 
         session = Session(program, second, {"XDG_STATE_HOME": "/dev/null"})  # no place for a history
         for step in (completes_words, gives_lines_up, scrolls_a_long_line):
