@@ -44,13 +44,23 @@ Unit* connected(int number) {
     return found != units().end() && found->second.file ? &found->second : nullptr;
 }
 
+std::string formatted(const Format& format, const FormatItems& items) {
+    FormatResult result = format_write(format, items);
+    if (!result.error.empty())
+        result.text +=
+            "\n  Error in format " + std::string(format.text()) + ": " + result.error + "\n";
+    return std::move(result.text);
+}
+
+/// The message goes past the units, so that a screen that fails as well is no further matter.
 void report_failed_write(int number, Unit& unit) {
     const char* const reason = std::strerror(errno);
     if (unit.failed) return;
     unit.failed = true;
-    if (number != unit_screen)
-        write_unit(unit_screen, "10(/, '  Error writing file ', a, ': ', a, /)",
-                   {unit.name, reason});
+    if (number == unit_screen) return;
+    const std::string text =
+        formatted("10(/, '  Error writing file ', a, ': ', a, /)", {unit.name, reason});
+    std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
 /// Between reading and writing a C stream needs a seek; what follows the place of a write is gone.
@@ -83,14 +93,6 @@ void put_text(int number, std::string_view text) {
     static const bool on_terminal = isatty(STDOUT_FILENO) != 0;
     if (number == unit_screen && on_terminal && text.back() != '\n')
         std::fflush(stdout); // a prompt, or the progress of a long step
-}
-
-std::string formatted(const Format& format, const FormatItems& items) {
-    FormatResult result = format_write(format, items);
-    if (!result.error.empty())
-        result.text +=
-            "\n  Error in format " + std::string(format.text()) + ": " + result.error + "\n";
-    return std::move(result.text);
 }
 
 bool same_word(std::string_view a, std::string_view b) {
