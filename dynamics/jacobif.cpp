@@ -65,8 +65,8 @@ public:
         for (int j = i + 1; j <= n(); ++j)
             a_(i, j) = row(j);
     }
-    /// Both sides by the transformation of (i,j), which makes A(i,j) zero, but for the columns
-    /// behind `last`; row i has been taken.
+    /// Both sides by the transformation of (i,j), but for the columns behind `last`; row i has been
+    /// taken.
     void rotate(int i, int j, Rotation t, int last) {
         double* const column = a_.col(j).data();
         rotate_pairs(t, row_.data(), column, i - 1);
@@ -76,7 +76,8 @@ public:
         const double ii = diagonal(i), jj = diagonal(j), ij = row(j);
         diagonal(i) = ii + t.cg * (2 * ij + t.cg * jj);
         diagonal(j) = jj + t.ca * (2 * ij + t.ca * ii);
-        row(j) = 0;
+        // Not simply 0: where the pair is nearly dependent, ca and cg carry more than rounding.
+        row(j) = ij * (1 + t.ca * t.cg) + t.ca * ii + t.cg * jj;
     }
     /// A block's transformations of the columns behind `last`.
     void rotate_behind(std::span<const PairRotation> rotations, int last) {
@@ -157,11 +158,15 @@ bool make_rotation(Triangle& k, Triangle& m, int i, int j, Rotation& t) {
     const double mii = m.diagonal(i), mjj = m.diagonal(j), mij = m.row(j);
     const double ak = kii * mij - mii * kij, ag = kjj * mij - mjj * kij;
     const double b = kii * mjj - kjj * mii, d = b * b / 4 + ak * ag;
-    // In exact arithmetic d = 0 where the pair's blocks of K and M are proportional; rounding then
-    // leaves a d of either sign.
-    const double noise =
-        4 * std::numeric_limits<double>::epsilon() * (std::abs(kii * mjj) + std::abs(kjj * mii));
-    if (std::abs(d) <= noise * noise) {
+    // d = 0 where the pair's blocks of K and M are proportional, and rounding leaves it with either
+    // sign. What decouples them then makes one matrix diagonal, and the other one very nearly so.
+    constexpr double eps = 4 * std::numeric_limits<double>::epsilon();
+    const double b_error = eps * (std::abs(kii * mjj) + std::abs(kjj * mii));
+    const double ak_error = eps * (std::abs(kii * mij) + std::abs(mii * kij));
+    const double ag_error = eps * (std::abs(kjj * mij) + std::abs(mjj * kij));
+    const double d_error =
+        (std::abs(b) / 2 + b_error) * b_error + std::abs(ak) * ag_error + std::abs(ag) * ak_error;
+    if (std::abs(d) <= d_error) {
         t.ca = 0;
         t.cg = kjj == 0 ? -mij / mjj : -kij / kjj;
         return true;

@@ -97,8 +97,8 @@ bool holds(const std::string& text, std::string_view part) {
 TEST_F(Eigval, both_methods_give_the_modes_of_a_bar) {
     const int n = 300;
     for (const char* command :
-         {"eigval", "eigval #=10 digits=14 ss_size=40", "eigval #=10 digits=14 ss_size=40 -random",
-          "eigval #=10 digits=14 ss_size=40 -disk"}) {
+         {"eigval", "eigval #=10 digits=14 ss_size=80", "eigval #=10 digits=14 ss_size=40 -random",
+          "eigval #=10 digits=14 ss_size=80 -disk"}) {
         make_bar(n);
         const auto stiffness = values_of(kstr);
         const std::string screen = run(command);

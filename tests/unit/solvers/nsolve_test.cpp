@@ -3,7 +3,6 @@
 
 #include "fem/formkm.hpp"
 #include "fem/pdisp.hpp"
-#include "kernel/alias.hpp"
 #include "kernel/project.hpp"
 #include "solvers/nsolve.hpp"
 
@@ -19,22 +18,6 @@ protected:
     Nsolve() {
         testing::FLAGS_gtest_death_test_style = "fast";
         set_project_name("job");
-    }
-    /// Runs lines of commands and their records; what appears on the screen.
-    static std::string type(const std::string& lines) {
-        give_input(lines + "\n");
-        std::string output = screen([] { obey(); });
-        close_all_inputs();
-        return output;
-    }
-    static void obey() {
-        for (read_record("", "", false); !input_has_ended(); read_record("", "", false)) {
-            const std::string word = get_command_word();
-            if (word.empty()) continue;
-            const Command* const command = find_command(command_chain(), alias_to_internal(word));
-            ASSERT_NE(command, nullptr) << word;
-            command->run(command->words[0]);
-        }
     }
     void expect_fatal(const std::string& lines, const char* message) {
         const auto fails = [&] {

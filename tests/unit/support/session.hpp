@@ -2,6 +2,7 @@
 // data records from a file, what appears on the screen as text.
 #pragma once
 
+#include "kernel/alias.hpp"
 #include "kernel/command.hpp"
 #include "kernel/dbfgen.hpp"
 #include "kernel/fortfile.hpp"
@@ -62,6 +63,24 @@ protected:
         std::string output = screen([&] { row->run(word); });
         close_all_inputs();
         return output;
+    }
+    /// Runs lines of commands and their records as a command file, by the words that users type;
+    /// what appears on the screen.
+    static std::string type(const std::string& lines) {
+        give_input(lines + "\n");
+        std::string output = screen([] { obey(); });
+        close_all_inputs();
+        return output;
+    }
+    /// Obeys the input to its end.
+    static void obey() {
+        for (read_record("", "", false); !input_has_ended(); read_record("", "", false)) {
+            const std::string word = get_command_word();
+            if (word.empty()) continue;
+            const Command* const command = find_command(command_chain(), alias_to_internal(word));
+            ASSERT_NE(command, nullptr) << word;
+            command->run(command->words[0]);
+        }
     }
     /// For death tests, whose child shares the files of its parent: the screen goes to the error
     /// output, and nothing is waited for.

@@ -1,0 +1,153 @@
+// `eigval` on models of beams: both methods, LAPACK, and structures without supports.
+#include "../support/session.hpp"
+#include "pencils.hpp"
+
+#include "dynamics/eigval.hpp"
+#include "fem/eqns.hpp"
+#include "fem/formkm.hpp"
+
+#include <cmath>
+#include <numbers>
+
+namespace quelor {
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr int frame_levels = 2; // 288 equations: the Jacobi method is slow there
+#else
+constexpr int frame_levels = 7; // 1008 equations
+#endif
+
+const std::string section = "m=1 e=2.1e11 g=8.1e10 a=0.02 j=4e-4 iy=2e-4 iz=1.3e-4 mbar=157 "
+                            "mI=3.1,1.6,1.0\n";
+
+class Frame : public Session {
+protected:
+    static std::string words(std::initializer_list<double> values) {
+        std::string text;
+        for (const double v : values)
+            text += (text.empty() ? "" : ",") + std::to_string(v);
+        return text;
+    }
+    /// Columns on a plan of 4 by 6, clamped at the base, and beams both ways at each level; bays of
+    /// all sizes, so that no two modes are alike.
+    static void make_frame() {
+        const auto node = [](int i, int j, int k) { return 1 + i + 4 * j + 24 * k; };
+        std::string nodes, beams;
+        int count = 0;
+        const auto beam = [&](int n1, int n2, int direction) {
+            beams += "n=" + std::to_string(++count) + " mat=1 nodes=" + std::to_string(n1) + "," +
+                     std::to_string(n2) + " node3=" + std::to_string(direction) + "\n";
+        };
+        for (int k = 0; k <= frame_levels; ++k)
+            for (int j = 0; j < 6; ++j)
+                for (int i = 0; i < 4; ++i) {
+                    const int n = node(i, j, k);
+                    nodes += "n=" + std::to_string(n) +
+                             " x=" + std::to_string(5.0 * i + 0.2 * i * i) +
+                             " y=" + std::to_string(6.0 * j + 0.1 * j * j) +
+                             " z=" + std::to_string(3.5 * k - 0.05 * k * k) + "\n";
+                    if (k > 0) beam(node(i, j, k - 1), n, -1);
+                    if (k > 0 && i > 0) beam(node(i - 1, j, k), n, -3);
+                    if (k > 0 && j > 0) beam(node(i, j - 1, k), n, -3);
+                }
+        type("nodes #=" + std::to_string(24 * (frame_levels + 1)) + "\n" + nodes + "\n");
+        type("bcid r=0,0,0,0,0,0\nn=1 r=1,1,1,1,1,1\nn=24 r=1,1,1,1,1,1 inc=1\n\n");
+        type("beam3d m=1 n=" + std::to_string(count) + "\n" + section + beams + "\n");
+        type("form_k\nform_m");
+    }
+    /// A straight beam of 12 elements along (3, 0, 4), without supports.
+    static void make_free_beam() {
+        type("nodes #=13\nn=1 x=1 y=2 z=3\nn=13 x=13 y=2 z=19 lgen=1\n\nbcid r=0,0,0,0,0,0\n\n");
+        type("beam3d m=1 n=12\n" + section + "n=1 mat=1 nodes=1,2 node3=-2 gen=11 inc=1\n\n");
+        type("form_k\nform_m");
+    }
+    static Owned full(std::string_view name) {
+        const auto a = as_span<double>(find_array(name));
+        const auto loc = as_span<std::int32_t>(find_array(kdiag_loc));
+        const int n = static_cast<int>(loc.size()) - 1;
+        Owned matrix(n, n);
+        for (int j = 1; j <= n; ++j)
+            for (int at = loc[static_cast<std::size_t>(j - 1)];
+                 at < loc[static_cast<std::size_t>(j)]; ++at) {
+                const int i = j - (at - loc[static_cast<std::size_t>(j - 1)]);
+                matrix(i, j) = matrix(j, i) = a[static_cast<std::size_t>(at - 1)];
+            }
+        return matrix;
+    }
+    static Owned shapes(int modes) {
+        const auto phi = as_matrix<double>(find_array(mode_shapes));
+        Owned matrix(phi.rows, modes);
+        std::copy_n(phi.data, matrix.data.size(), matrix.data.begin());
+        return matrix;
+    }
+    static std::vector<double> values() {
+        const auto span = as_span<double>(find_array(omega2));
+        return {span.begin(), span.end()};
+    }
+};
+
+} // namespace
+
+// The lowest eigenvalues of LAPACK, which first makes the matrices dense, are good to eps times the
+// largest one: 1e-16 * 1e10 / 1e2.
+TEST_F(Frame, both_methods_and_lapack_agree_on_the_lowest_modes) {
+    make_frame();
+    Owned k = full(kstr), m = full(mstr);
+    ASSERT_EQ(k.rows, 144 * frame_levels);
+    const auto expected = lapack_eigenvalues(k, m);
+    type("eigval #=20 digits=13 ss_size=120");
+    const auto lowest = values();
+    Owned phi = shapes(20);
+    EXPECT_LT(residual(k, m, phi, lowest), 1e-8);
+    EXPECT_LT(mass_error(m, phi), 1e-10);
+    type("eigval");
+    const auto all = values();
+    ASSERT_EQ(all.size(), expected.size());
+    for (std::size_t i = 0; i < 20; ++i) {
+        EXPECT_NEAR(lowest[i] / all[i], 1, 1e-8) << i;
+        EXPECT_NEAR(lowest[i] / expected[i], 1, 1e-7) << i;
+    }
+}
+
+TEST_F(Frame, the_default_tolerance_finds_the_eigenvalues_from_any_start) {
+    make_frame();
+    type("eigval #=20 digits=13 ss_size=120");
+    const auto expected = values();
+    for (const char* start : {"", " -random", " -random seed=77", " rigid=1,1,1,0,0,1 cg=8,16,0"}) {
+        type(std::string("eigval #=20") + start);
+        for (std::size_t i = 0; i < 20; ++i)
+            EXPECT_NEAR(values()[i] / expected[i], 1, 1e-7) << start << i;
+    }
+}
+
+// Zero here is what rounding leaves: eps times the largest eigenvalue of about 1e10.
+TEST_F(Frame, a_free_structure_has_six_modes_of_frequency_zero) {
+    make_free_beam();
+    Owned k = full(kstr), m = full(mstr);
+    const auto expected = lapack_eigenvalues(k, m);
+    for (const char* start : {" -random", " -random seed=5", " rigid=1,1,1,1,1,1 -random",
+                              " rigid=1,1,1,1,1,1 cg=7,2,11 -random"}) {
+        make_free_beam();
+        type(std::string("eigval #=8 digits=9 shift=500") + start);
+        const auto lambda = values();
+        for (std::size_t i = 0; i < 6; ++i)
+            EXPECT_NEAR(lambda[i], 0, 1e-4) << start << i;
+        for (std::size_t i = 6; i < 8; ++i)
+            EXPECT_NEAR(lambda[i] / expected[i], 1, 1e-7) << start << i;
+    }
+}
+
+TEST_F(Frame, bad_ranges_of_rigid_modes_are_named) {
+    testing::FLAGS_gtest_death_test_style = "fast";
+    make_free_beam();
+    const auto fails = [] {
+        detach();
+        give_input("eigval #=8 shift=100 rigid=1 node_range=5,2\n");
+        obey();
+    };
+    EXPECT_EXIT(fails(), testing::ExitedWithCode(0), "Nodal range out of sequence");
+}
+
+} // namespace quelor
