@@ -20,8 +20,7 @@ namespace {
 
 constexpr int unit_disp = 99;
 
-// --- pdisp
-// ----------------------------------------------------------------------------------------
+// --- pdisp --------------------------------------------------------------------------------------
 
 std::string default_row_format(int dofs) {
     return "(i5, 2x, 1p, " + std::to_string(dofs) + "e12.3)";
@@ -125,8 +124,7 @@ void cmd_pdisp(std::string_view) {
     if (has_flag(" -file")) write_disp_file(rows, has_flag(" -append"));
 }
 
-// --- extraction
-// -----------------------------------------------------------------------------------
+// --- extraction ---------------------------------------------------------------------------------
 
 void cmd_nodal_disp(std::string_view) {
     const std::string target(get_arg(1));
@@ -160,8 +158,7 @@ void cmd_nodal_disp(std::string_view) {
     result.becomes(target);
 }
 
-// --- histories
-// ------------------------------------------------------------------------------------
+// --- histories ----------------------------------------------------------------------------------
 
 /// The node of n=; 0 after a message when it does not exist.
 int history_node(const NodalValues& values) {
@@ -221,8 +218,7 @@ void cmd_pndisp_th(std::string_view) {
     }
 }
 
-// --- rows
-// -----------------------------------------------------------------------------------------
+// --- rows ---------------------------------------------------------------------------------------
 
 constexpr Command rows[] = {
     {.words = {"pdisp"},
@@ -287,9 +283,9 @@ void print_nodal_vector(const Format& heading, NodalVector kind, std::span<const
     const NodeSet nodes = open_nodes(fe_nodes);
     if (!values || !nodes || !values->fit(static_cast<int>(vector.size()))) return;
     const std::string form = default_row_format(values->dofs());
-    const auto rows =
+    const auto lines =
         printed_rows(nodes, *values, as_span<const std::int32_t>(print), vector, {1, nodes.count});
-    print_rows_on(unit_output, heading, column_titles(values->dofs(), kind), rows,
+    print_rows_on(unit_output, heading, column_titles(values->dofs(), kind), lines,
                   Format::from_text(form));
 }
 

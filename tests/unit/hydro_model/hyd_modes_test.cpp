@@ -81,7 +81,8 @@ void expect_near(std::span<const double> a, std::span<const double> b, double to
 
 /// Values that are all different.
 void fill_random(std::string_view name, int rows, int cols) {
-    std::mt19937 generator(static_cast<unsigned>(name.size() * 7 + name.back()));
+    std::mt19937 generator(static_cast<unsigned>(name.size() * 7) +
+                           static_cast<unsigned char>(name.back()));
     std::uniform_real_distribution<double> value(-1, 1);
     for (double& x : create_matrix<double>(name, rows, cols).all())
         x = value(generator);
