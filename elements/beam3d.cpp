@@ -19,8 +19,7 @@ namespace {
 
 constexpr std::string_view title = "BEAM3D";
 
-// --- material records
-// -----------------------------------------------------------------------------
+// --- material records ---------------------------------------------------------------------------
 
 void read_beam_material(Matrix<double> mp, int number) {
     const auto get = [&](std::string_view key, int column) {
@@ -74,8 +73,7 @@ void read_beam_materials(int m) {
     }
 }
 
-// --- element records
-// ------------------------------------------------------------------------------
+// --- element records ----------------------------------------------------------------------------
 
 struct BeamRecord {
     std::int32_t n = no_key;
@@ -149,8 +147,7 @@ void read_beams() {
         set_element_group(beam3d_slot, 0); // nothing to be processed until a cylinder is made
 }
 
-// --- model
-// ----------------------------------------------------------------------------------------
+// --- model --------------------------------------------------------------------------------------
 
 /// The arrays of the type, checked against each other: material numbers are safe to use.
 struct BeamModel {
@@ -225,8 +222,7 @@ SmallMatrix<12> local_stiffness(const BeamModel& m, Matrix<const double> st, int
 
 using BeamList = std::array<std::int32_t, 12>;
 
-// --- matrices
-// -------------------------------------------------------------------------------------
+// --- matrices -----------------------------------------------------------------------------------
 
 void beam_column_heights() {
     const BeamModel m = open_beams();
@@ -284,8 +280,7 @@ void beam_lumped(GlobalMatrix (*open)(const Equations&), int translation, int ro
             " \n\tA diagonal mass or damping matrix is not valid for BEAM3D: values differ by direction\n");
 }
 
-// --- state
-// ----------------------------------------------------------------------------------------
+// --- state --------------------------------------------------------------------------------------
 
 void beam_trial_state() {
     const BeamModel m = open_beams();
@@ -307,8 +302,7 @@ void beam_trial_state() {
     }
 }
 
-// --- printing
-// -------------------------------------------------------------------------------------
+// --- printing -----------------------------------------------------------------------------------
 
 void print_beam_materials(Matrix<const double> mp) {
     const auto put = [&](const Format& row, int i, std::initializer_list<int> columns) {
@@ -367,8 +361,7 @@ void export_beams() {
 
 } // namespace
 
-// --- services of the generation
-// -------------------------------------------------------------------
+// --- services of the generation -----------------------------------------------------------------
 
 void set_beam_tension(Matrix<double> st, int e, double tension) {
     st(1, e) = 0 - tension;
@@ -394,8 +387,7 @@ void finish_beams(int first) {
     set_element_group(beam3d_slot, 1);
 }
 
-// --- protocol
-// -------------------------------------------------------------------------------------
+// --- protocol -----------------------------------------------------------------------------------
 
 void beam3d_element(Request request) {
     const Task task = task_of(request);
@@ -432,8 +424,7 @@ void beam3d_element(Request request) {
     }
 }
 
-// --- help
-// -----------------------------------------------------------------------------------------
+// --- help ---------------------------------------------------------------------------------------
 
 std::string_view beam3d_help() {
     return "Command Syntax\n\tbeam3d  m=?  n=?  [-kg]\n\t"

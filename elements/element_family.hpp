@@ -13,8 +13,7 @@
 
 namespace quelor {
 
-// --- input
-// ----------------------------------------------------------------------------------------
+// --- input --------------------------------------------------------------------------------------
 
 /// Most elements or materials of a type: more is a slip of the pen.
 inline constexpr int most_elements = 10'000'000;
@@ -49,8 +48,7 @@ template <class T> Matrix<T> append_columns(std::string_view array, int rows, in
     return wide;
 }
 
-// --- workers
-// --------------------------------------------------------------------------------------
+// --- workers ------------------------------------------------------------------------------------
 
 /// An array of the type, with the rows and columns given (any_size: any); the fatal path, with the
 /// message, when it is absent or of another type or shape.

@@ -2,8 +2,7 @@
 
 namespace quelor {
 
-// --- bending in one plane
-// -------------------------------------------------------------------------
+// --- bending in one plane -----------------------------------------------------------------------
 
 BendingTerms elastic_terms(double ei, double gas, double length) {
     const double f = gas != 0 ? ei / (gas * length * length) : 0;
@@ -17,8 +16,7 @@ BendingTerms geometric_terms(double tension, double length) {
             -tension * length / 30};
 }
 
-// --- the beam in space
-// ----------------------------------------------------------------------------
+// --- the beam in space --------------------------------------------------------------------------
 
 namespace {
 
@@ -61,8 +59,7 @@ std::array<double, 12> frame_lumped(const Vec3& translation, const Vec3& rotatio
     return d;
 }
 
-// --- transformation
-// -------------------------------------------------------------------------------
+// --- transformation -----------------------------------------------------------------------------
 
 SmallMatrix<12> frame_to_global(const SmallMatrix<12>& k, const FrameAxes& axes) {
     const auto row = [&](int p, int i) {

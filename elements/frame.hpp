@@ -9,8 +9,7 @@
 
 namespace quelor {
 
-// --- bending in one plane
-// -------------------------------------------------------------------------
+// --- bending in one plane -----------------------------------------------------------------------
 
 /// The four different terms of a matrix of bending: transverse, transverse to rotation, a rotation
 /// on itself, and one rotation on the other.
@@ -54,8 +53,7 @@ template <int N> void add_spring(SmallMatrix<N>& k, int i, int j, double s) {
     k(j, i) -= s;
 }
 
-// --- the beam in space
-// ----------------------------------------------------------------------------
+// --- the beam in space --------------------------------------------------------------------------
 
 struct FrameSection {
     double e, g, area, j; ///< j: torsion constant

@@ -21,8 +21,7 @@ constexpr std::string_view missing = " \n\tINTERFACE element information not fou
 constexpr std::string_view trial = "$interface_el";
 enum Row { print_row = 5, face_row = 6, id_row = 7, rows_of_table = 8 };
 
-// --- input
-// ----------------------------------------------------------------------------------------
+// --- input --------------------------------------------------------------------------------------
 
 /// An element and those generated from it: sequences of gen + 1 elements, gen_2d + 1 of them.
 struct InterfaceRecord {
@@ -119,8 +118,7 @@ void read_interfaces() {
     set_element_group(interface_slot, 1);
 }
 
-// --- subdivision
-// ----------------------------------------------------------------------------------
+// --- subdivision --------------------------------------------------------------------------------
 
 /// The nodes of the model by place: existing ones are found (tolerance 1e-8), missing ones added.
 class NodePlacer {
@@ -227,8 +225,7 @@ void subdivide_interfaces() {
     delete_array(num_eqs);
 }
 
-// --- requests
-// -------------------------------------------------------------------------------------
+// --- requests -----------------------------------------------------------------------------------
 
 void interface_column_heights() {
     const auto el = open_interfaces();
@@ -306,8 +303,7 @@ void interface_element(Request request) {
     }
 }
 
-// --- help
-// -----------------------------------------------------------------------------------------
+// --- help ---------------------------------------------------------------------------------------
 
 std::string_view interface_help() {
     return "Command Syntax\n\tinterface  n=?  [-pressure]\n\t"

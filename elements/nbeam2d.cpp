@@ -31,8 +31,7 @@ struct Plane {
 constexpr std::array planes{Plane{1, 2, {1, 2, 6}, false}, Plane{1, 3, {1, 3, 5}, true},
                             Plane{2, 3, {2, 3, 4}, false}};
 
-// --- input
-// ----------------------------------------------------------------------------------------
+// --- input --------------------------------------------------------------------------------------
 
 /// Number of the plane whose flag is on the record; as it was when none is.
 std::int32_t get_plane(std::int32_t plane) {
@@ -182,8 +181,7 @@ void read_plane_beams() {
     set_element_group(nbeam2d_slot, code);
 }
 
-// --- model
-// ----------------------------------------------------------------------------------------
+// --- model --------------------------------------------------------------------------------------
 
 /// The arrays of the type, checked against each other: material and plane numbers are safe to use.
 struct PlaneModel {
@@ -258,8 +256,7 @@ Displacements require_displacements(const Equations& equations, std::string_view
     return open_displacements(equations);
 }
 
-// --- matrices
-// -------------------------------------------------------------------------------------
+// --- matrices -----------------------------------------------------------------------------------
 
 void plane_column_heights() {
     const PlaneModel m = open_plane_beams();
@@ -326,8 +323,7 @@ void form_plane_mass(bool diagonal) {
         print_both(" \n\tA diagonal mass matrix is not valid for NBEAM2D: mx and my differ\n");
 }
 
-// --- state
-// ----------------------------------------------------------------------------------------
+// --- state --------------------------------------------------------------------------------------
 
 /// Half of the weight at each node, in the planes that hold the vertical Z axis.
 void add_weight(const PlaneModel& m, int e, std::array<double, 6>& force) {
@@ -363,8 +359,7 @@ void plane_trial_state() {
     }
 }
 
-// --- printing
-// -------------------------------------------------------------------------------------
+// --- printing -----------------------------------------------------------------------------------
 
 void print_plane_beams() {
     const PlaneModel m = open_plane_beams();
@@ -403,8 +398,7 @@ void print_plane_state(std::string_view array) {
 
 } // namespace
 
-// --- protocol
-// -------------------------------------------------------------------------------------
+// --- protocol -----------------------------------------------------------------------------------
 
 void nbeam2d_element(Request request) {
     switch (task_of(request)) {
@@ -436,8 +430,7 @@ void nbeam2d_element(Request request) {
     }
 }
 
-// --- help
-// -----------------------------------------------------------------------------------------
+// --- help ---------------------------------------------------------------------------------------
 
 std::string_view nbeam2d_help() {
     return "Command Syntax\n\tnbeam2d  m=?  n=?  [nl=?]  [-xy]  [-xz]  [-yz]\n\t"

@@ -20,8 +20,7 @@ namespace {
 enum MaterialColumn { modulus = 1, area, density, compression };
 constexpr int unit_response = 99;
 
-// --- input
-// ----------------------------------------------------------------------------------------
+// --- input --------------------------------------------------------------------------------------
 
 struct TrussRecord {
     std::int32_t n = no_key;
@@ -157,8 +156,7 @@ void read_truss(const TrussKind& kind) {
     set_element_group(kind.slot, code);
 }
 
-// --- model
-// ----------------------------------------------------------------------------------------
+// --- model --------------------------------------------------------------------------------------
 
 /// The arrays of a type, checked against each other: material numbers are safe to use.
 struct TrussModel {
@@ -247,8 +245,7 @@ VectorLength present_chord(const TrussElement& element, const Displacements& u) 
     return direction_cosines(add_scaled(element.p1, 1, u1), add_scaled(element.p2, 1, u2));
 }
 
-// --- matrices
-// -------------------------------------------------------------------------------------
+// --- matrices -----------------------------------------------------------------------------------
 
 void truss_column_heights(const TrussKind& kind) {
     const TrussModel m = open_truss(kind);
@@ -307,8 +304,7 @@ void truss_mass(const TrussKind& kind) {
     }
 }
 
-// --- state
-// ----------------------------------------------------------------------------------------
+// --- state --------------------------------------------------------------------------------------
 
 /// Force to be stored, and the force that acts: a tension-only element that is slack has none.
 struct TrussState {
@@ -349,8 +345,7 @@ void truss_trial_state(const TrussKind& kind) {
     }
 }
 
-// --- printing
-// -------------------------------------------------------------------------------------
+// --- printing -----------------------------------------------------------------------------------
 
 void print_truss(const TrussKind& kind) {
     const TrussModel m = open_truss(kind);
@@ -407,8 +402,7 @@ void print_truss_response(const TrussKind& kind) {
     close_unit(unit_response);
 }
 
-// --- protocol
-// -------------------------------------------------------------------------------------
+// --- protocol -----------------------------------------------------------------------------------
 
 void serve(const TrussKind& kind, Request request) {
     switch (task_of(request)) {
@@ -443,8 +437,7 @@ void serve(const TrussKind& kind, Request request) {
     }
 }
 
-// --- help
-// -----------------------------------------------------------------------------------------
+// --- help ---------------------------------------------------------------------------------------
 
 constexpr std::string_view records_text =
     "\n\t   m=matl  e=emodulus  a=area  [mbar=density]  [-no_compression]\n\t"

@@ -16,8 +16,7 @@
 
 namespace quelor {
 
-// --- equations
-// ------------------------------------------------------------------------------------
+// --- equations ----------------------------------------------------------------------------------
 
 namespace {
 
@@ -85,8 +84,7 @@ void element_equations(const Equations& equations, std::span<const std::int32_t>
     }
 }
 
-// --- matrices
-// -------------------------------------------------------------------------------------
+// --- matrices -----------------------------------------------------------------------------------
 
 namespace {
 
@@ -221,8 +219,7 @@ void add_mass(GlobalMatrix& m, EquationList list, std::span<const double> diagon
         });
 }
 
-// --- vectors
-// --------------------------------------------------------------------------------------
+// --- vectors ------------------------------------------------------------------------------------
 
 namespace {
 
@@ -288,8 +285,7 @@ void element_vector_by_equations(const Equations& equations, std::span<const dou
     }
 }
 
-// --- profile and connectivity
-// ---------------------------------------------------------------------
+// --- profile and connectivity -------------------------------------------------------------------
 
 ColumnHeights open_column_heights(const Equations& equations) {
     const ArrayRef ref = require_array(k_colhite, type_integer, {equations.count});

@@ -36,8 +36,7 @@ inline constexpr std::array<int, 6> all_six{1, 2, 3, 4, 5, 6};
 void element_equations(const Equations& equations, std::span<const std::int32_t> nodes,
                        std::span<const int> dofs, std::span<std::int32_t> list);
 
-// --- matrices
-// -------------------------------------------------------------------------------------
+// --- matrices -----------------------------------------------------------------------------------
 
 /// A global matrix: a profile vector, or a diagonal vector when `loc` is empty.
 struct GlobalMatrix {
@@ -73,8 +72,7 @@ inline void add_damping(GlobalMatrix& c, EquationList list, std::span<const doub
     add_mass(c, list, diagonal);
 }
 
-// --- vectors
-// --------------------------------------------------------------------------------------
+// --- vectors ------------------------------------------------------------------------------------
 
 /// A global vector, or several side by side.
 struct GlobalVector {
@@ -104,8 +102,7 @@ void element_add_displacement(const Displacements& u, EquationList list, std::sp
 void element_vector_by_equations(const Equations& equations, std::span<const double> vector,
                                  EquationList list, std::span<double> ve);
 
-// --- profile and connectivity
-// ---------------------------------------------------------------------
+// --- profile and connectivity -------------------------------------------------------------------
 
 struct ColumnHeights {
     const Equations* equations = nullptr;

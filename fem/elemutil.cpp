@@ -14,8 +14,7 @@
 
 namespace quelor {
 
-// --- groups and the walk
-// --------------------------------------------------------------------------
+// --- groups and the walk ------------------------------------------------------------------------
 
 void set_element_group(int slot, int code) {
     const auto is_vector = [](const ArrayRef& ref) {
@@ -70,8 +69,7 @@ static void cmd_elem_grp(std::string_view) {
     set_element_group(slot, code);
 }
 
-// --- nodes of elements
-// ----------------------------------------------------------------------------
+// --- nodes of elements --------------------------------------------------------------------------
 
 namespace {
 
@@ -147,8 +145,7 @@ void check_element_lengths(std::string_view name, std::span<const double> length
     shutdown_with(" \nSave database and quit\n");
 }
 
-// --- element matrices and errors
-// ------------------------------------------------------------------
+// --- element matrices and errors ----------------------------------------------------------------
 
 bool elem_tkt(Matrix<const double> k, Matrix<const double> t, Matrix<double> result) {
     const int r = t.rows;
@@ -198,8 +195,7 @@ static void cmd_fem_error(std::string_view) {
     elem_call({5, 1, 0}, 0);
 }
 
-// --- rows
-// -----------------------------------------------------------------------------------------
+// --- rows ---------------------------------------------------------------------------------------
 
 static constexpr Command rows[] = {
     {.words = {"elem_grp"},

@@ -18,8 +18,7 @@ inline constexpr std::string_view elem_grp = ".elem_grp";
 inline constexpr std::string_view fem_error = ".fem_error";
 inline constexpr int element_slots = 40;
 
-// --- protocol
-// -------------------------------------------------------------------------------------
+// --- protocol -----------------------------------------------------------------------------------
 
 /// What a global command asks of the elements, as the protocol's three numbers.
 struct Request {
@@ -138,8 +137,7 @@ void set_element_group(int slot, int code);
 
 std::span<const Command> elemutil_rows();
 
-// --- nodes of elements
-// ----------------------------------------------------------------------------
+// --- nodes of elements --------------------------------------------------------------------------
 
 /// Coordinates of nodes, one column a node; a node number below 1 gives zeros, one beyond `.xyz`
 /// the fatal path.
@@ -160,8 +158,7 @@ void check_element_nodes_nonzero(std::string_view name, Matrix<const std::int32_
 /// After input: no element has length 0. Each bad one is named, and any leads to the fatal path.
 void check_element_lengths(std::string_view name, std::span<const double> lengths);
 
-// --- element matrices and errors
-// ------------------------------------------------------------------
+// --- element matrices and errors ----------------------------------------------------------------
 
 /// result := T^T K T, with T the block-diagonal matrix that repeats the (r,c) block t n/r times.
 /// k  in  (n,n);   result  out  (c n/r, c n/r). False after a message when the sizes do not fit.

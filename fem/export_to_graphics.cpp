@@ -51,8 +51,7 @@ int count_elements() {
     return count;
 }
 
-// --- displaced shapes
-// -----------------------------------------------------------------------------
+// --- displaced shapes ---------------------------------------------------------------------------
 
 struct ShapeRequest {
     bool deformed = has_flag(" -deformed"), autoscale = has_flag(" -autoscale");
@@ -209,8 +208,7 @@ void write_shapes(const NodeSet& nodes, const Shapes& shapes) {
                     shapes.times[static_cast<std::size_t>(j - 1)]);
 }
 
-// --- the command
-// ----------------------------------------------------------------------------------
+// --- the command --------------------------------------------------------------------------------
 
 void write_elements() {
     const int count = count_elements();

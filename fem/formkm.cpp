@@ -103,8 +103,7 @@ static void cmd_form_k(std::string_view) {
     form_stiffness(FormMode::command);
 }
 
-// --- mass and damping
-// -----------------------------------------------------------------------------
+// --- mass and damping ---------------------------------------------------------------------------
 
 namespace {
 
@@ -193,8 +192,7 @@ static void cmd_form_c(std::string_view) {
     form_damping(FormMode::command);
 }
 
-// --- the others
-// -----------------------------------------------------------------------------------
+// --- the others ---------------------------------------------------------------------------------
 
 static void cmd_form_lagrange_g(std::string_view) {
     constexpr int unit_g = 22;
@@ -243,8 +241,7 @@ static void cmd_check_diag(std::string_view) {
     if (count > 0) write_both("40(/, 5x, 'Number diagonals replaced =', i5,/)", {count});
 }
 
-// --- rows
-// -----------------------------------------------------------------------------------------
+// --- rows ---------------------------------------------------------------------------------------
 
 static constexpr Command rows[] = {
     {.words = {"form_k", "formk"},

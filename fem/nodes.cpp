@@ -11,8 +11,7 @@
 
 namespace quelor {
 
-// --- services
-// -------------------------------------------------------------------------------------
+// --- services -----------------------------------------------------------------------------------
 
 Vec3 node_coordinates(int n) {
     const ArrayRef coordinates = find_array(xyz);
@@ -62,8 +61,7 @@ void node_line_chain(const Vec3& p1, const Vec3& p2, int n, std::span<std::int32
     }
 }
 
-// --- merge_nodes
-// ----------------------------------------------------------------------------------
+// --- merge_nodes --------------------------------------------------------------------------------
 
 /// Ties every node to the lowest-numbered unmerged node that lies within the tolerances.
 /// merged  in/out  one entry a node, 0; 1 for a node that has been tied
@@ -123,8 +121,7 @@ static void cmd_merge_nodes(std::string_view) {
         write_both("20(/, '     Total number of merged nodes =', i6, /)", {total});
 }
 
-// --- rows
-// -----------------------------------------------------------------------------------------
+// --- rows ---------------------------------------------------------------------------------------
 
 std::span<const Command> nodes_rows() {
     static const NodeHelp help = node_help(fe_nodes);

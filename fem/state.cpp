@@ -50,8 +50,7 @@ void print_element_state(StateKind kind) {
     elem_call({4, kind == StateKind::committed ? 2 : 10, 0}, 0);
 }
 
-// --- rows
-// -----------------------------------------------------------------------------------------
+// --- rows ---------------------------------------------------------------------------------------
 
 static void cmd_state(std::string_view) {
     element_state(StatePass::both);

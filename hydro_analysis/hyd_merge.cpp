@@ -112,8 +112,7 @@ void merge_frequencies(int nold) {
     select_frequencies(hyd_twnk, 1, order, "$merge");
 }
 
-// --- source-strength files
-// ------------------------------------------------------------------------
+// --- source-strength files ----------------------------------------------------------------------
 
 void prepare_source_files(bool source, bool adding) {
     namespace fs = std::filesystem;

@@ -25,8 +25,7 @@ bool is_wet(char code) {
     return code == 'W' || code == 'V';
 }
 
-// --- geometry and codes
-// ---------------------------------------------------------------------------
+// --- geometry and codes -------------------------------------------------------------------------
 
 /// The flat panels; one without area takes the fatal path, one whose nodes are out of order is
 /// named.
@@ -110,8 +109,7 @@ void warn_coincident(std::span<const Panel> panels, std::span<const FlatPanel> f
         write_both("(' WARNING: ', i6, ' panels lie at the place of another one')", {found});
 }
 
-// --- arrays of the analysis
-// -----------------------------------------------------------------------
+// --- arrays of the analysis ---------------------------------------------------------------------
 
 void store_geometry(std::span<const Panel> panels, std::span<const FlatPanel> flat, int np) {
     const auto map = as_span<std::int32_t>(find_array(hyd_panel_map));
@@ -135,8 +133,7 @@ void store_geometry(std::span<const Panel> panels, std::span<const FlatPanel> fl
     }
 }
 
-// --- reports
-// --------------------------------------------------------------------------------------
+// --- reports ------------------------------------------------------------------------------------
 
 void write_pan(std::span<const Panel> panels, std::span<const FlatPanel> flat,
                std::span<const char> codes) {
@@ -181,8 +178,7 @@ void write_summary(std::span<const Panel> panels, std::span<const char> codes) {
         {with('W'), with('V'), with('D'), with('E')});
 }
 
-// --- commands
-// -------------------------------------------------------------------------------------
+// --- commands -----------------------------------------------------------------------------------
 
 void read_panels() {
     const int n = read_table_size(hyd_structure_panels);
@@ -264,8 +260,7 @@ void hyd_panel_element(Request request) {
     }
 }
 
-// --- rows and help
-// --------------------------------------------------------------------------------
+// --- rows and help ------------------------------------------------------------------------------
 
 std::string_view hyd_panel_help() {
     return "Command Syntax\n\thyd_panel  n=?\n\t"

@@ -32,8 +32,7 @@ void read_surface_panels() {
     finish_surface_panels();
 }
 
-// --- subdivision
-// ----------------------------------------------------------------------------------
+// --- subdivision --------------------------------------------------------------------------------
 
 constexpr std::int64_t most_parts = 1'000'000; // beyond it the numbers of parts are a mistake
 constexpr double same_place = 1e-8;

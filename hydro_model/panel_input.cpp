@@ -15,8 +15,7 @@ namespace quelor {
 
 namespace {
 
-// --- records
-// --------------------------------------------------------------------------------------
+// --- records ------------------------------------------------------------------------------------
 
 /// A record: panel e with four nodes, and the panels generated from it. A sequence is gen + 1
 /// panels; there are gen_2d + 1 sequences.
@@ -78,8 +77,7 @@ void store_record(const PanelRecord& r, Matrix<std::int32_t> el) {
     }
 }
 
-// --- checks
-// ---------------------------------------------------------------------------------------
+// --- checks -------------------------------------------------------------------------------------
 
 bool is_defined(std::span<const std::int32_t> nodes) {
     return std::ranges::any_of(nodes, [](std::int32_t n) { return n != 0; });

@@ -50,8 +50,7 @@ std::string_view type_label(std::int32_t type);
 /// Element size times the product of the dims (1 when there are none); wraps as unsigned 64-bit.
 std::uint64_t array_byte_size(std::int32_t type, std::span<const std::int32_t> dims);
 
-// --- core
-// -----------------------------------------------------------------------------------------
+// --- core ---------------------------------------------------------------------------------------
 
 ArrayRef db_find(std::string_view name);
 /// Creates or replaces; the block is zero-filled. Null on failure, and then no array of that name
@@ -76,8 +75,7 @@ struct NamedArray {
 };
 NamedArray db_next(std::string_view name);
 
-// --- wrappers for command routines
-// ----------------------------------------------------------------
+// --- wrappers for command routines --------------------------------------------------------------
 
 ArrayRef find_array(std::string_view name);
 /// As find_array; warns on both units when the array has more than two dimensions.

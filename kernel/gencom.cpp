@@ -31,8 +31,7 @@ RecordState& record() {
     return state;
 }
 
-// --- reading
-// ----------------------------------------------------------------------------------------
+// --- reading ------------------------------------------------------------------------------------
 
 /// Position of the "&" that continues the line which begins at `start`; npos when none does. The
 /// blanks skipped behind one "&" are skipped again, unseen, behind the next one of the line.
@@ -77,8 +76,7 @@ void read_next_record(std::string_view prompt, LineKind kind) {
     if (!input_is_console() && input_echo()) write_unit(unit_screen, "(a)", {record().buffer});
 }
 
-// --- tokens
-// -----------------------------------------------------------------------------------------
+// --- tokens -------------------------------------------------------------------------------------
 
 /// Each blank that ends a token becomes NUL; further blanks of a run stay.
 void cut_at_blanks(std::string& tokens) {
@@ -145,8 +143,7 @@ std::string_view argument_token(int n) {
     return token;
 }
 
-// --- values
-// -----------------------------------------------------------------------------------------
+// --- values -------------------------------------------------------------------------------------
 
 bool is_number_break(char c) {
     return c == ' ' || c == ',';

@@ -20,8 +20,7 @@ namespace quelor {
 
 namespace {
 
-// --- columns
-// ----------------------------------------------------------------------------------------
+// --- columns ------------------------------------------------------------------------------------
 
 /// Which columns are computed: column y from column x, or with x = 0 all from column c on. In an
 /// array of three dimensions the columns of every table.
@@ -48,8 +47,7 @@ bool read_columns(const ArrayRef& array, Columns& columns) {
     return exist;
 }
 
-// --- evaluation
-// -------------------------------------------------------------------------------------
+// --- evaluation ---------------------------------------------------------------------------------
 
 /// The type in which elements of type T are computed.
 template <class T> using ComputedIn = std::conditional_t<std::same_as<T, Complex4>, Complex8, T>;
@@ -143,8 +141,7 @@ template <auto function> void cmd_function(std::string_view) {
     apply(function);
 }
 
-// --- functions
-// --------------------------------------------------------------------------------------
+// --- functions ----------------------------------------------------------------------------------
 
 template <class T>
 concept Real = std::floating_point<T>;
@@ -211,8 +208,7 @@ template <Real T> T erfc_scaled(T x) {
 }
 constexpr auto erfc_scaled_of = [](Real auto x) { return erfc_scaled(x); };
 
-// --- power
-// ------------------------------------------------------------------------------------------
+// --- power --------------------------------------------------------------------------------------
 
 auto to_power(Real auto x, std::int32_t p) {
     return std::pow(x, static_cast<decltype(x)>(p));
@@ -240,8 +236,7 @@ void cmd_power(std::string_view) {
     apply([whole](Number auto z) { return to_power(z, whole); });
 }
 
-// --- Bessel functions
-// -------------------------------------------------------------------------------
+// --- Bessel functions ---------------------------------------------------------------------------
 
 /// True when J_n(x) is below the range of T, by its bound (|x|/2)^n / n! < (e |x| / 2n)^n; the C
 /// library would take time proportional to n to find that. Source: [Abramowitz 1964, eq. 9.1.62]
@@ -279,8 +274,7 @@ template <bool second_kind> void cmd_bessel(std::string_view) {
     });
 }
 
-// --- constants
-// --------------------------------------------------------------------------------------
+// --- constants ----------------------------------------------------------------------------------
 
 void cmd_pi(std::string_view) {
     if (is_blank(get_arg(1))) return print_both(" \n\tOne argument required\n");
@@ -308,8 +302,7 @@ void cmd_epsilon(std::string_view) {
     }
 }
 
-// --- rows
-// -------------------------------------------------------------------------------------------
+// --- rows ---------------------------------------------------------------------------------------
 
 // The help texts have their syntax and what they say of columns in common. Only literals can be
 // joined where the rows are made, and only the preprocessor joins those.

@@ -14,8 +14,7 @@ namespace quelor {
 
 namespace {
 
-// --- to_int, to_real, to_real16, to_complex
-// ----------------------------------------------------------
+// --- to_int, to_real, to_real16, to_complex -----------------------------------------------------
 
 std::int32_t truncated_real_part(Complex8 z) {
     return truncated_int(z.real());
@@ -77,8 +76,7 @@ template <TypeCode target_type> void cmd_convert(std::string_view) {
     move_array(result, target);
 }
 
-// --- to_complex2
-// ------------------------------------------------------------------------------------
+// --- to_complex2 --------------------------------------------------------------------------------
 
 template <class T>
 void join_parts(const ArrayRef& real, const ArrayRef& imaginary, std::span<Complex8> result) {
@@ -118,8 +116,7 @@ void cmd_to_complex2(std::string_view) {
     move_array(result, target);
 }
 
-// --- dimensions
-// -------------------------------------------------------------------------------------
+// --- dimensions ---------------------------------------------------------------------------------
 
 void cmd_to_vector(std::string_view) {
     const std::string_view name = get_arg(1);

@@ -13,8 +13,7 @@ namespace quelor {
 
 namespace {
 
-// --- zero
-// -------------------------------------------------------------------------------------------
+// --- zero ---------------------------------------------------------------------------------------
 
 void get_par(std::string_view key, std::int32_t& value) {
     get_int_par(key, value);
@@ -74,8 +73,7 @@ template <class T> void cmd_zero(std::string_view) {
     fill_existing(array);
 }
 
-// --- ident
-// ------------------------------------------------------------------------------------------
+// --- ident --------------------------------------------------------------------------------------
 
 template <class T> void set_identity(const ArrayRef& array) {
     const auto matrix = as_matrix<T>(array);
@@ -118,8 +116,7 @@ template <class T> void cmd_ident(std::string_view) {
     set_identity_by_type(array);
 }
 
-// --- series
-// -----------------------------------------------------------------------------------------
+// --- series -------------------------------------------------------------------------------------
 
 double usable_weight(double w) {
     return w > 0 && std::isfinite(w) ? w : 1;
@@ -191,8 +188,7 @@ void cmd_series(std::string_view) {
     fill_series(s, create_matrix<double>(target, n, 0).all());
 }
 
-// --- series2d
-// ---------------------------------------------------------------------------------------
+// --- series2d -----------------------------------------------------------------------------------
 
 /// A quadrilateral of n1 * n2 points, numbered along p1 to p2 first; no second direction with
 /// n2 = 0.
@@ -278,8 +274,7 @@ void cmd_series2d(std::string_view) {
         fill_quad(quad, static_cast<std::size_t>(k - 1), array.col(k));
 }
 
-// --- rows
-// -------------------------------------------------------------------------------------------
+// --- rows ---------------------------------------------------------------------------------------
 
 constexpr Command rows[] = {
     {.words = {"series"},

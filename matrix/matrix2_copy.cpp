@@ -27,8 +27,7 @@ bool fits(std::int32_t first, std::int32_t count, std::int32_t size) {
     return first >= 1 && count >= 1 && std::int64_t{first} + count - 1 <= size;
 }
 
-// --- cp
-// ---------------------------------------------------------------------------------------------
+// --- cp -----------------------------------------------------------------------------------------
 
 /// A block of rows and columns of one table; what is not given is the rest of the array.
 struct Region {
@@ -78,8 +77,7 @@ void cmd_cp(std::string_view) {
     copy_region(array, region, Result(target, "$cp", {source}));
 }
 
-// --- diagonals, put
-// ------------------------------------------------------------------------------
+// --- diagonals, put -----------------------------------------------------------------------------
 
 /// The diagonal from element (r, r) on, as a column.
 template <class Byte> Block<Byte> diagonal(Block<Byte> matrix, std::int32_t r) {
@@ -156,8 +154,7 @@ void cmd_putdg(std::string_view) {
     copy_block(element_size(from.type), n, 1, vector, diagonal(target_block(to), r));
 }
 
-// --- planes of 3-D arrays
-// ------------------------------------------------------------------------
+// --- planes of 3-D arrays -----------------------------------------------------------------------
 
 /// Which index of a 3-D array is held, and at which value; the first of r, c and t counts.
 struct PlaneChoice {

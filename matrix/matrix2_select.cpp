@@ -36,8 +36,7 @@ void gather_rows(const Matrix<const T>& from, std::span<const std::int32_t> orde
     }
 }
 
-// --- extract
-// ----------------------------------------------------------------------------------------
+// --- extract ------------------------------------------------------------------------------------
 
 enum class Comparison { lt, le, eq, ge, gt, ne };
 
@@ -173,8 +172,7 @@ void cmd_extract(std::string_view) {
     }
 }
 
-// --- sort
-// -------------------------------------------------------------------------------------------
+// --- sort ---------------------------------------------------------------------------------------
 
 using SortKeys = std::array<std::int32_t, 3>; // column numbers, 0 none
 
@@ -251,8 +249,7 @@ void cmd_sort(std::string_view) {
     }
 }
 
-// --- interpolate
-// ------------------------------------------------------------------------------------
+// --- interpolate --------------------------------------------------------------------------------
 
 /// Between which rows of the table a point lies, counted from 0, and where: the value is
 /// f[row] + weight (f[row + 1] - f[row]), with a weight that is no number for a point that is none.

@@ -13,8 +13,7 @@ namespace quelor {
 
 namespace {
 
-// --- trans
-// ------------------------------------------------------------------------------------------
+// --- trans --------------------------------------------------------------------------------------
 
 void cmd_trans(std::string_view) {
     if (is_blank(get_arg(1))) return print_both(" \n\tOne argument required\n");
@@ -31,8 +30,7 @@ void cmd_trans(std::string_view) {
     result.place();
 }
 
-// --- joinh, joinv
-// -----------------------------------------------------------------------------------
+// --- joinh, joinv -------------------------------------------------------------------------------
 
 /// `side_by_side`: the second array behind the columns of the first; otherwise below its rows.
 template <bool side_by_side> void cmd_join(std::string_view) {
@@ -61,8 +59,7 @@ template <bool side_by_side> void cmd_join(std::string_view) {
     result.place();
 }
 
-// --- split, unsplit, wrap, unwrap
-// -------------------------------------------------------------------
+// --- split, unsplit, wrap, unwrap ---------------------------------------------------------------
 
 /// Dims of the result and the number of pieces of the array that it is made of.
 struct Pieces {

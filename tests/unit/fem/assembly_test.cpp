@@ -253,8 +253,7 @@ TEST_F(Assembly, a_number_out_of_range_never_reaches_memory) {
         "Constraint factor array not found");
 }
 
-// --- numbering
-// ------------------------------------------------------------------------------------
+// --- numbering ----------------------------------------------------------------------------------
 
 TEST_F(Assembly, numbering_keeps_what_exists_unless_asked_anew) {
     const auto codes = as_matrix<std::int32_t>(find_array(bcid));

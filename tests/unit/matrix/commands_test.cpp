@@ -38,8 +38,7 @@ struct Commands : Session {
     }
 };
 
-// --- examples
-// ---------------------------------------------------------------------------------------
+// --- examples -----------------------------------------------------------------------------------
 
 /// The lines under "Example" without the remarks in brackets among them.
 std::string example_of(std::string_view help) {
@@ -90,8 +89,7 @@ TEST_F(Commands, ExamplesOfTheHelpTextsWorkAsTheyStand) {
     }
 }
 
-// --- any array
-// --------------------------------------------------------------------------------------
+// --- any array ----------------------------------------------------------------------------------
 
 constexpr TypeCode types[] = {type_void,   type_character, type_integer, type_real,
                               type_real16, type_complex4,  type_complex8};
