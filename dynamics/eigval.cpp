@@ -244,7 +244,7 @@ constexpr Command rows[] = {
          "-sparse\n\tuse the sparse stiffness; not available in this version\n"
          "-random\n\trandom starting vectors\n"
          "seed\n\tseed of the random vectors, 0 or above; below 0 the series of the last run is continued (default = 1)\n\n"
-         "The stiffness must not have been factored since it was formed. A shift above 0 stays in .kstr. Without -random or arrays of starting vectors, the iteration starts at the equations with the smallest ratio of stiffness to mass; in a structure with symmetries these may have no part in some of the modes, which are then missed, and -random is safer.\n\n"
+         "The stiffness must not have been factored since it was formed. A shift above 0 stays in .kstr. Without -random or arrays of starting vectors, the iteration starts at the equations with the smallest ratio of stiffness to mass; in a structure with symmetries these may have no part in some of the modes, which are then missed, and -random is safer. The error of a shape is about the root of the tolerance; for more, copy .phi to eigval_init and start a second run from it.\n\n"
          "Created\n\t.phi(.#eqs, #): mode shapes, phi' M phi = 1\n\t.omega2(#) or .omega(#): ascending\n\n"
          "Example\n\tseti .#eqs v=2\n\tinput full r=2 c=2\n\t2 -1\n\t-1 1\n\tftopro full .kstr .kdiag_loc\n\tzero .mstr r=2 v=1\n\teigval -freq\n\tprint .omega\n\t(the lowest ten modes of a model: form_k, form_m, eigval #=10)\n\n"
          "See Also\n\tjacobi, form_k, form_m, rigid_modes\n"},

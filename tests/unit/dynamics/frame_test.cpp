@@ -14,7 +14,7 @@ namespace quelor {
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__)
-constexpr int frame_levels = 2; // 288 equations: the Jacobi method is slow there
+constexpr int frame_levels = 3; // 432 equations: the Jacobi method is slow there
 #else
 constexpr int frame_levels = 7; // 1008 equations
 #endif
@@ -97,7 +97,10 @@ TEST_F(Frame, both_methods_and_lapack_agree_on_the_lowest_modes) {
     Owned k = full(kstr), m = full(mstr);
     ASSERT_EQ(k.rows, 144 * frame_levels);
     const auto expected = lapack_eigenvalues(k, m);
-    type("eigval #=20 digits=13 ss_size=120");
+    // The tolerance of an eigenvalue leaves its root in the shape; a second run, two steps at least
+    // from the shapes of the first, takes that out.
+    type("eigval #=20 digits=12 ss_size=120\ncp .phi eigval_init\n"
+         "eigval #=20 digits=12 ss_size=120 -vec_init");
     const auto lowest = values();
     Owned phi = shapes(20);
     EXPECT_LT(residual(k, m, phi, lowest), 1e-8);
