@@ -56,16 +56,8 @@ protected:
     }
     /// K or M in full, phi: for the residual.
     static Owned full(std::string_view name) {
-        const auto a = as_span<double>(find_array(name));
-        const auto loc = as_span<std::int32_t>(find_array(kdiag_loc));
-        const int n = static_cast<int>(loc.size()) - 1;
-        Owned matrix(n, n);
-        for (int j = 1; j <= n; ++j) {
-            const auto at = static_cast<std::size_t>(loc[static_cast<std::size_t>(j - 1)] - 1);
-            matrix(j, j) = a[at];
-            if (j > 1) matrix(j, j - 1) = matrix(j - 1, j) = a[at + 1];
-        }
-        return matrix;
+        return full_profile(as_span<const double>(find_array(name)),
+                            as_span<const std::int32_t>(find_array(kdiag_loc)));
     }
     static Owned shapes() {
         const auto phi = as_matrix<double>(find_array(mode_shapes));
@@ -234,6 +226,10 @@ TEST_F(Eigval, bad_input_gives_its_message_and_changes_nothing) {
     EXPECT_TRUE(holds(run("eigval #=2 -sparse"), "not available"));
     EXPECT_TRUE(holds(run("eigval #=2 rigid=1,1,1"), "required for rigid body modes"));
     EXPECT_TRUE(holds(run("eigval #=2 minv=3"), "minv is not supported"));
+    std::filesystem::create_directory("$ss_kreduce"); // in the way of the file
+    EXPECT_TRUE(holds(run("eigval #=2 -disk"), "cannot be kept on the disk"));
+    EXPECT_FALSE(std::filesystem::exists("$ss_korig"));
+    EXPECT_EQ(values_of(kstr), k);
     create_matrix<double>(mstr, 21, 0);
     EXPECT_TRUE(holds(run("eigval"), "Incorrect dimensions for .mstr"));
     lump_mass(20, std::nan(""));

@@ -64,17 +64,8 @@ protected:
         type("form_k\nform_m");
     }
     static Owned full(std::string_view name) {
-        const auto a = as_span<double>(find_array(name));
-        const auto loc = as_span<std::int32_t>(find_array(kdiag_loc));
-        const int n = static_cast<int>(loc.size()) - 1;
-        Owned matrix(n, n);
-        for (int j = 1; j <= n; ++j)
-            for (int at = loc[static_cast<std::size_t>(j - 1)];
-                 at < loc[static_cast<std::size_t>(j)]; ++at) {
-                const int i = j - (at - loc[static_cast<std::size_t>(j - 1)]);
-                matrix(i, j) = matrix(j, i) = a[static_cast<std::size_t>(at - 1)];
-            }
-        return matrix;
+        return full_profile(as_span<const double>(find_array(name)),
+                            as_span<const std::int32_t>(find_array(kdiag_loc)));
     }
     static Owned shapes(int modes) {
         const auto phi = as_matrix<double>(find_array(mode_shapes));

@@ -26,6 +26,19 @@ struct Owned {
     int rows, cols;
 };
 
+/// The symmetric matrix of a profile vector in full.
+inline Owned full_profile(std::span<const double> a, std::span<const std::int32_t> loc) {
+    const int n = static_cast<int>(loc.size()) - 1;
+    Owned matrix(n, n);
+    for (int j = 1; j <= n; ++j) {
+        const std::int32_t begin = loc[static_cast<std::size_t>(j - 1)];
+        for (std::int32_t at = begin; at < loc[static_cast<std::size_t>(j)]; ++at)
+            matrix(j - (at - begin), j) = matrix(j, j - (at - begin)) =
+                a[static_cast<std::size_t>(at - 1)];
+    }
+    return matrix;
+}
+
 inline Owned product(Owned& a, Owned& b, bool transpose_a) {
     const int inner = transpose_a ? a.rows : a.cols;
     Owned c(transpose_a ? a.cols : a.rows, b.cols);
