@@ -1,8 +1,5 @@
 numerics
 /* Quadrature, polynomials, user routines: results and refusals
-gauss_pts p w n=3,3
-p p
-p w
 gauss_pts p n=11
 gauss_pts
 input f r=4
@@ -13,8 +10,6 @@ input f r=4
 input len r=2
 2
 4
-gauss_int f len q n=2
-p q
 gauss_int f len q n=3
 gauss_int f nothing q n=2
 tri_intpts p w n=4

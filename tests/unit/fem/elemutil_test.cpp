@@ -1,4 +1,4 @@
-// The element protocol row by row, and the algebra of elements.
+// The table of elements, and their algebra.
 #include "fem/elemutil.hpp"
 
 #include <gtest/gtest.h>
@@ -7,42 +7,6 @@
 #include <vector>
 
 using namespace quelor;
-
-TEST(Protocol, names_every_request_of_the_table) {
-    const std::pair<Request, Task> rows[] = {
-        {{0, 0, 0}, Task::input},
-        {{1, 0, 0}, Task::column_heights},
-        {{1, 0, 1}, Task::connectivity},
-        {{1, 1, 0}, Task::stiffness},
-        {{1, 2, 0}, Task::stiffness},
-        {{1, 7, 0}, Task::stiffness},
-        {{1, 1, 1}, Task::loads},
-        {{1, 1, 2}, Task::mass},
-        {{1, 1, 3}, Task::mass_diagonal},
-        {{1, 1, 4}, Task::damping},
-        {{1, 1, 5}, Task::damping_diagonal},
-        {{1, 1, 10}, Task::lagrange_g},
-        {{2, 1, 0}, Task::trial_state},
-        {{2, 2, 0}, Task::commit_state},
-        {{3, 0, 0}, Task::response},
-        {{4, 1, 0}, Task::print_input},
-        {{4, 2, 0}, Task::print_state},
-        {{4, 10, 0}, Task::print_trial_state},
-        {{4, 3, 0}, Task::print_response},
-        {{5, 0, 1}, Task::error},
-        {{5, 1, 0}, Task::relative_error},
-        {{6, 0, 0}, Task::mesh_export},
-        {{1, 0, 2}, Task::none},
-        {{1, 2, 2}, Task::none},
-        {{1, 1, 6}, Task::none},
-        {{2, 0, 0}, Task::none},
-        {{4, 4, 0}, Task::none},
-        {{7, 0, 0}, Task::none},
-    };
-    for (const auto& [request, task] : rows)
-        EXPECT_EQ(task_of(request), task)
-            << request.option << ' ' << request.modifier1 << ' ' << request.modifier2;
-}
 
 TEST(Protocol, the_table_has_every_slot_in_order_and_no_name_twice) {
     std::vector<std::string_view> names;

@@ -63,24 +63,6 @@ TEST(GenerateLine, spaces_equally_or_by_the_weight) {
     EXPECT_DOUBLE_EQ(line(5, 1, 4, 2, 0).set.xyz(1, 3), 0.5);
 }
 
-TEST(GenerateQuad, fills_a_grid_and_stops_at_the_shorter_side) {
-    List grid(20);
-    grid.set.define(1, {0, 0, 0});
-    grid.set.define(5, {4, 0, 0});
-    grid.set.define(16, {0, 3, 0});
-    grid.set.define(20, {4, 3, 0});
-    EXPECT_TRUE(
-        generate_quad(grid.set, std::array{1, 5, 16, 20}, std::array{0, 5}, std::array{0., 0.}));
-    for (int n = 1; n <= 20; ++n) {
-        EXPECT_NEAR(grid.set.xyz(1, n), (n - 1) % 5, 1e-14);
-        EXPECT_NEAR(grid.set.xyz(2, n), (n - 1) / 5, 1e-14);
-    }
-    EXPECT_EQ(grid.set.count, 20);
-    // A decrement between n1 n2 and n3 n4 would run out of the list.
-    EXPECT_FALSE(
-        generate_quad(grid.set, std::array{1, 5, 16, 20}, std::array{1, -5}, std::array{0., 0.}));
-}
-
 TEST(PointIndex, finds_the_same_pairs_as_a_search_of_all) {
     std::mt19937 random(3);
     std::uniform_int_distribution<int> step(0, 9);
@@ -151,16 +133,6 @@ TEST_F(Services, a_chain_uses_the_nodes_at_hand_and_ends_exactly) {
     EXPECT_EQ(node_coordinates(5), (Vec3{1, 0, 0}));
     node_line_chain({0, 0, 0}, {0.1, 0.2, 0.7}, 3, chain);
     EXPECT_EQ(node_coordinates(chain[3]), (Vec3{0.1, 0.2, 0.7}));
-}
-
-TEST_F(Services, element_coordinates_come_in_both_layouts) {
-    const std::array<std::int32_t, 3> nodes{4, 0, 2};
-    const auto x = as_matrix<const double>(find_array(xyz));
-    std::array<double, 9> a{}, b{};
-    element_coordinates(x, nodes, {a.data(), 3, 3});
-    element_coordinates_transposed(x, nodes, {b.data(), 3, 3});
-    EXPECT_EQ(a, (std::array<double, 9>{0, 2, 0, 0, 0, 0, 2, 0, 0}));
-    EXPECT_EQ(b, (std::array<double, 9>{0, 0, 2, 2, 0, 0, 0, 0, 0}));
 }
 
 TEST_F(Services, errors_add_up_and_are_divided_by_their_sum) {

@@ -165,9 +165,6 @@ TEST_F(Store, SpeaksThroughItsWrappers) {
     EXPECT_EQ(cube.cols(), 3);
     EXPECT_EQ(screen([] { create_array(type_pointer, "p", {1}); }),
               "     \n      Don't know how to create type\n");
-    EXPECT_EQ(screen([] { move_array("none", "p"); }),
-              "     Move failed - old name probably doesn't exist\n");
-    EXPECT_EQ(screen([] { copy_array("none", "p"); }), "     Copy failed\n");
     EXPECT_FALSE(array_exists("p"));
     create_array_2d(type_real, "v", 5, 0);
     EXPECT_EQ(find_array("v").ndim(), 1);

@@ -1,47 +1,25 @@
 // Input files: line ends, the end of a file, rewinding, the loop file, the nested command line.
 
-#include "kernel/dbfgen.hpp"
-#include "kernel/iof.hpp"
+#include "../support/session.hpp"
 #include "kernel/main_loop.hpp"
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
-
-#include <filesystem>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace quelor {
 
 namespace {
 
-class InputFiles : public testing::Test {
+class InputFiles : public Session {
 protected:
-    void SetUp() override {
-        std::filesystem::create_directories(folder);
-        set_project_name(path("project"));
-    }
-    void TearDown() override {
-        close_all_inputs();
-        std::filesystem::remove_all(folder);
-        db_clear();
-    }
+    InputFiles() { set_project_name("project"); }
 
-    std::string path(const std::string& name) const { return (folder / name).string(); }
-    void open(const std::string& content) {
-        std::ofstream(path("input"), std::ios::binary) << content;
-        ASSERT_GT(open_input_file(path("input"), false), 0);
-    }
     static std::string next() { return read_input_line("", true).text; }
-
-    std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("quelorzt_iof_" + std::to_string(getpid()));
 };
 
 } // namespace
 
 TEST_F(InputFiles, AFileThatEndsGivesReturnForEver) {
-    open("one\n\n  two\r\nthree");
+    give_input("one\n\n  two\r\nthree");
     EXPECT_EQ(next(), "one");
     EXPECT_EQ(next(), "");
     EXPECT_EQ(next(), "  two");
@@ -53,34 +31,34 @@ TEST_F(InputFiles, AFileThatEndsGivesReturnForEver) {
 }
 
 TEST_F(InputFiles, ALastLineOfOneCharacterIsLostUnlessItHasALineEnd) {
-    open("ab\nx");
+    give_input("ab\nx");
     EXPECT_EQ(next(), "ab");
     EXPECT_EQ(next(), "return");
     pop_input();
-    open("x\n");
+    give_input("x\n");
     EXPECT_EQ(next(), "x");
     EXPECT_EQ(next(), "return");
 }
 
 TEST_F(InputFiles, ALineEndsAtANulAndIsCutWhereNoRecordCanHoldIt) {
-    open(std::string("ab\0cd\n", 6) + std::string(200000, 'x') + "\nlast\n");
+    give_input(std::string("ab\0cd\n", 6) + std::string(200000, 'x') + "\nlast\n");
     EXPECT_EQ(next(), "ab");
     EXPECT_EQ(next(), std::string(2053, 'x'));
     EXPECT_EQ(next(), "last");
 }
 
 TEST_F(InputFiles, WhatCannotBeReadIsNotPushed) {
-    EXPECT_EQ(open_input_file(path("absent"), false), 0);
-    EXPECT_EQ(open_input_file(folder.string(), false), 0);
+    EXPECT_EQ(open_input_file("absent", false), 0);
+    EXPECT_EQ(open_input_file(".", false), 0);
     EXPECT_TRUE(input_is_console());
 }
 
 TEST_F(InputFiles, TheStackHoldsThirtyFilesAndGoesBackToTheLastOneOpened) {
-    open("first\nsecond\n");
+    give_input("first\nsecond\n");
     EXPECT_EQ(next(), "first");
     for (int depth = 2; depth <= input_levels; ++depth)
-        ASSERT_EQ(open_input_file(path("input"), true), depth);
-    EXPECT_EQ(open_input_file(path("input"), true), 0);
+        ASSERT_EQ(open_input_file("records", true), depth);
+    EXPECT_EQ(open_input_file("records", true), 0);
     EXPECT_EQ(next(), "first");
     EXPECT_TRUE(input_echo());
     close_inputs_from(1);
@@ -102,22 +80,22 @@ TEST_F(InputFiles, TheLoopFileRewindsWhetherOrNotItFitsTheBuffer) {
             ASSERT_EQ(next(), "return");
             ASSERT_TRUE(rewind_input());
         }
-        EXPECT_TRUE(std::filesystem::exists(path("project.LuP")));
+        EXPECT_TRUE(std::filesystem::exists("project.LuP"));
         discard_loop_file();
-        EXPECT_FALSE(std::filesystem::exists(path("project.LuP")));
+        EXPECT_FALSE(std::filesystem::exists("project.LuP"));
         EXPECT_TRUE(log_on());
         EXPECT_TRUE(input_is_console());
     }
 }
 
 TEST_F(InputFiles, ALoopFileThatCannotBeMadeIsNoticed) {
-    set_project_name(path("no/such/folder/project"));
+    set_project_name("no/such/folder/project");
     EXPECT_FALSE(create_loop_file());
     EXPECT_FALSE(loop_file_is_read());
 }
 
 TEST_F(InputFiles, TheNestedCommandLineEndsAtExitAndOffersNoFiniteElementCommands) {
-    open("seti a v=4\nnodes\nexit\nseti a v=5\n"); // `nodes` would read "exit" as a record
+    give_input("seti a v=4\nnodes\nexit\nseti a v=5\n"); // `nodes` would read "exit" as a record
     nested_command_line();
     EXPECT_EQ(get_int("a"), 4);
     EXPECT_EQ(next(), "seti a v=5");

@@ -38,17 +38,6 @@ TEST_F(Utilities, GettersOfOneElementCountByTheFirstDimension) {
     EXPECT_EQ(string_of(find_array("s")), "abc");
 }
 
-TEST_F(Utilities, RowsAndColumnsBecomeDimensions) {
-    const auto is = [](Shape s, int ndim, int r, int c) {
-        return s.ndim == ndim && (ndim == 0 || (s.rows == r && s.cols == c));
-    };
-    EXPECT_TRUE(is(rc_to_dims(2, 3), 2, 2, 3));
-    EXPECT_TRUE(is(rc_to_dims(0, 5), 2, 1, 5));
-    EXPECT_TRUE(is(rc_to_dims(5, 0), 1, 5, 1));
-    for (const auto& [r, c] : {std::pair{0, 0}, {-1, 3}, {3, -1}, {-1, 0}})
-        EXPECT_TRUE(is(rc_to_dims(r, c), 0, 0, 0));
-}
-
 TEST_F(Utilities, NumbersKeepTheirBounds) {
     constexpr auto most = std::numeric_limits<std::int32_t>::max();
     EXPECT_EQ(nearest_int(2.5), 3);

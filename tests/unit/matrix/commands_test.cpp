@@ -20,23 +20,7 @@ std::vector<const Command*> matrix_commands() {
     return commands;
 }
 
-struct Commands : Session {
-    /// Runs lines of commands and their records as a command file; what appears on the screen.
-    static std::string run_file(const std::string& lines) {
-        give_input(lines);
-        std::string output = screen([] {
-            for (read_record("", "", false); !input_has_ended(); read_record("", "", false)) {
-                const std::string word = get_command_word();
-                if (word.empty()) continue;
-                const Command* const command = find_command(command_chain(), word);
-                ASSERT_NE(command, nullptr) << word;
-                command->run(word);
-            }
-        });
-        close_all_inputs();
-        return output;
-    }
-};
+struct Commands : Session {};
 
 // --- examples -----------------------------------------------------------------------------------
 
@@ -82,8 +66,8 @@ TEST_F(Commands, ExamplesOfTheHelpTextsWorkAsTheyStand) {
         const std::string example = example_of(command->help);
         EXPECT_FALSE(example.empty()) << word;
         db_clear();
-        EXPECT_FALSE(has_message(run_file(prelude_of(word)))) << word;
-        const std::string output = run_file(example);
+        EXPECT_FALSE(has_message(type(prelude_of(word)))) << word;
+        const std::string output = type(example);
         if (word == "psolve16") continue; // a message is all that it does
         EXPECT_FALSE(has_message(output)) << example << output;
     }
@@ -106,32 +90,18 @@ struct Array {
     }
 };
 
-/// Stores some value, not zero, in every element.
-template <class T> void fill(const ArrayRef& array) {
-    float value = 1;
-    for (T& element : as_span<T>(array))
-        element = static_cast<T>(value = 7 - value / 2);
-}
-
+/// Makes the array, with some value that is not zero in every element.
 void make(const Array& array) {
     const std::string name = array.argument().substr(1);
     create_array(array.type, name, shapes[array.shape]);
-    switch (const ArrayRef made = find_array(name); array.type) {
-    case type_character:
-        return fill<char>(made);
-    case type_integer:
-        return fill<std::int32_t>(made);
-    case type_real:
-        return fill<double>(made);
-    case type_real16:
-        return fill<long double>(made);
-    case type_complex4:
-        return fill<Complex4>(made);
-    case type_complex8:
-        return fill<Complex8>(made);
-    default:
-        return; // void: zeros
-    }
+    const auto fill = [made = find_array(name)]<class T>(T) {
+        float value = 1;
+        if (made.is(type_code<T>))
+            for (T& element : as_span<T>(made))
+                element = static_cast<T>(value = 7 - value / 2);
+    };
+    fill(char{}), fill(std::int32_t{}), fill(double{}), fill(0.0L), fill(Complex4{});
+    fill(Complex8{}); // void: zeros
 }
 
 struct Arguments {
@@ -198,7 +168,7 @@ TEST_F(Commands, NoArrayOfAnyTypeAndShapeEndsTheSession) {
             });
         }
     }
-    EXPECT_EQ(run_file("setr alive v=1\n"), "");
+    EXPECT_EQ(type("setr alive v=1\n"), "");
     EXPECT_EQ(get_real("alive"), 1);
 }
 

@@ -1,6 +1,6 @@
 #include "matrix/functions.hpp"
 
-#include "../support/session.hpp"
+#include "../support/arrays.hpp"
 #include "kernel/utilities.hpp"
 #include "matrix/matrix1.hpp"
 
@@ -12,10 +12,6 @@
 
 namespace quelor {
 namespace {
-
-using Ints = std::vector<std::int32_t>;
-using Reals = std::vector<double>;
-using Complexes = std::vector<Complex8>;
 
 /// Numbers of 300 bits, in which the functions are evaluated that the commands are held against.
 class Exact {
@@ -54,20 +50,11 @@ void rounded(mpfr_ptr result, mpfr_srcptr x) {
     function(result, x, MPFR_RNDN);
 }
 
-struct Functions : Session {
+struct Functions : ArraySession {
     Functions()
-        : Session({function_rows(), matrix1_input_rows(), matrix1_generate_rows(),
-                   matrix1_convert_rows()}) {}
+        : ArraySession({function_rows(), matrix1_input_rows(), matrix1_generate_rows(),
+                        matrix1_convert_rows()}) {}
 
-    void quietly(std::string_view line, const std::string& records = {}) {
-        EXPECT_EQ(run(line, records), "") << line;
-    }
-    template <class T> static std::vector<T> elements(std::string_view name) {
-        const ArrayRef ref = find_array(name);
-        if (!ref.is(type_code<T>)) return {};
-        const auto all = as_span<const T>(ref);
-        return {all.begin(), all.end()};
-    }
     template <class T> static void create(std::string_view name, const std::vector<T>& values) {
         const auto n = static_cast<int>(values.size());
         std::ranges::copy(values, create_matrix<T>(name, n, 0).data);
@@ -239,10 +226,9 @@ TEST_F(Functions, ColumnsAreChosenByXAndC) {
     quietly("zero t r=1 c=2 t=2 v=4");
     quietly("sqrt t c=2");
     EXPECT_EQ(elements<double>("t"), (Reals{4, 2, 4, 2})) << "the columns of each table";
-    const std::string said = "     \n      ";
-    EXPECT_EQ(run("sqrt a b x=4"), said + "Invalid column number\n");
-    EXPECT_EQ(run("sqrt a b x=1 y=-1"), said + "Invalid column number\n");
-    EXPECT_EQ(run("sqrt a b c=-1"), said + "Column number must be nonnegative\n");
+    EXPECT_EQ(run("sqrt a b x=4"), said("Invalid column number"));
+    EXPECT_EQ(run("sqrt a b x=1 y=-1"), said("Invalid column number"));
+    EXPECT_EQ(run("sqrt a b c=-1"), said("Column number must be nonnegative"));
     quietly("sqrt a b c=0");
     EXPECT_EQ(elements<double>("b")[0], std::sqrt(2.)) << "0 means 1";
 }
@@ -263,16 +249,15 @@ TEST_F(Functions, TypesAreServedWhereTheyMakeSense) {
     EXPECT_EQ(elements<Complex4>("d"), (std::vector<Complex4>{-1, {-7, -24}}));
     quietly("abs c d");
     EXPECT_EQ(elements<double>("d"), (Reals{1, 5}));
-    const std::string said = "     \n      ";
-    EXPECT_EQ(run("exp k b"), said + "Command not implemented for integer\n");
-    EXPECT_EQ(run("gamma c b"), said + "Command not implemented for data type\n");
+    EXPECT_EQ(run("exp k b"), said("Command not implemented for integer"));
+    EXPECT_EQ(run("gamma c b"), said("Command not implemented for data type"));
     create_string_array("text", "s");
-    EXPECT_EQ(run("exp s"), said + "Command not implemented for data type\n");
+    EXPECT_EQ(run("exp s"), said("Command not implemented for data type"));
     create_array(type_real, "four", {1, 2, 1, 2});
-    EXPECT_EQ(run("exp four"), said + "Command not supported for arrays larger than 3D\n");
+    EXPECT_EQ(run("exp four"), said("Command not supported for arrays larger than 3D"));
     EXPECT_EQ(run("exp none"), "      none not found\n");
-    EXPECT_EQ(run("exp"), said + "One argument required\n");
-    EXPECT_EQ(run("bessel_j d n=-9999999999"), said + "The order is out of range\n");
+    EXPECT_EQ(run("exp"), said("One argument required"));
+    EXPECT_EQ(run("bessel_j d n=-9999999999"), said("The order is out of range"));
 }
 
 TEST_F(Functions, ConstantsAreScalars) {
@@ -285,7 +270,7 @@ TEST_F(Functions, ConstantsAreScalars) {
     quietly("epsilon q q");
     EXPECT_LT(elements<long double>("q").at(0), 1e-18L);
     quietly("seti k");
-    EXPECT_EQ(run("epsilon k e"), "     \n      Command not implemented for integer\n");
+    EXPECT_EQ(run("epsilon k e"), said("Command not implemented for integer"));
 }
 
 } // namespace

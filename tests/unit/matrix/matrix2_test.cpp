@@ -1,6 +1,6 @@
 #include "matrix/matrix2.hpp"
 
-#include "../support/session.hpp"
+#include "../support/arrays.hpp"
 #include "kernel/utilities.hpp"
 #include "matrix/matrix1.hpp"
 
@@ -12,21 +12,14 @@
 namespace quelor {
 namespace {
 
-using Ints = std::vector<std::int32_t>;
-using Reals = std::vector<double>;
-using Complexes = std::vector<Complex8>;
-
-struct Matrix2 : Session {
+struct Matrix2 : ArraySession {
     Matrix2()
-        : Session({matrix2_copy_rows(), matrix2_shape_rows(), matrix2_select_rows(),
-                   matrix1_input_rows(), matrix1_generate_rows(), matrix1_convert_rows()}) {}
+        : ArraySession({matrix2_copy_rows(), matrix2_shape_rows(), matrix2_select_rows(),
+                        matrix1_input_rows(), matrix1_generate_rows(), matrix1_convert_rows()}) {}
 
-    void quietly(std::string_view line, const std::string& records = {}) {
-        EXPECT_EQ(run(line, records), "") << line;
-    }
     /// The line prints the message and leaves no array of the name "new".
     void refused(std::string_view line, const std::string& message) {
-        EXPECT_EQ(run(line), "     \n      " + message + "\n") << line;
+        EXPECT_EQ(run(line), said(message)) << line;
         EXPECT_FALSE(find_array("new")) << line;
     }
     /// An array whose elements are 1, 2, 3, ... in storage order.
@@ -35,16 +28,6 @@ struct Matrix2 : Session {
         T value{};
         for (T& element : as_span<T>(find_array(name)))
             element = value = static_cast<T>(value + T(1));
-    }
-    template <class T> static std::vector<T> elements(std::string_view name) {
-        const ArrayRef ref = find_array(name);
-        if (!ref.is(type_code<T>)) return {};
-        const auto all = as_span<const T>(ref);
-        return {all.begin(), all.end()};
-    }
-    static Ints dims(std::string_view name) {
-        const ArrayRef ref = find_array(name);
-        return {ref.dims.begin(), ref.dims.end()};
     }
 };
 
@@ -180,13 +163,10 @@ TEST_F(Matrix2, PlanesOf3dArraysAreTakenAndPutBack) {
         quietly(std::string("array3d_slice t s") + plane);
         quietly("zero t");
         quietly(std::string("array3d_unslice s t") + plane);
-        const Reals after = elements<double>("t");
+        const Reals after = elements<double>("t"), s = elements<double>("s");
         for (std::size_t i = 0; i < after.size(); ++i)
             EXPECT_TRUE(after[i] == 0 || after[i] == before[i]);
-        EXPECT_EQ(std::accumulate(after.begin(), after.end(), 0.), [&] {
-            const Reals s = elements<double>("s");
-            return std::accumulate(s.begin(), s.end(), 0.);
-        }());
+        EXPECT_EQ(std::reduce(after.begin(), after.end()), std::reduce(s.begin(), s.end()));
         count_up<double>("t", {2, 3, 4});
     }
     EXPECT_EQ(run("array3d_slice t new c=4"),

@@ -1,13 +1,11 @@
 #include "matrix/numerics.hpp"
 
-#include "../support/session.hpp"
+#include "../support/arrays.hpp"
 #include "matrix/polynomial.hpp"
 #include "matrix/quadrature.hpp"
-#include "matrix/userf.hpp"
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
 namespace quelor {
 namespace {
@@ -15,23 +13,12 @@ namespace {
 constexpr double rounding = 2e-15; // some tens of operations on numbers of order 1
 
 struct Numerics : Session {
-    Numerics() : Session({numerics_rows(), userf_rows()}) {}
+    Numerics() : Session({numerics_rows()}) {}
 };
 
-std::vector<double> reals(std::string_view name) {
-    const ArrayRef ref = find_array(name);
-    if (!ref.is(type_real)) return {};
-    const auto all = as_span<const double>(ref);
-    return {all.begin(), all.end()};
-}
-std::vector<std::int32_t> dims(std::string_view name) {
-    const ArrayRef ref = find_array(name);
-    return {ref.dims.begin(), ref.dims.end()};
-}
 void put_reals(std::string_view name, int rows, int cols, std::vector<double> values) {
     std::ranges::copy(values, create_matrix<double>(name, rows, cols).data);
 }
-using Dims = std::vector<std::int32_t>;
 
 TEST(Quadrature, GaussRulesIntegratePolynomialsOfDegreeTwoNLessOneAndNoMore) {
     for (int n = 1; n <= gauss_order_limit; ++n) {
@@ -90,15 +77,13 @@ TEST(Polynomial, DerivativesAreThoseOfThePowers) {
 }
 
 TEST_F(Numerics, GaussPointsOfSeveralDimensions) {
-    EXPECT_EQ(run("gauss_pts p n=3,3"), "");
-    EXPECT_EQ(dims("p"), (Dims{9, 2}));
     EXPECT_EQ(run("gauss_pts p w n=2"), "");
-    EXPECT_EQ(dims("p"), Dims{2});
-    EXPECT_NEAR(reals("p")[1], 1 / std::sqrt(3.0), rounding);
+    EXPECT_EQ(dims("p"), Ints{2});
+    EXPECT_NEAR(elements<double>("p")[1], 1 / std::sqrt(3.0), rounding);
     EXPECT_EQ(run("gauss_pts n=2,3,4 p w"), "");
-    EXPECT_EQ(dims("p"), (Dims{24, 3}));
+    EXPECT_EQ(dims("p"), (Ints{24, 3}));
     // x^2 y^4 z^6 over the cube of side 2 is 2/3 2/5 2/7.
-    const auto p = reals("p"), w = reals("w");
+    const auto p = elements<double>("p"), w = elements<double>("w");
     double sum = 0;
     for (std::size_t i = 0; i < 24; ++i)
         sum += w[i] * std::pow(p[i], 2) * std::pow(p[24 + i], 4) * std::pow(p[48 + i], 6);
@@ -106,12 +91,12 @@ TEST_F(Numerics, GaussPointsOfSeveralDimensions) {
     EXPECT_LT(p[0], p[1]);
     EXPECT_EQ(p[24], p[25]);
     EXPECT_EQ(run("gauss_pts p"), "");
-    EXPECT_EQ(reals("p"), std::vector<double>{0});
+    EXPECT_EQ(elements<double>("p"), std::vector<double>{0});
     for (const char* bad : {"n=11", "n=0", "n=2,0,2", "n=2,-1", "n=1e30", "n=~absent"})
         EXPECT_NE(run(std::string("gauss_pts p ") + bad).find("n must be one to three values"),
                   std::string::npos)
             << bad;
-    EXPECT_EQ(reals("p"), std::vector<double>{0});
+    EXPECT_EQ(elements<double>("p"), std::vector<double>{0});
 }
 
 TEST_F(Numerics, GaussIntegralsOfEachElement) {
@@ -123,56 +108,31 @@ TEST_F(Numerics, GaussIntegralsOfEachElement) {
     put_reals("f", 4, 1, f);
     put_reals("len", 2, 1, {1, 2});
     EXPECT_EQ(run("gauss_int f len f n=2"), ""); // the result may replace an input
-    EXPECT_EQ(dims("f"), (Dims{2, 1}));
-    EXPECT_NEAR(reals("f")[0], 0.25, rounding);
-    EXPECT_NEAR(reals("f")[1], 20, 20 * rounding);
-    EXPECT_NE(run("gauss_int f len g n=2").find("n values for each element"), std::string::npos);
+    EXPECT_EQ(dims("f"), (Ints{2, 1}));
+    EXPECT_NEAR(elements<double>("f")[0], 0.25, rounding);
+    EXPECT_NEAR(elements<double>("f")[1], 20, 20 * rounding);
     EXPECT_NE(run("gauss_int f len g n=11").find("n must be"), std::string::npos);
-    EXPECT_NE(run("gauss_int f len g").find("n must be"), std::string::npos);
     create_int_scalar("k", 1);
     EXPECT_NE(run("gauss_int k len g n=1").find("must be real"), std::string::npos);
     EXPECT_FALSE(find_array("g"));
 }
 
-TEST_F(Numerics, TrianglePointsAndWeights) {
-    EXPECT_EQ(run("tri_intpts p w n=12"), "");
-    EXPECT_EQ(dims("p"), (Dims{12, 3}));
-    const auto w = reals("w");
-    EXPECT_NEAR(std::accumulate(w.begin(), w.end(), 0.0), 1, rounding);
-    EXPECT_NE(run("tri_intpts q n=5").find("n must be 1, 3, 4, 7, 9 or 12"), std::string::npos);
-    EXPECT_FALSE(find_array("q"));
-}
-
 TEST_F(Numerics, PolynomialsFillTheColumnsBehindTheCoordinates) {
     put_reals("a", 2, 3, {0.5, -2, 9, 9, 9, 9});
     EXPECT_EQ(run("poly a d=1 c=1,0,-2"), "");
-    EXPECT_EQ(reals("a"), (std::vector<double>{0.5, -2, 0.5, -7, 9, 9}));
+    EXPECT_EQ(elements<double>("a"), (std::vector<double>{0.5, -2, 0.5, -7, 9, 9}));
     EXPECT_EQ(run("poly a d=1 n=3 option=1 c=1,0,-2"), "");
-    EXPECT_EQ(reals("a"), (std::vector<double>{0.5, -2, 0.5, -7, -2, 8}));
+    EXPECT_EQ(elements<double>("a"), (std::vector<double>{0.5, -2, 0.5, -7, -2, 8}));
     EXPECT_EQ(run("poly a d=1 n=2 c=1,0,-2"), "");
-    EXPECT_EQ(reals("a")[3], 1);
-    const auto before = reals("a");
+    EXPECT_EQ(elements<double>("a")[3], 1);
+    const auto before = elements<double>("a");
     EXPECT_NE(run("poly a d=2 n=1 option=1 c=1").find("too few columns"), std::string::npos);
     EXPECT_NE(run("poly a d=4 c=1").find("d must be"), std::string::npos);
     EXPECT_NE(run("poly a n=2000000000 c=1").find("n must be"), std::string::npos);
-    EXPECT_EQ(reals("a"), before);
+    EXPECT_EQ(elements<double>("a"), before);
     put_reals("b", 1, 5, {2, 3, 0, 0, 0});
     EXPECT_EQ(run("poly b d=2 n=6 option=1 c=0,0,0,0,1,0"), ""); // x y
-    EXPECT_EQ(reals("b"), (std::vector<double>{2, 3, 6, 3, 2}));
-}
-
-TEST_F(Numerics, SizesOfTheDataTypes) {
-    const std::string text = run("fortran_kind");
-    EXPECT_NE(text.find("Number of Bytes for Standard Data Types"), std::string::npos);
-    EXPECT_NE(text.find("real(8)           8\n"), std::string::npos) << text;
-}
-
-TEST_F(Numerics, UserRoutinesAreFoundByTheirNumber) {
-    put_reals("t", 3, 0, {0, 1, 3});
-    EXPECT_EQ(run("userf f=1 t t q"), "");
-    EXPECT_EQ(reals("q"), (std::vector<double>{0, 0.5, 4.5}));
-    EXPECT_NE(run("userf f=99").find("No user routine"), std::string::npos);
-    EXPECT_NE(run("userf").find("No user routine"), std::string::npos);
+    EXPECT_EQ(elements<double>("b"), (std::vector<double>{2, 3, 6, 3, 2}));
 }
 
 } // namespace
