@@ -11,8 +11,6 @@ add a b r=2 c=3
 print a
 add a b s r=2 c=2
 print s
-add a a r=2 c=2
-print a
 sub a a
 print a
 add a b b n=1
@@ -36,8 +34,6 @@ print t
 sumcol d t -abs
 print t
 norm d t
-print t
-norm d t -max
 print t
 norm d t -l2
 print t

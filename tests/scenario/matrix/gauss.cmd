@@ -16,18 +16,9 @@ gauss f x -pp
 print x
 print f
 /* 1 - 0.9999999 loses eight digits
-input c r=2 c=2
-1 1
-1 1.0000001
-input one r=2
+input x r=2
 1
 2
-cp c f
-cp one x
-gauss f x
-cp c f
-cp one x
-gauss f x #digits=9
 input c r=2 c=2
 1 1
 0.9999999 1

@@ -100,17 +100,6 @@ constexpr double rounding = 1e-13; // of sums of some hundred products below 10
 
 } // namespace
 
-TEST_F(Assembly, numbers_free_dofs_only) {
-    // 24 less a fixed one, three tied, six of the rigid link and one skew.
-    EXPECT_EQ(equations.count, 13);
-    EXPECT_EQ(equations.of_node(5, 2), equations.of_node(5, 1));
-    EXPECT_EQ(equations.of_node(4, 3), -4);
-    EXPECT_EQ(equations.of_node(2, 4), -7);
-    // The terms of fixed DOFs, and of offsets of 0, are left out.
-    EXPECT_EQ(equations.terms_of(-1).size(), 2u);
-    EXPECT_EQ(equations.terms_of(-3).size(), 2u);
-}
-
 TEST_F(Assembly, of_a_matrix_is_the_product_with_the_kinematic_transformation) {
     const int size = 13 * 14 / 2; // the one element joins all equations
     create_matrix<std::int32_t>(k_colhite, 13, 0);

@@ -24,13 +24,6 @@ NodeOrdering order(const std::vector<Nodes>& elements, int count, bool reverse =
 
 } // namespace
 
-TEST(NodeOrder, follows_a_chain_from_its_lower_end) {
-    const std::vector<Nodes> chain{{4, 2}, {2, 5}, {5, 3}};
-    EXPECT_EQ(order(chain, 6).order, (Nodes{3, 5, 2, 4}));
-    EXPECT_EQ(order(chain, 6, true).order, (Nodes{4, 2, 5, 3}));
-    EXPECT_EQ(order(chain, 6).parts, 1);
-}
-
 TEST(NodeOrder, takes_neighbours_by_degree_and_elements_as_cliques) {
     // Node 1 (degree 3) joins 2, 3 and 4; 2 has the further neighbours 5, 6, 3 the further one 7.
     const std::vector<Nodes> tree{{1, 2}, {1, 3}, {1, 4}, {2, 5}, {2, 6}, {3, 7}};

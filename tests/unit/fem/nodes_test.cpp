@@ -42,8 +42,6 @@ List line(int total, int a, int b, int inc, double w) {
 } // namespace
 
 TEST(GenerateLine, makes_the_nodes_strictly_between) {
-    EXPECT_EQ(line(9, 1, 5, 1, 0).defined(), (std::vector{1, 2, 3, 4, 5}));
-    EXPECT_EQ(line(9, 1, 5, 2, 0).defined(), (std::vector{1, 3, 5}));
     EXPECT_EQ(line(9, 1, 4, 2, 0).defined(), (std::vector{1, 3, 4}));
     EXPECT_EQ(line(9, 5, 1, -1, 0).defined(), (std::vector{1, 2, 3, 4, 5}));
     EXPECT_EQ(line(9, 1, 5, -1, 0).defined(), (std::vector{1, 5}));

@@ -61,23 +61,14 @@ template <class T> struct DenseKernels : testing::Test {};
 using Numbers = testing::Types<double, Complex8>;
 TYPED_TEST_SUITE(DenseKernels, Numbers);
 
-struct Factor {
-    std::vector<GaussDiagonal> diagonals;
-    void operator()(Matrix<double> a) {
-        diagonals.resize(static_cast<std::size_t>(a.rows));
-        gauss_factor(a, diagonals);
-    }
-    void operator()(Matrix<Complex8> a) { gauss_factor(a); }
-    void operator()(Matrix<double> a, std::span<const double> scale,
-                    std::span<std::int32_t> order) {
-        diagonals.resize(static_cast<std::size_t>(a.rows));
-        gauss_factor(a, diagonals, scale, order);
-    }
-    void operator()(Matrix<Complex8> a, std::span<const double> scale,
-                    std::span<std::int32_t> order) {
-        gauss_factor(a, scale, order);
-    }
-};
+/// gauss_factor of either type; with the scale and the order of rows, if given.
+template <class T, class... Rows> void factor(Matrix<T> a, Rows&&... rows) {
+    std::vector<GaussDiagonal> diagonals(static_cast<std::size_t>(a.rows));
+    if constexpr (std::is_same_v<T, double>)
+        gauss_factor(a, diagonals, rows...);
+    else
+        gauss_factor(a, rows...);
+}
 
 // Orders around the block sizes of 32, 64 and 256.
 constexpr int orders[] = {1, 2, 31, 32, 33, 65, 130, 300};
@@ -88,7 +79,7 @@ TYPED_TEST(DenseKernels, SolutionSatisfiesTheEquationsAndAgreesWithTheInverse) {
         const auto a = dominant_matrix<TypeParam>(n, random);
         const auto b = random_matrix<TypeParam>(n, 5, random);
         auto factors = a, x = b;
-        Factor{}(factors.view());
+        factor(factors.view());
         gauss_solve(Matrix<const TypeParam>(factors.view()), x.view());
         EXPECT_LT(largest_difference(product(a, x), b), 1e-14) << n;
         auto destroyed = a;
@@ -119,7 +110,7 @@ TYPED_TEST(DenseKernels, RowOrderSolvesWhatNeedsPivoting) {
         }
         auto factors = a;
         std::vector<std::int32_t> order(static_cast<std::size_t>(n));
-        Factor{}(factors.view(), scale, order);
+        factor(factors.view(), scale, order);
         const auto x = random_matrix<TypeParam>(n, 1, random), b = product(a, x);
         auto solved = b;
         for (int i = 1; i <= n; ++i)
@@ -138,10 +129,10 @@ TEST(GaussFactor, DiagonalsAreThoseOfAPlainElimination) {
     const int n = 100;
     const auto a = dominant_matrix<double>(n, random);
     auto factors = a;
-    Factor factor;
-    factor(factors.view());
+    std::vector<GaussDiagonal> diagonals(n);
+    gauss_factor(factors.view(), diagonals);
     for (int j = 1; j <= n; ++j) {
-        const auto& d = factor.diagonals[static_cast<std::size_t>(j - 1)];
+        const auto& d = diagonals[static_cast<std::size_t>(j - 1)];
         EXPECT_EQ(d.before, a.view()(j, j));
         EXPECT_EQ(d.after, d.before - d.subtracted);
         EXPECT_EQ(d.after, factors.view()(j, j));

@@ -47,8 +47,6 @@ TEST_F(Matrix2, TransposesEveryTypeAndSizeOfElement) {
     check(std::int32_t{});
     check(double{});
     check(static_cast<long double>(0));
-    check(Complex4{});
-    check(Complex8{});
     count_up<double>("v", {3});
     quietly("trans v v");
     EXPECT_EQ(dims("v"), (Ints{1, 3}));
@@ -88,10 +86,6 @@ TEST_F(Matrix2, SplitsAndWrapsThereAndBack) {
     EXPECT_EQ(std::count(split.begin(), split.end(), 0), 10);
     EXPECT_EQ(Reals(split.end() - 10, split.end()), Reals(10, 0))
         << "the last rows of the last column";
-    quietly("unsplit a b r=4");
-    EXPECT_EQ(dims("b"), (Ints{4, 24}));
-    EXPECT_EQ(get_real_by_name("b", 2, 9), 6);
-    EXPECT_EQ(get_real_by_name("b", 3, 17), 0);
     quietly("wrap a b c=4");
     EXPECT_EQ(dims("b"), (Ints{20, 4}));
     EXPECT_EQ(get_real_by_name("b", 2, 1), 41) << "the second half of the first row";
@@ -191,7 +185,6 @@ TEST_F(Matrix2, ExtractsRowsByAValue) {
     };
     EXPECT_EQ(second_column("c=1 v=2"), Reals{20});
     EXPECT_EQ(second_column("c=1 v=2 tol=0.01 -eq"), (Reals{20, 30}));
-    EXPECT_EQ(second_column("c=1 v=2 tol=0.01 -ne"), (Reals{10, 40}));
     EXPECT_EQ(second_column("col=1 value=2 -ge"), (Reals{20, 30, 40}));
     EXPECT_EQ(second_column("c=1 v=2 -gt tol=5"), (Reals{30, 40}));
     EXPECT_EQ(second_column("c=2 v=20 -le"), (Reals{10, 20}));

@@ -77,9 +77,6 @@ TEST(Polynomial, DerivativesAreThoseOfThePowers) {
 }
 
 TEST_F(Numerics, GaussPointsOfSeveralDimensions) {
-    EXPECT_EQ(run("gauss_pts p w n=2"), "");
-    EXPECT_EQ(dims("p"), Ints{2});
-    EXPECT_NEAR(elements<double>("p")[1], 1 / std::sqrt(3.0), rounding);
     EXPECT_EQ(run("gauss_pts n=2,3,4 p w"), "");
     EXPECT_EQ(dims("p"), (Ints{24, 3}));
     // x^2 y^4 z^6 over the cube of side 2 is 2/3 2/5 2/7.
@@ -111,7 +108,6 @@ TEST_F(Numerics, GaussIntegralsOfEachElement) {
     EXPECT_EQ(dims("f"), (Ints{2, 1}));
     EXPECT_NEAR(elements<double>("f")[0], 0.25, rounding);
     EXPECT_NEAR(elements<double>("f")[1], 20, 20 * rounding);
-    EXPECT_NE(run("gauss_int f len g n=11").find("n must be"), std::string::npos);
     create_int_scalar("k", 1);
     EXPECT_NE(run("gauss_int k len g n=1").find("must be real"), std::string::npos);
     EXPECT_FALSE(find_array("g"));
@@ -126,7 +122,6 @@ TEST_F(Numerics, PolynomialsFillTheColumnsBehindTheCoordinates) {
     EXPECT_EQ(run("poly a d=1 n=2 c=1,0,-2"), "");
     EXPECT_EQ(elements<double>("a")[3], 1);
     const auto before = elements<double>("a");
-    EXPECT_NE(run("poly a d=2 n=1 option=1 c=1").find("too few columns"), std::string::npos);
     EXPECT_NE(run("poly a d=4 c=1").find("d must be"), std::string::npos);
     EXPECT_NE(run("poly a n=2000000000 c=1").find("n must be"), std::string::npos);
     EXPECT_EQ(elements<double>("a"), before);
