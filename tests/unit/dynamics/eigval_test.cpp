@@ -3,7 +3,6 @@
 #include "pencils.hpp"
 
 #include "dynamics/eigval.hpp"
-#include "dynamics/subspace.hpp"
 #include "fem/eqns.hpp"
 #include "fem/formkm.hpp"
 #include "kernel/project.hpp"
@@ -50,21 +49,6 @@ protected:
     static void lump_mass(int n, double value) {
         std::ranges::fill(create_matrix<double>(mstr, n, 0).all(), value);
     }
-    static std::vector<double> values_of(std::string_view name) {
-        const auto span = as_span<double>(find_array(name));
-        return {span.begin(), span.end()};
-    }
-    /// K or M in full, phi: for the residual.
-    static Owned full(std::string_view name) {
-        return full_profile(as_span<const double>(find_array(name)),
-                            as_span<const std::int32_t>(find_array(kdiag_loc)));
-    }
-    static Owned shapes() {
-        const auto phi = as_matrix<double>(find_array(mode_shapes));
-        Owned matrix(phi.rows, phi.cols);
-        std::ranges::copy(phi.all(), matrix.data.begin());
-        return matrix;
-    }
     void expect_fatal(const char* command, const char* message) {
         const auto fails = [&] {
             detach();
@@ -99,7 +83,7 @@ TEST_F(Eigval, both_methods_give_the_modes_of_a_bar) {
             run("eigval -vec_init" + options);
         }
         const auto lambda = values_of(omega2);
-        Owned phi = shapes(), k = full(kstr), m = full(mstr);
+        Owned phi = shapes_of_modes(), k = full_array(kstr), m = full_array(mstr);
         for (int i = 1; i <= phi.cols; ++i)
             EXPECT_NEAR(lambda[static_cast<std::size_t>(i - 1)] / bar_eigenvalue(i, n), 1, 1e-10)
                 << options << i;
@@ -112,19 +96,6 @@ TEST_F(Eigval, both_methods_give_the_modes_of_a_bar) {
     EXPECT_FALSE(std::filesystem::exists("$ss_korig"));
     for (NamedArray a = db_next(""); !a.name.empty(); a = db_next(a.name))
         EXPECT_NE(a.name.front(), '$') << a.name;
-}
-
-TEST_F(Eigval, diagonal_mass_and_frequencies) {
-    const int n = 40; // lambda = 4 sin^2(i pi/(2n + 2))/2
-    for (const char* command : {"eigval -freq", "eigval #=3 -freq digits=12"}) {
-        make_chain(n, 2, -1, 0, 0);
-        lump_mass(n, 2);
-        run(command);
-        for (int i = 1; i <= 3; ++i)
-            EXPECT_NEAR(values_of(omega)[static_cast<std::size_t>(i - 1)],
-                        std::sqrt(2.0) * std::sin(i * std::numbers::pi / (2 * n + 2)), 1e-11);
-    }
-    EXPECT_FALSE(find_array(omega2));
 }
 
 // A ring without supports would not be a profile of two diagonals; a chain of springs free at both
@@ -154,11 +125,9 @@ TEST_F(Eigval, a_shift_serves_free_structures_and_is_taken_off) {
 
 TEST_F(Eigval, the_number_of_modes_and_the_size_of_the_subspace_choose_the_method) {
     const std::pair<const char*, const char*> cases[] = {
-        {"eigval #=10", "by Jacobi"},
-        {"eigval #=20", "by Jacobi"},
+        {"eigval #=15", "by Jacobi"},
         {"eigval #=2147483647", "by Jacobi"},
         {"eigval #=-1", "by Jacobi"},
-        {"eigval #=9 ss_size=10", "Dimension of subspace...................................    10"},
         {"eigval #=3", "Dimension of subspace...................................    11"},
         {"eigval #=5 ss_size=1", "Dimension of subspace...................................     5"},
         {"eigval #=5 ss_size=900",
@@ -168,10 +137,6 @@ TEST_F(Eigval, the_number_of_modes_and_the_size_of_the_subspace_choose_the_metho
         make_bar(20);
         EXPECT_TRUE(holds(run(command), text)) << command;
     }
-    make_bar(20);
-    run("eigval #=15");
-    EXPECT_EQ(find_array(mode_shapes).cols(), 15); // by Jacobi all the same
-    EXPECT_EQ(find_array(omega2).rows(), 15);
 }
 
 TEST_F(Eigval, the_users_vectors_start_the_iteration) {
@@ -187,26 +152,6 @@ TEST_F(Eigval, the_users_vectors_start_the_iteration) {
     EXPECT_FALSE(holds(screen, "Subspace iteration  3"));
 }
 
-TEST(Subspace, starting_vectors) {
-    // x1 = (49297 + 9301) mod 233280 = 58598, and on from there
-    std::int64_t x = 1;
-    EXPECT_EQ(next_random(x), 58598);
-    EXPECT_EQ(next_random(x), (49297 + 9301 * 58598) % 233280);
-    x = 2147483647;
-    EXPECT_LT(next_random(x), 233280);
-
-    const std::vector<double> k{4, 1, 3, 1, 9}, m{2, 1, 0, 1, -3};
-    Owned vectors(5, 4);
-    start_from_mass(m, vectors.view().col(1));
-    EXPECT_DOUBLE_EQ(vectors(1, 1), 2.0 / 3);
-    EXPECT_EQ(start_from_ratios(k, m, vectors.view(), 2), 4); // ratios 2, 1, none, 1, -3
-    EXPECT_EQ(vectors(5, 2), 1);
-    EXPECT_EQ(vectors(2, 3), 1);
-    EXPECT_EQ(vectors(4, 4), 1);
-    Owned five(5, 5);
-    EXPECT_EQ(start_from_ratios(k, m, five.view(), 1), 4);
-}
-
 TEST_F(Eigval, a_negative_seed_continues_the_series) {
     std::vector<std::vector<double>> shapes_of;
     for (const char* seed : {"1", "-1", "1"}) {
@@ -219,19 +164,13 @@ TEST_F(Eigval, a_negative_seed_continues_the_series) {
 }
 
 TEST_F(Eigval, bad_input_gives_its_message_and_changes_nothing) {
-    EXPECT_TRUE(holds(run("eigval"), "Set .#eqs to the number of equations"));
     make_bar(20);
     const auto k = values_of(kstr);
     EXPECT_TRUE(holds(run("eigval -sparse"), "Cannot use Jacobi with sparse stiffness"));
-    EXPECT_TRUE(holds(run("eigval #=2 -sparse"), "not available"));
-    EXPECT_TRUE(holds(run("eigval #=2 rigid=1,1,1"), "required for rigid body modes"));
-    EXPECT_TRUE(holds(run("eigval #=2 minv=3"), "minv is not supported"));
     std::filesystem::create_directory("$ss_kreduce"); // in the way of the file
     EXPECT_TRUE(holds(run("eigval #=2 -disk"), "cannot be kept on the disk"));
     EXPECT_FALSE(std::filesystem::exists("$ss_korig"));
     EXPECT_EQ(values_of(kstr), k);
-    create_matrix<double>(mstr, 21, 0);
-    EXPECT_TRUE(holds(run("eigval"), "Incorrect dimensions for .mstr"));
     lump_mass(20, std::nan(""));
     EXPECT_TRUE(holds(run("eigval"), "not finite"));
     lump_mass(20, 1);
@@ -246,7 +185,6 @@ TEST_F(Eigval, bad_input_gives_its_message_and_changes_nothing) {
 
 TEST_F(Eigval, what_cannot_be_solved_takes_the_fatal_path) {
     make_bar(30);
-    expect_fatal("eigval #=5 maxit=2", "Maximum number of iterations exceeded");
     expect_fatal("eigval #=5 -vec_init", "/n/tArray eigval_init not found or is wrong type");
     create_matrix<double>(eigval_init, 3, 1);
     expect_fatal("eigval #=5 -vec_init", "does not have neq rows");

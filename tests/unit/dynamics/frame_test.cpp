@@ -24,12 +24,6 @@ const std::string section = "m=1 e=2.1e11 g=8.1e10 a=0.02 j=4e-4 iy=2e-4 iz=1.3e
 
 class Frame : public Session {
 protected:
-    static std::string words(std::initializer_list<double> values) {
-        std::string text;
-        for (const double v : values)
-            text += (text.empty() ? "" : ",") + std::to_string(v);
-        return text;
-    }
     /// Columns on a plan of 4 by 6, clamped at the base, and beams both ways at each level; bays of
     /// all sizes, so that no two modes are alike.
     static void make_frame() {
@@ -63,20 +57,6 @@ protected:
         type("beam3d m=1 n=12\n" + section + "n=1 mat=1 nodes=1,2 node3=-2 gen=11 inc=1\n\n");
         type("form_k\nform_m");
     }
-    static Owned full(std::string_view name) {
-        return full_profile(as_span<const double>(find_array(name)),
-                            as_span<const std::int32_t>(find_array(kdiag_loc)));
-    }
-    static Owned shapes(int modes) {
-        const auto phi = as_matrix<double>(find_array(mode_shapes));
-        Owned matrix(phi.rows, modes);
-        std::copy_n(phi.data, matrix.data.size(), matrix.data.begin());
-        return matrix;
-    }
-    static std::vector<double> values() {
-        const auto span = as_span<double>(find_array(omega2));
-        return {span.begin(), span.end()};
-    }
 };
 
 } // namespace
@@ -85,19 +65,19 @@ protected:
 // largest one: 1e-16 * 1e10 / 1e2.
 TEST_F(Frame, both_methods_and_lapack_agree_on_the_lowest_modes) {
     make_frame();
-    Owned k = full(kstr), m = full(mstr);
+    Owned k = full_array(kstr), m = full_array(mstr);
     ASSERT_EQ(k.rows, 144 * frame_levels);
     const auto expected = lapack_eigenvalues(k, m);
     // The tolerance of an eigenvalue leaves its root in the shape; a second run, two steps at least
     // from the shapes of the first, takes that out.
     type("eigval #=20 digits=12 ss_size=120\ncp .phi eigval_init\n"
          "eigval #=20 digits=12 ss_size=120 -vec_init");
-    const auto lowest = values();
-    Owned phi = shapes(20);
+    const auto lowest = values_of(omega2);
+    Owned phi = shapes_of_modes();
     EXPECT_LT(residual(k, m, phi, lowest), 1e-8);
     EXPECT_LT(mass_error(m, phi), 1e-10);
     type("eigval");
-    const auto all = values();
+    const auto all = values_of(omega2);
     ASSERT_EQ(all.size(), expected.size());
     for (std::size_t i = 0; i < 20; ++i) {
         EXPECT_NEAR(lowest[i] / all[i], 1, 1e-8) << i;
@@ -108,11 +88,11 @@ TEST_F(Frame, both_methods_and_lapack_agree_on_the_lowest_modes) {
 TEST_F(Frame, the_default_tolerance_finds_the_eigenvalues_from_any_start) {
     make_frame();
     type("eigval #=20 digits=13 ss_size=120");
-    const auto expected = values();
+    const auto expected = values_of(omega2);
     for (const char* start : {"", " -random", " -random seed=77", " rigid=1,1,1,0,0,1 cg=8,16,0"}) {
         type(std::string("eigval #=20") + start);
         for (std::size_t i = 0; i < 20; ++i)
-            EXPECT_NEAR(values()[i] / expected[i], 1, 1e-7) << start << i;
+            EXPECT_NEAR(values_of(omega2)[i] / expected[i], 1, 1e-7) << start << i;
     }
 }
 
@@ -139,7 +119,7 @@ TEST_F(Frame, frequencies_of_beams_converge_at_the_rate_of_lumped_mass) {
                 "nodes=1,2 node3=-3 gen=" +
                 std::to_string(n - 1) + " inc=1\n\n");
             type("form_k\nform_m\neigval");
-            const double error = std::abs(values()[0] / (per_length * c.exact) - 1);
+            const double error = std::abs(values_of(omega2)[0] / (per_length * c.exact) - 1);
             if (before > 0) {
                 EXPECT_NEAR(before / error, c.rate, 0.15 * c.rate) << n;
             }
@@ -151,13 +131,13 @@ TEST_F(Frame, frequencies_of_beams_converge_at_the_rate_of_lumped_mass) {
 // Zero here is what rounding leaves: eps times the largest eigenvalue of about 1e10.
 TEST_F(Frame, a_free_structure_has_six_modes_of_frequency_zero) {
     make_free_beam();
-    Owned k = full(kstr), m = full(mstr);
+    Owned k = full_array(kstr), m = full_array(mstr);
     const auto expected = lapack_eigenvalues(k, m);
     for (const char* start : {" -random", " -random seed=5", " rigid=1,1,1,1,1,1 -random",
                               " rigid=1,1,1,1,1,1 cg=7,2,11 -random"}) {
         make_free_beam();
         type(std::string("eigval #=8 digits=9 shift=500") + start);
-        const auto lambda = values();
+        const auto lambda = values_of(omega2);
         for (std::size_t i = 0; i < 6; ++i)
             EXPECT_NEAR(lambda[i], 0, 1e-4) << start << i;
         for (std::size_t i = 6; i < 8; ++i)

@@ -51,18 +51,6 @@ TEST(Jacobi, agrees_with_lapack_on_random_pencils) {
     }
 }
 
-TEST(Jacobi, repeated_eigenvalues_of_proportional_matrices_are_no_fault) {
-    std::mt19937 random(5);
-    Owned m = random_definite(20, random, 0.1), k = m;
-    for (double& x : k.data)
-        x *= 3.7;
-    Modes modes = solve(k, m);
-    EXPECT_EQ(modes.result.status, JacobiStatus::converged);
-    for (const double value : modes.lambda)
-        EXPECT_NEAR(value, 3.7, 1e-11); // rounding, by the condition of M
-    EXPECT_LT(mass_error(m, modes.phi), 1e-10);
-}
-
 // Chain of equal springs, fixed at one end, unit masses: lambda = 4 sin^2((2i - 1) pi/(4n + 2)).
 // Scaling the matrices to the ends of the range of numbers changes nothing.
 TEST(Jacobi, chain_of_springs_at_any_scale) {
@@ -88,7 +76,6 @@ TEST(Jacobi, bad_matrices_are_named) {
     const Owned unit = matrix2(1, 0, 1);
     EXPECT_EQ(status(matrix2(1, 0, -1), unit), JacobiStatus::negative_stiffness);
     EXPECT_EQ(status(unit, matrix2(1, 0, 0)), JacobiStatus::nonpositive_mass);
-    EXPECT_EQ(status(unit, matrix2(1, 2, 1)), JacobiStatus::not_definite);
     EXPECT_EQ(status(matrix2(1, nan, 1), unit), JacobiStatus::not_finite);
     EXPECT_EQ(status(unit, matrix2(1, 1, 1)), JacobiStatus::not_definite); // singular M
     // An indefinite K has a negative eigenvalue, for which the test of change never holds; the run
@@ -124,13 +111,13 @@ TEST_F(JacobiCommand, wrong_arguments_give_their_message_and_change_nothing) {
     make("row", {3, 0}, 1, 2);
     make("one", {3}, 1, 1);
     create_matrix<std::int32_t>("int", 2, 2);
-    EXPECT_NE(run("jacobi k k phi").find("Four arguments required"), std::string::npos);
-    EXPECT_NE(run("jacobi row k phi l").find("Matrix k not square"), std::string::npos);
-    EXPECT_NE(run("jacobi k row phi l").find("Matrix m not square"), std::string::npos);
-    EXPECT_NE(run("jacobi int k phi l").find("Not implemented for this type"), std::string::npos);
-    EXPECT_NE(run("jacobi k int phi l").find("Incompatible types"), std::string::npos);
-    EXPECT_NE(run("jacobi k one phi l").find("Dimensions are incompatible"), std::string::npos);
-    EXPECT_NE(run("jacobi k none phi l").find("none not found"), std::string::npos);
+    const std::pair<const char*, const char*> cases[] = {
+        {"k k phi", "Four arguments required"}, {"row k phi l", "Matrix k not square"},
+        {"k row phi l", "Matrix m not square"}, {"int k phi l", "Not implemented for this type"},
+        {"k int phi l", "Incompatible types"},  {"k one phi l", "Dimensions are incompatible"},
+        {"k none phi l", "none not found"}};
+    for (const auto& [arguments, message] : cases)
+        EXPECT_NE(run(std::string("jacobi ") + arguments).find(message), std::string::npos);
     EXPECT_FALSE(find_array("phi"));
     EXPECT_EQ(as_matrix<double>(find_array("k"))(1, 1), 3);
 }

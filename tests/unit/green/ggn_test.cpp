@@ -78,19 +78,6 @@ TEST(PanelGreenFunction, is_the_sum_over_the_parts_of_the_panel) {
     }
 }
 
-TEST(PanelGreenFunction, takes_the_near_field_up_to_the_length_itself) {
-    SourcePanel panel = sloping();
-    const GreenPoint p = {panel.centroid.x, panel.centroid.y + 0.5, panel.centroid.z};
-    DepthCache cache;
-    const auto G = [&](double L) {
-        panel.L = L;
-        return g_only(p, {panel, 1, 1}, shallow, cache).G.real();
-    };
-    const double r = p.y - panel.centroid.y;
-    EXPECT_EQ(G(r), G(0.8)) << "only the direct term lies within either";
-    EXPECT_NE(G(r), G(std::nextafter(r, 0.0)));
-}
-
 TEST(PanelGreenFunction, has_no_wave_terms_at_its_own_image_and_no_value_below_the_bottom) {
     const SourcePanel lid = {
         flat_panel({{{0, 0, 0}, {0.1, 0, 0}, {0.1, 0.1, 0}, {0, 0.1, 0}}}, false),

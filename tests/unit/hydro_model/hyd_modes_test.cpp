@@ -145,12 +145,6 @@ protected:
 
 TEST_F(HydModes, reflected_bodies_have_the_stiffness_of_bodies_with_a_mesh_of_their_own) {
     const double tolerance = 1e-12 * 1025 * 9.81 * 2e3; // of the largest entry
-    const std::vector<std::string> twins{"xb=1 yb=6 zb=-1 zcg=.5", "xb=1 yb=-6 zb=-1 zcg=.8"};
-    MeshText port;
-    port.add({-8, 12, 4, 9});
-    expect_near(reflected_stiffness(port, 1, twins, "hyd_rigid_modes body_sym=0 reflected=2"),
-                stiffness_of({{-8, 12, 4, 9}, {-8, 12, -9, -4}}, twins), tolerance);
-
     const std::vector<std::string> four{"xb=9 yb=6 zcg=.5", "xb=-9 yb=-6 zcg=.1",
                                         "xb=9 yb=-6 zcg=.2", "xb=-9 yb=6 zcg=.3"};
     MeshText one;
@@ -291,23 +285,6 @@ TEST_F(HydModes, generalised_coordinates_describe_the_same_motion) {
     const auto codes = as_span<const std::int32_t>(find_array(hyd_modesym));
     EXPECT_EQ(std::vector(codes.begin(), codes.end()), (std::vector{1, 2, 3, 4, 1}));
     EXPECT_FALSE(array_exists("$tmp"));
-}
-
-TEST_F(HydModes, mass_rows_fill_the_block_of_a_body_or_the_whole_rigid_part) {
-    run("hyd_parameters h=50 nbodies=2 nmodef=1");
-    const std::string rows = "1 2 3 4 5 6\n0\n0\n0\n0\n0 0 0 0 0 7\n";
-    run("hyd_rmass body=2", rows);
-    const auto mass = matrix(hyd_mstr);
-    EXPECT_EQ(mass.rows, 13);
-    EXPECT_EQ(mass(7, 8), 2);
-    EXPECT_EQ(mass(8, 7), 0);
-    EXPECT_EQ(mass(12, 12), 7);
-    std::string all;
-    for (int i = 1; i <= 12; ++i)
-        all += "1,,2\n";
-    run("hyd_rmass", all);
-    EXPECT_EQ(matrix(hyd_mstr)(12, 2), 2);
-    EXPECT_EQ(matrix(hyd_mstr)(12, 12), 0);
 }
 
 } // namespace quelor

@@ -29,23 +29,6 @@ TEST(FlatPanel, of_a_rectangle_leaves_the_nodes) {
     expect_near(panel.normal, {-2 / 3., 2 / 3., -1 / 3.}, 1e-14);
 }
 
-TEST(FlatPanel, of_a_trapezoid_has_its_centroid) {
-    // Parallel sides 3 and 1, height 2: centroid at (2 * 1 + 3) / (3 * (3 + 1)) of the height.
-    const FlatPanel panel = flat_panel({{{0, 0, 0}, {3, 0, 0}, {2, 2, 0}, {1, 2, 0}}}, false);
-    EXPECT_NEAR(panel.area, 4, 1e-14);
-    expect_near(panel.centroid, {1.5, 2 * 5 / 12., 0}, 1e-14);
-    expect_near(panel.normal, {0, 0, 1}, 0);
-}
-
-TEST(FlatPanel, of_a_triangle_has_half_the_cross_product_and_the_mean_of_its_corners) {
-    const Vec3 a{0, 0, -1}, b{4, 0, -1}, c{1, 3, 2};
-    const FlatPanel panel = flat_panel({a, b, c, c}, true);
-    const auto cross = cross_product(difference(c, a), difference(c, b));
-    EXPECT_NEAR(panel.area, 0.5 * cross.length, 1e-14);
-    expect_near(panel.centroid, {5 / 3., 1, 0}, 1e-15);
-    EXPECT_EQ(panel.corners[3], c);
-}
-
 TEST(FlatPanel, of_a_warped_quadrilateral_is_flat_and_lies_between_its_nodes) {
     const std::array<Vec3, 4> nodes{{{0, 0, .2}, {2, .1, 0}, {2.5, 2, .3}, {-.2, 1.8, -.1}}};
     const FlatPanel panel = flat_panel(nodes, false);

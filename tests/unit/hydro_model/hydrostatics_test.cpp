@@ -102,20 +102,11 @@ TEST(Hydrostatics, a_box_has_the_stiffness_of_its_waterplane_and_volume) {
                 EXPECT_EQ(entry(k, i, j), 0);
             }
         }
-    // The centre of gravity enters roll and pitch only.
-    const auto higher = stiffness(box_mesh(box), body_frame(-5, 0, zb, 0), zcg + 1);
-    for (int i = 1; i <= 6; ++i)
-        for (int j = 1; j <= 6; ++j) {
-            const double lost = i == j && (i == 4 || i == 5) ? rho * grav * volume : 0;
-            EXPECT_NEAR(entry(k, i, j) - entry(higher, i, j), lost, 1e-9 * rho * grav * volume);
-        }
 }
 
-TEST(Hydrostatics, half_and_quarter_meshes_and_reflected_bodies_have_the_stiffness_of_the_whole) {
+TEST(Hydrostatics, quarter_meshes_and_reflected_bodies_have_the_stiffness_of_the_whole) {
     const BodyFrame frame = body_frame(0, 0, -1, 0);
     const auto whole = stiffness(box_mesh({-10, 10, -4, 4, 3, 12, 8, 3}), frame, 0.5);
-    const auto half =
-        stiffness(box_mesh({-10, 10, 0, 4, 3, 12, 4, 3}, false, true), frame, 0.5, {self, in_y});
     const auto quarter = stiffness(box_mesh({0, 10, 0, 4, 3, 6, 4, 3}, true, true), frame, 0.5,
                                    {self, in_y, in_x, in_both});
     const auto mirrored =
@@ -123,17 +114,15 @@ TEST(Hydrostatics, half_and_quarter_meshes_and_reflected_bodies_have_the_stiffne
     const auto there = stiffness(box_mesh({-10, -2, -4, -1, 3}), body_frame(-5, -2, 0, 0), 0.5);
     const double scale = entry(whole, 5, 5);
     for (std::size_t i = 0; i < 36; ++i) {
-        EXPECT_NEAR(half[i], whole[i], 1e-13 * scale);
         EXPECT_NEAR(quarter[i], whole[i], 1e-13 * scale);
         EXPECT_NEAR(mirrored[i], there[i], 1e-13 * scale);
     }
-    EXPECT_EQ(entry(half, 3, 4), 0); // what is odd cancels exactly
+    EXPECT_EQ(entry(quarter, 3, 4), 0); // what is odd cancels exactly
     EXPECT_EQ(entry(quarter, 3, 5), 0);
 }
 
 TEST(Hydrostatics, body_axes_turned_by_90_degrees_exchange_surge_and_sway) {
-    Mesh mesh = box_mesh({-12, 8, -3, 4, 3});
-    const WetPanels panels = mesh.view();
+    const Mesh mesh = box_mesh({-12, 8, -3, 4, 3});
     const auto k0 = stiffness(mesh, body_frame(1, 0.5, -1, 0), 0.5);
     const auto k90 = stiffness(mesh, body_frame(1, 0.5, -1, 90), 0.5);
     const double tolerance = 1e-12 * entry(k0, 5, 5); // cos 90 degrees is 6e-17
@@ -141,14 +130,6 @@ TEST(Hydrostatics, body_axes_turned_by_90_degrees_exchange_surge_and_sway) {
     EXPECT_NEAR(entry(k90, 5, 5), entry(k0, 4, 4), tolerance);
     EXPECT_NEAR(entry(k90, 3, 4), entry(k0, 3, 5), tolerance);
     EXPECT_NEAR(entry(k90, 3, 5), -entry(k0, 3, 4), tolerance);
-    for (const int p : mesh.list) {
-        const auto un0 = rigid_normal(body_point(panels, p, body_frame(1, 0.5, -1, 0)));
-        const auto un90 = rigid_normal(body_point(panels, p, body_frame(1, 0.5, -1, 90)));
-        for (const std::size_t m : {0u, 3u}) { // surge and sway, roll and pitch
-            EXPECT_NEAR(un90[m], un0[m + 1], 1e-14);
-            EXPECT_NEAR(un90[m + 1], -un0[m], 1e-14);
-        }
-    }
 }
 
 TEST(Hydrostatics, normals_are_the_nodal_motion_of_the_panel_centre_along_the_normal) {
@@ -168,27 +149,6 @@ TEST(Hydrostatics, normals_are_the_nodal_motion_of_the_panel_centre_along_the_no
             EXPECT_NEAR(uz[m], motion[2][m], 1e-14);
         }
     }
-}
-
-TEST(Hydrostatics, the_pressure_stiffness_of_rigid_modes_is_the_rigid_stiffness_without_weight) {
-    Mesh mesh = box_mesh({-12, 8, -3, 4, 3});
-    const WetPanels panels = mesh.view();
-    const BodyFrame frame = body_frame(1, 0.5, -1, 20);
-    const int np = static_cast<int>(mesh.list.size());
-    std::vector<double> un, uz, k(36, -1.0);
-    for (const int p : mesh.list) {
-        const BodyPoint point = body_point(panels, p, frame);
-        for (const double v : rigid_normal(point))
-            un.push_back(v);
-        for (const double v : rigid_vertical(point))
-            uz.push_back(v);
-    }
-    pressure_stiffness({un.data(), 6, np}, {uz.data(), 6, np}, panels.area, {k.data(), 6, 6});
-    const auto rigid = stiffness(mesh, frame, 0);
-    const Matrix<const double> fluid{k.data(), 6, 6};
-    for (int i = 3; i <= 5; ++i)
-        for (int j = i; j <= 5; ++j)
-            EXPECT_NEAR(rho * grav * fluid(i, j), entry(rigid, i, j), 1e-12 * entry(rigid, 5, 5));
 }
 
 TEST(Hydrostatics, the_three_projections_give_the_volume_and_its_centre) {

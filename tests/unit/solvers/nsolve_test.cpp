@@ -122,8 +122,6 @@ TEST_F(Nsolve, a_cantilever_rolls_up_into_a_circle) {
 
 TEST_F(Nsolve, bad_input_gives_its_message_and_leaves_the_displacements) {
     const std::string good = "nsolve steps=1 tol=1,1 maxit=9";
-    EXPECT_TRUE(holds(type(good), "Set .#eqs"));
-    EXPECT_TRUE(holds(type("disp_cntl"), "Array .node_eqs not found; use command bcid"));
     create_int_scalar(".#eqs", 2);
     EXPECT_TRUE(holds(type(good), "Array .node_eqs not found. See command bcid."));
     db_clear();
