@@ -2,7 +2,7 @@
 // log N: 1e-14 of the norm is some 50 units in the last place.
 #include "dynamics/fft.hpp"
 
-#include "../support/session.hpp"
+#include "../support/arrays.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -13,8 +13,6 @@
 namespace quelor {
 namespace {
 
-using Reals = std::vector<double>;
-using Complexes = std::vector<Complex8>;
 using Wide = std::complex<long double>;
 
 constexpr double tolerance = 1e-14;
@@ -45,13 +43,6 @@ void put(std::string_view name, const std::vector<T>& values, std::size_t cols =
                                                static_cast<int>(cols))
                                   .data);
 }
-template <class T> std::vector<T> get(std::string_view name) {
-    const ArrayRef ref = find_array(name);
-    if (!ref.is(type_code<T>)) return {};
-    const auto all = as_span<const T>(ref);
-    return {all.begin(), all.end()};
-}
-
 /// exp(sign 2 pi i k / n) for k < n.
 std::vector<Wide> roots_of_unity(std::size_t n, int sign) {
     std::vector<Wide> roots;
@@ -113,10 +104,10 @@ TEST_F(Fft, DefaultIsTheDefiningSumForAnyNumberOfRows) {
             const Reals sums = packed(defining_sum(Reals(first, first + n), -1));
             expected.insert(expected.end(), sums.begin(), sums.end());
         }
-        EXPECT_LT(error(get<double>("a"), expected), tolerance) << n;
+        EXPECT_LT(error(elements<double>("a"), expected), tolerance) << n;
         EXPECT_EQ(run("fft a -inverse"), "");
-        EXPECT_LT(error(get<double>("a"), a), tolerance) << n;
-        EXPECT_EQ(get<double>(fft_wsave).size(), 2 * n + 15);
+        EXPECT_LT(error(elements<double>("a"), a), tolerance) << n;
+        EXPECT_EQ(elements<double>(fft_wsave).size(), 2 * n + 15);
     }
 }
 
@@ -124,7 +115,7 @@ TEST_F(Fft, DefaultTransformsALargePrimeNumberOfRows) {
     const Reals a = random_reals(100003);
     put("a", a);
     EXPECT_EQ(run("fft a -forward"), "");
-    const Reals found = get<double>("a");
+    const Reals found = elements<double>("a");
     const auto roots = roots_of_unity(a.size(), -1);
     for (const std::size_t k : {1u, 777u, 50001u}) {
         const Complex8 difference =
@@ -137,7 +128,7 @@ TEST_F(Fft, WorkArrayOfTheUserIsReplaced) {
     put("a", random_reals(6));
     create_matrix<std::int32_t>(fft_wsave, 27, 0); // of the length that six rows take
     EXPECT_EQ(run("fft a"), "");
-    EXPECT_EQ(get<double>(fft_wsave).size(), 27u);
+    EXPECT_EQ(elements<double>(fft_wsave).size(), 27u);
 }
 
 TEST_F(Fft, FerzigerTransformsEachColumnOfAComplexArray) {
@@ -150,9 +141,9 @@ TEST_F(Fft, FerzigerTransformsEachColumnOfAComplexArray) {
         Complexes expected = defining_sum(first, -1);
         const Complexes other = defining_sum(second, -1);
         expected.insert(expected.end(), other.begin(), other.end());
-        EXPECT_LT(error(get<Complex8>("a"), expected), tolerance) << n;
+        EXPECT_LT(error(elements<Complex8>("a"), expected), tolerance) << n;
         EXPECT_EQ(run("fft a -ferziger -inverse"), "");
-        EXPECT_LT(error(get<Complex8>("a"), a), tolerance) << n;
+        EXPECT_LT(error(elements<Complex8>("a"), a), tolerance) << n;
     }
 }
 
@@ -168,9 +159,9 @@ TEST_F(Fft, OouraOfARealArrayIsTheSumWithPositiveExponent) {
             expected.push_back(sums[k].real());
             expected.push_back(sums[k].imag());
         }
-        EXPECT_LT(error(get<double>("a"), expected), tolerance) << n;
+        EXPECT_LT(error(elements<double>("a"), expected), tolerance) << n;
         run("fft a -ooura -inverse");
-        EXPECT_LT(error(get<double>("a"), a), tolerance) << n;
+        EXPECT_LT(error(elements<double>("a"), a), tolerance) << n;
     }
 }
 
@@ -182,15 +173,15 @@ TEST_F(Fft, OouraOfAComplexArrayActsOnTheFirstColumnOnly) {
     EXPECT_EQ(run("fft a -ooura"), "        Calling complex fft\n");
     Complexes expected = defining_sum(defining_sum(first, 1), 1);
     expected.insert(expected.end(), second.begin(), second.end());
-    EXPECT_LT(error(get<Complex8>("a"), expected), tolerance);
+    EXPECT_LT(error(elements<Complex8>("a"), expected), tolerance);
     put("a", first);
     run("fft a -ooura");
-    EXPECT_LT(error(get<Complex8>("a"), defining_sum(first, 1)), tolerance);
+    EXPECT_LT(error(elements<Complex8>("a"), defining_sum(first, 1)), tolerance);
     run("fft a -ooura -inverse");
-    EXPECT_LT(error(get<Complex8>("a"), first), tolerance);
+    EXPECT_LT(error(elements<Complex8>("a"), first), tolerance);
     put("a", a, 2);
     run("fft a -ooura -inverse");
-    EXPECT_EQ(get<Complex8>("a").back(), second.back() * (1.0 / 16));
+    EXPECT_EQ(elements<Complex8>("a").back(), second.back() * (1.0 / 16));
 }
 
 TEST_F(Fft, OouraTablesServeRealAndComplexArraysInAnyOrder) {
@@ -203,9 +194,9 @@ TEST_F(Fft, OouraTablesServeRealAndComplexArraysInAnyOrder) {
         run("fft a -ooura");
         if (spoilt) as_span<std::int32_t>(find_array(fft_ip))[3] = 1 << 30;
         run("fft z -ooura");
-        EXPECT_LT(error(get<Complex8>("z"), sums), tolerance);
+        EXPECT_LT(error(elements<Complex8>("z"), sums), tolerance);
         run("fft a -ooura -inverse");
-        EXPECT_LT(error(get<double>("a"), a), tolerance);
+        EXPECT_LT(error(elements<double>("a"), a), tolerance);
     }
 }
 
@@ -231,17 +222,17 @@ TEST_F(Fft, HelperConvolvesALoadWithAnImpulseResponse) {
     for (std::size_t i = 0; i < n; ++i)
         for (std::size_t j = 0; j < n; ++j)
             expected[(i + j) % n] += load[i] * impulse[j];
-    EXPECT_LT(error(get<double>("p"), expected), tolerance);
+    EXPECT_LT(error(elements<double>("p"), expected), tolerance);
 }
 
 TEST_F(Fft, HelperTakesEachColumnAndDropsTheImaginaryPartsOfTheEnds) {
     put("h", Complexes{{2, 9}, {0, 1}, {3, 9}, {1, 0}, {1, 1}, {1, 0}}, 2);
     put("p", Reals{1, 2, 3, 4});
     EXPECT_EQ(run("fft_helper h p q"), "");
-    EXPECT_EQ(get<double>("q"), (Reals{2, -3, 2, 12, 1, -1, 5, 4}));
+    EXPECT_EQ(elements<double>("q"), (Reals{2, -3, 2, 12, 1, -1, 5, 4}));
     put("row", Reals{1, 2, 3, 4, 5}, 5); // odd: the row before the last stays zero
     EXPECT_EQ(run("fft_helper h row q"), "");
-    EXPECT_EQ(get<double>("q"), (Reals{2, -3, 2, 0, 15, 1, -1, 5, 0, 5}));
+    EXPECT_EQ(elements<double>("q"), (Reals{2, -3, 2, 0, 15, 1, -1, 5, 0, 5}));
 }
 
 } // namespace
