@@ -48,44 +48,29 @@ nodal_disp d nodes=0,3 -node#
 print d
 nodal_disp d nodes=5,2
 ls d
-input .disp_history r=16 c=3
+zero .disp_history r=16 c=3
+input some r=4 c=3
 1 1 2
 1 2 1
 0 0 0
 1 2 3
-0 0 0
-0 0 0
-0 0 0
-0 0 0
-0 0 0
+put some .disp_history
+input some c=3
 -8 -9 -10
-0 0 0
-0 0 0
-0 0 0
-0 0 0
-0 0 0
-0 0 0
+put some .disp_history r=10
 pndisp n=2
 pndisp n=5
 pndisp n=1
 pndisp
 pndisp n=7
 rm .disp_history
-input u r=14 c=2
+zero u r=14 c=2
+input some c=2
 1 2
-0 0
-0 0
-0 0
-0 0
-0 0
-0 0
+put some u
+input some c=2
 -8 -9
-0 0
-0 0
-0 0
-0 0
-0 0
-0 0
+put some u r=8
 input t r=1 c=2
 0 0.25
 pndisp_th n=5 u t

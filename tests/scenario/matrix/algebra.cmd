@@ -88,8 +88,6 @@ diag_mult p p g
 diag_mult v g d
 diag_mult v row g
 /* a factor
-scale g v=2
-print g
 scale g v=4 -inv
 print g
 scale g v e=2,1

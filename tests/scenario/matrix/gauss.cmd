@@ -25,8 +25,6 @@ input c r=2 c=2
 cp c f
 gauss f x
 cp c f
-gauss f x -pp
-cp c f
 gauss f x #digits=8 -pp
 cp c f
 gauss f x #digits=9

@@ -1,5 +1,6 @@
 #include "kernel/database.hpp"
 
+#include "../support/files.hpp"
 #include "../support/session.hpp"
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
@@ -14,20 +15,6 @@ namespace {
 struct Database : Session {
     Database() : Session({database_rows()}) { set_project_name("project"); }
 };
-
-std::string file_bytes(const std::string& name) {
-    std::ifstream file(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void put_file(const std::string& name, const std::string& bytes) {
-    std::filesystem::remove(name); // a new file is not flushed to the disk as an overwritten one is
-    std::ofstream(name, std::ios::binary) << bytes;
-}
-
-std::string int_bytes(std::initializer_list<std::int32_t> values) {
-    return {reinterpret_cast<const char*>(values.begin()), 4 * values.size()};
-}
 
 void fill_store() {
     create_matrix<double>(".xyz", 3, 2)(3, 2) = -1.5;

@@ -2,24 +2,17 @@
 // are reported. The screen is captured, the files live in a folder of their own.
 #include "kernel/fortfile.hpp"
 
+#include "../support/files.hpp"
 #include "../support/session.hpp"
 #include "kernel/project.hpp"
 
 #include <cstring>
 #include <numeric>
-#include <sstream>
 
 namespace quelor {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string file_bytes(const std::string& name) {
-    std::ifstream file(name, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 struct Fortfile : Session {
     Fortfile() { set_project_name("hull"); }

@@ -1,5 +1,6 @@
 #include "matrix/fileio.hpp"
 
+#include "../support/files.hpp"
 #include "../support/session.hpp"
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
@@ -15,19 +16,6 @@ struct FileIo : Session {
     FileIo() : Session({fileio_rows()}) { set_project_name("project"); }
 };
 
-std::string file_text(const std::string& name) {
-    std::ifstream file(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void put_file(const std::string& name, const std::string& bytes) {
-    std::ofstream(name, std::ios::binary) << bytes;
-}
-
-std::string int_bytes(std::initializer_list<std::int32_t> values) {
-    return {reinterpret_cast<const char*>(values.begin()), 4 * values.size()};
-}
-
 bool same(const ArrayRef& a, const ArrayRef& b) {
     return a && b && a.type == b.type && std::ranges::equal(a.dims, b.dims) &&
            std::memcmp(a.data, b.data, array_byte_size(a.type, a.dims)) == 0;
@@ -38,7 +26,7 @@ TEST_F(FileIo, WrittenArrayHasTheFieldsOfAnArrayFile) {
     k(1) = 7;
     k(2) = -1;
     EXPECT_EQ(run("write k k.bin"), "");
-    EXPECT_EQ(file_text("k.bin"), int_bytes({4, 2, 2, 1, 7, -1}));
+    EXPECT_EQ(file_bytes("k.bin"), int_bytes({4, 2, 2, 1, 7, -1}));
 }
 
 TEST_F(FileIo, ReadGivesBackWhatWasWrittenInTypeAndDimensions) {
@@ -61,7 +49,7 @@ TEST_F(FileIo, ReadTakesTheFirstOfSeveralEntries) {
     create_real_scalar("b", 2);
     for (const char* line : {"write a f -a", "write b f -a", "read c f"})
         EXPECT_EQ(run(line), "");
-    EXPECT_EQ(file_text("f").size(), 20u + 24u);
+    EXPECT_EQ(file_bytes("f").size(), 20u + 24u);
     EXPECT_EQ(get_int("c"), 1);
 }
 
@@ -69,17 +57,17 @@ TEST_F(FileIo, TextHasALineForEachRow) {
     const auto k = create_matrix<std::int32_t>("k", 2, 2);
     std::ranges::copy(std::initializer_list<std::int32_t>{1, -12, 3, 1234567890}, k.data);
     EXPECT_EQ(run("write k f -f"), "");
-    EXPECT_EQ(file_text("f"), "       1       3\n     -121234567890\n");
+    EXPECT_EQ(file_bytes("f"), "       1       3\n     -121234567890\n");
     EXPECT_EQ(run("write k f -f -tab"), "");
-    EXPECT_EQ(file_text("f"), "1\t3\t\n-12\t1234567890\t\n");
+    EXPECT_EQ(file_bytes("f"), "1\t3\t\n-12\t1234567890\t\n");
     const auto z = create_array3<Complex8>("z", 1, 1, 2);
     z(1, 1, 1) = {1, -0.25};
     z(1, 1, 2) = {1e100, 0};
     EXPECT_EQ(run("write z f -f -a"), "");
-    EXPECT_EQ(file_text("f"), "1\t3\t\n-12\t1234567890\t\n"
-                              "  1.0000e+00 -2.5000e-01\n 1.0000e+100  0.0000e+00\n");
+    EXPECT_EQ(file_bytes("f"), "1\t3\t\n-12\t1234567890\t\n"
+                               "  1.0000e+00 -2.5000e-01\n 1.0000e+100  0.0000e+00\n");
     EXPECT_EQ(run("write z f -f -tab"), "");
-    EXPECT_EQ(file_text("f"), "1.0000e+00\t-2.5000e-01\t\n1.0000e+100\t0.0000e+00\t\n");
+    EXPECT_EQ(file_bytes("f"), "1.0000e+00\t-2.5000e-01\t\n1.0000e+100\t0.0000e+00\t\n");
 }
 
 TEST_F(FileIo, RealsOfTextAreThoseOfTheCLibrary) {
@@ -93,13 +81,13 @@ TEST_F(FileIo, RealsOfTextAreThoseOfTheCLibrary) {
         expected += field;
     }
     EXPECT_EQ(run("write v f -f"), "");
-    EXPECT_EQ(file_text("f"), expected + "\n");
+    EXPECT_EQ(file_bytes("f"), expected + "\n");
 }
 
 TEST_F(FileIo, LongRowsPassTheBuffer) {
     create_matrix<std::int32_t>("k", 1, 300000)(1, 300000) = 5;
     EXPECT_EQ(run("write k f -f"), "");
-    const std::string text = file_text("f");
+    const std::string text = file_bytes("f");
     EXPECT_EQ(text.size(), 8u * 300000u + 1u);
     EXPECT_TRUE(text.ends_with("       5\n"));
 }
@@ -118,7 +106,7 @@ TEST_F(FileIo, WhatCannotBeWrittenSaysSo) {
 TEST_F(FileIo, ForeignAndDamagedFilesLeaveTheDatabaseAsItWas) {
     create_int_scalar("a", 1);
     EXPECT_EQ(run("write a whole"), "");
-    const std::string whole = file_text("whole");
+    const std::string whole = file_bytes("whole");
     std::vector<std::string> damaged{"hello, world; this is not an array file",
                                      int_bytes({8, 2, 1 << 30, 1 << 30, 0}),
                                      int_bytes({4, 1, -1, 0}),
