@@ -39,6 +39,10 @@ double largest_error(F f, const std::vector<double>& arguments, Exact exact, lon
 
 TEST(Vecmath, agrees_with_the_library_to_the_stated_errors) {
     using Real = long double;
+    // Always inlined, so they have no address.
+    const auto exp_v = [](double x) { return vec_exp(x); };
+    const auto log_v = [](double x) { return vec_log(x); };
+    const auto atan_v = [](double x) { return vec_atan(x); };
     const auto log_l = [](Real x) { return std::log(x); };
     const auto sin_v = [](double x) { return vec_sincos(x).sin; };
     const auto cos_v = [](double x) { return vec_sincos(x).cos; };
@@ -47,10 +51,10 @@ TEST(Vecmath, agrees_with_the_library_to_the_stated_errors) {
         return std::atan2(x, static_cast<Real>(1.0 - static_cast<double>(x)));
     };
     EXPECT_LT(largest_error(
-                  vec_exp, arguments(707.0, true), [](Real x) { return std::exp(x); }, 0),
+                  exp_v, arguments(707.0, true), [](Real x) { return std::exp(x); }, 0),
               1e-14);
-    EXPECT_LT(largest_error(vec_log, arguments(1e300, false), log_l, 0), 1e-15);
-    EXPECT_LT(largest_error(vec_log, arguments(2.0, false), log_l, 0), 1e-15);
+    EXPECT_LT(largest_error(log_v, arguments(1e300, false), log_l, 0), 1e-15);
+    EXPECT_LT(largest_error(log_v, arguments(2.0, false), log_l, 0), 1e-15);
     for (const double largest : {2.0, 20.0, 1e4, 1e6}) {
         const auto x = arguments(largest, true);
         EXPECT_LT(largest_error(
@@ -63,7 +67,7 @@ TEST(Vecmath, agrees_with_the_library_to_the_stated_errors) {
     for (const double largest : {2.0, 1e10}) {
         const auto x = arguments(largest, true);
         EXPECT_LT(largest_error(
-                      vec_atan, x, [](Real v) { return std::atan(v); }, 0),
+                      atan_v, x, [](Real v) { return std::atan(v); }, 0),
                   1e-15);
         EXPECT_LT(largest_error(atan2_v, x, atan2_l, 0), 1e-15);
     }
