@@ -24,10 +24,6 @@ namespace quelor {
 
 namespace {
 
-std::size_t at(int i) {
-    return static_cast<std::size_t>(i - 1);
-}
-
 std::string class_array(std::string_view stem, int k) {
     return std::string(stem) + std::to_string(k);
 }

@@ -45,7 +45,7 @@ struct Analysis {
 
 /// Creates the work and result arrays. Stops when the classes do not hold every mode once.
 Analysis create_analysis(const HydModel& model, bool keep_potentials);
-/// Deletes the work arrays; with `keep_potential_classes` those of the last frequency stay.
+/// Deletes the work arrays; with `keep_class_potentials` those of the last frequency stay.
 void delete_analysis_arrays(bool keep_class_potentials);
 
 /// One frequency of the list: k and K = omega^2/g.

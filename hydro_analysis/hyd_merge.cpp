@@ -3,6 +3,7 @@
 #include "hydro_analysis/hyd_merge.hpp"
 
 #include "hydro_analysis/frequency_results.hpp"
+#include "hydro_analysis/hyd_problem.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/project.hpp"
@@ -21,10 +22,6 @@
 namespace quelor {
 
 namespace {
-
-std::size_t at(int i) {
-    return static_cast<std::size_t>(i - 1);
-}
 
 /// Name of a result while it is set aside: ".hyd_addm" becomes "$addm_orig".
 std::string aside(std::string_view name) {

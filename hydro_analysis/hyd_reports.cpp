@@ -19,12 +19,6 @@ namespace quelor {
 
 namespace {
 
-constexpr double degrees = 180.0 / std::numbers::pi;
-
-std::size_t at(int i) {
-    return static_cast<std::size_t>(i - 1);
-}
-
 void write_coordinate_systems(int nbodies) {
     const auto axes = require_matrix<double>(hyd_coordaxs, 11);
     for (int body = 1; body <= axes.cols; ++body) {

@@ -25,12 +25,6 @@ namespace quelor {
 
 namespace {
 
-constexpr double degrees = 180.0 / std::numbers::pi;
-
-std::size_t at(int i) {
-    return static_cast<std::size_t>(i - 1);
-}
-
 bool is_square(std::string_view name, int n) {
     const ArrayRef ref = find_array(name);
     return ref.is(type_real) && ref.ndim() <= 2 && ref.rows() == n && ref.cols() == n;

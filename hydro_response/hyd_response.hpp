@@ -3,7 +3,7 @@
 // Equation of motion in generalised coordinates, time factor exp(+i omega t):
 //     [-omega^2 (Ms + A) + i omega (Cs + B) + Ks (1 + i loss) + Kf] q = F
 // with the structural loss factor twice the hysteretic damping ratio.
-// Source: [Newman 1994, wave effects on deformable bodies, eq. 1 to 5]
+// Source: [Newman 1994]
 #pragma once
 
 #include "hydro_analysis/hyd_problem.hpp"

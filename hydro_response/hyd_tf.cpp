@@ -3,6 +3,7 @@
 #include "hydro_response/hyd_tf.hpp"
 
 #include "hydro_analysis/frequency_results.hpp"
+#include "hydro_analysis/hyd_problem.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
@@ -19,12 +20,7 @@ namespace quelor {
 
 namespace {
 
-constexpr double degrees = 57.29577951308232; // 180 / pi
 constexpr int unit_tf = 91;
-
-std::size_t at(int i) {
-    return static_cast<std::size_t>(i - 1);
-}
 
 struct TableOptions {
     bool radians = false, period = false, rao = false;
