@@ -5,7 +5,7 @@
 #include "kernel/command.hpp"
 #include "kernel/dbfgen.hpp"
 #include "kernel/gencom.hpp"
-#include "solvers/lapack.hpp"
+#include "numeric/lapack.hpp"
 
 #include <algorithm>
 #include <chrono>

@@ -1,7 +1,7 @@
 // Speed of the profile factorisation, solution and product against the loops over single numbers.
 //
 //     profile_bench [equations] [mean height]      20000 and 500 unless given
-#include "tests/unit/solvers/profile_loops.hpp"
+#include "tests/unit/numeric/profile_loops.hpp"
 
 #include <chrono>
 #include <cstdio>

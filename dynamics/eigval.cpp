@@ -12,7 +12,8 @@
 #include "kernel/gencom.hpp"
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
-#include "solvers/solver.hpp"
+#include "numeric/finite.hpp"
+#include "numeric/profile.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -77,9 +78,8 @@ Pencil open_pencil(int n) {
     if (array_exists(k_status) && get_int(k_status) == 1)
         return print_both(" \n\tArray .kstr is factored; form the stiffness again\n"), Pencil{};
     const auto mass = as_span<const double>(m);
-    const auto stiffness = as_span<double>(k).first(static_cast<std::size_t>(size));
-    const auto finite = [](double x) { return std::isfinite(x); };
-    if (!std::ranges::all_of(stiffness, finite) || !std::ranges::all_of(mass, finite))
+    const auto stiffness = as_span<double>(k).first(as_size(size));
+    if (!all_finite(stiffness) || !all_finite(mass))
         return print_both(" \n\tNumbers in .kstr or .mstr are not finite\n"), Pencil{};
     return {n, stiffness, positions, mass, m.size() != size};
 }
@@ -140,7 +140,7 @@ void report_options(const EigvalOptions& o, int n) {
 void add_shift(const Pencil& p, double shift) {
     if (p.diagonal_mass)
         for (std::size_t i = 0; i < p.m.size(); ++i)
-            p.k[static_cast<std::size_t>(p.loc[i] - 1)] += shift * p.m[i];
+            p.k[nth(p.loc[i])] += shift * p.m[i];
     else
         for (std::size_t i = 0; i < p.k.size(); ++i)
             p.k[i] += shift * p.m[i];
@@ -150,10 +150,9 @@ void add_shift(const Pencil& p, double shift) {
 void expand_profile(std::span<const double> a, std::span<const std::int32_t> loc,
                     Matrix<double> full) {
     for (int j = 1; j <= full.cols; ++j) {
-        const std::int32_t begin = loc[static_cast<std::size_t>(j - 1)],
-                           end = loc[static_cast<std::size_t>(j)];
+        const std::int32_t begin = loc[nth(j)], end = loc[as_size(j)];
         for (std::int32_t at = begin; at < end; ++at)
-            full(j - (at - begin), j) = a[static_cast<std::size_t>(at - 1)];
+            full(j - (at - begin), j) = a[nth(at)];
     }
 }
 
@@ -162,7 +161,7 @@ void store_modes(const EigvalOptions& o, Matrix<const double> x, std::span<const
     const auto phi = create_matrix<double>(mode_shapes, x.rows, o.modes);
     std::copy_n(x.data, phi.all().size(), phi.data);
     const auto values = create_matrix<double>(o.frequencies ? omega : omega2, o.modes, 0);
-    std::ranges::copy(lambda.first(static_cast<std::size_t>(o.modes)), values.data);
+    std::ranges::copy(lambda.first(as_size(o.modes)), values.data);
 }
 
 /// Takes the shift off; the square roots where frequencies are wanted.
@@ -180,12 +179,12 @@ void solve_by_jacobi(const EigvalOptions& o, const Pencil& p) {
     expand_profile(p.k, p.loc, k.view);
     if (p.diagonal_mass)
         for (int i = 1; i <= p.n; ++i)
-            m.view(i, i) = p.m[static_cast<std::size_t>(i - 1)];
+            m.view(i, i) = p.m[nth(i)];
     else
         expand_profile(p.m, p.loc, m.view);
     Temporary<double> phi("$jac_phip", p.n, p.n), lambda("$lam_temp", p.n, 0);
     solve_pencil(k.view, m.view, phi.view, lambda.view.all(), o.tol, o.maxit);
-    const auto wanted = lambda.view.all().first(static_cast<std::size_t>(o.modes));
+    const auto wanted = lambda.view.all().first(as_size(o.modes));
     finish_eigenvalues(o, wanted);
     store_modes(o, phi.view, wanted);
 }
@@ -193,7 +192,7 @@ void solve_by_jacobi(const EigvalOptions& o, const Pencil& p) {
 bool solve_by_subspace(const EigvalOptions& o, const Pencil& p) {
     Temporary<double> x("$subspace", p.n, o.subspace), lambda("$lam_temp", o.subspace, 0);
     if (!iterate_subspace(o, p, x.view, lambda.view.all())) return false;
-    const auto wanted = lambda.view.all().first(static_cast<std::size_t>(o.modes));
+    const auto wanted = lambda.view.all().first(as_size(o.modes));
     finish_eigenvalues(o, wanted);
     store_modes(o, x.view, wanted);
     return true;

@@ -43,7 +43,7 @@ int start_from_rigid(const EigvalOptions& options, Matrix<double> x) {
     if (first > last) shutdown_with(" \n\t\tNodal range out of sequence\n");
     int columns = 0;
     for (int mode = 1; nodes && mode <= 6; ++mode)
-        if (options.rigid[static_cast<std::size_t>(mode - 1)] != 0 && columns < x.cols)
+        if (options.rigid[nth(mode)] != 0 && columns < x.cols)
             rigid_shape(mode, nodes, equations, options.cg, {first, last}, x.col(++columns));
     return columns;
 }
@@ -170,7 +170,7 @@ bool report_converged(const EigvalOptions& options, std::span<const double> lamb
                       std::span<const double> before) {
     std::vector<std::int32_t> list(lambda.size());
     const int count = compare_eigenvalues(lambda, before, options.tol, list);
-    list.resize(static_cast<std::size_t>(count));
+    list.resize(as_size(count));
     if (count > 0)
         write_both("30(10x, 'Converged eigenvalues:', 9i5, /, (32x, 9i5))",
                    {std::span<const std::int32_t>(list)});
@@ -194,7 +194,7 @@ bool iterate(const EigvalOptions& options, const Pencil& pencil, const Stiffness
 void copy_diagonal(std::span<const double> a, std::span<const std::int32_t> loc,
                    std::span<double> diagonal) {
     for (std::size_t i = 0; i < diagonal.size(); ++i)
-        diagonal[i] = a[static_cast<std::size_t>(loc[i] - 1)];
+        diagonal[i] = a[nth(loc[i])];
 }
 
 void set_start_vectors(const EigvalOptions& options, const Pencil& pencil, Matrix<double> x) {

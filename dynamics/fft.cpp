@@ -48,7 +48,7 @@ void fft_default(const ArrayRef& array, Direction direction) {
     if (!is_vector_of(find_array(fft_wsave), type_real, 2 * std::int64_t{a.rows} + 15))
         create_array(type_real, fft_wsave, {2 * a.rows + 15});
     const auto work = as_span<double>(find_array(fft_wsave));
-    packed_transform(a, work.first(static_cast<std::size_t>(a.rows)), direction);
+    packed_transform(a, work.first(as_size(a.rows)), direction);
     if (direction == Direction::inverse) scale(a.all(), 1.0 / a.rows);
 }
 
@@ -62,8 +62,8 @@ void fft_ferziger(const ArrayRef& array, Direction direction) {
         return print_both(" \nThis routine requires n to be a power of 2. Returning without "
                           "calculations.\n");
     if (a.rows == 1) return;
-    std::vector<double> roots(static_cast<std::size_t>(a.rows / 2));
-    std::vector<std::int32_t> reversal(static_cast<std::size_t>(reversal_size(a.rows)));
+    std::vector<double> roots(as_size(a.rows / 2));
+    std::vector<std::int32_t> reversal(as_size(reversal_size(a.rows)));
     make_roots(roots);
     make_reversal(reversal);
     const bool inverse = direction == Direction::inverse;
@@ -87,7 +87,7 @@ Radix2Tables ooura_tables(int n, int points) {
     const auto w = as_span<double>(find_array(fft_w));
     if (ip[0] != n) make_roots(w);
     ip[0] = n;
-    const auto reversal = ip.subspan(2, static_cast<std::size_t>(reversal_size(points)));
+    const auto reversal = ip.subspan(2, as_size(reversal_size(points)));
     make_reversal(reversal);
     return {w, reversal};
 }
@@ -158,7 +158,7 @@ void multiply_packed(Matrix<const Complex8> h, std::span<const double> p, Matrix
         hp(1, c) = h(1, c).real() * p.front();
         hp(n, c) = h(n / 2 + 1, c).real() * p.back();
         for (int i = 2; i <= n / 2; ++i) {
-            const auto at = static_cast<std::size_t>(2 * i - 3);
+            const auto at = as_size(2 * i - 3);
             const double a = p[at], b = p[at + 1], re = h(i, c).real(), im = h(i, c).imag();
             hp(2 * i - 2, c) = re * a - im * b;
             hp(2 * i - 1, c) = re * b + im * a;

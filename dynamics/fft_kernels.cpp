@@ -51,8 +51,7 @@ void reverse_order(std::span<double> z, std::span<const std::int32_t> reversal) 
             for (std::size_t low = 0; low < l; ++low) {
                 const std::size_t from = (high * middle + mid) * l + low;
                 const std::size_t to =
-                    (static_cast<std::size_t>(reversal[low]) * middle + mid) * l +
-                    static_cast<std::size_t>(reversal[high]);
+                    (as_size(reversal[low]) * middle + mid) * l + as_size(reversal[high]);
                 if (from < to) {
                     std::swap(z[2 * from], z[2 * to]);
                     std::swap(z[2 * from + 1], z[2 * to + 1]);
@@ -115,7 +114,7 @@ void split_halves(std::span<double> a, const double* roots) {
 } // namespace
 
 void packed_transform(Matrix<double> a, std::span<double> work, Direction direction) {
-    assert(work.size() == static_cast<std::size_t>(a.rows));
+    assert(work.size() == as_size(a.rows));
     const bool forward = direction == Direction::forward;
     // Estimated plans do not depend on the load of the machine, so neither do the results.
     fftw_plan_s* const plan = fftw_plan_r2r_1d(a.rows, work.data(), work.data(),

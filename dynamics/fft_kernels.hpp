@@ -3,7 +3,7 @@
 // 0 in the formulas.
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 #include <span>
 

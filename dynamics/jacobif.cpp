@@ -39,18 +39,16 @@ void rotate_pairs(Rotation t, double* x, double* y, int n) {
 /// A symmetric matrix under transformation, by its upper triangle.
 class Triangle {
 public:
-    explicit Triangle(Matrix<double> a)
-        : a_(a), diagonal_(static_cast<std::size_t>(a.rows)),
-          row_(static_cast<std::size_t>(a.rows)) {
+    explicit Triangle(Matrix<double> a) : a_(a), diagonal_(as_size(a.rows)), row_(as_size(a.rows)) {
         scale();
         for (int i = 1; i <= n(); ++i)
             diagonal(i) = a(i, i);
     }
     int n() const { return a_.rows; }
     int exponent() const { return exponent_; }
-    double& diagonal(int i) { return diagonal_[static_cast<std::size_t>(i - 1)]; }
+    double& diagonal(int i) { return diagonal_[nth(i)]; }
     /// A(i,r) for the row i that has been taken.
-    double& row(int r) { return row_[static_cast<std::size_t>(r - 1)]; }
+    double& row(int r) { return row_[nth(r)]; }
     /// A(i,j)^2/(A(i,i) A(j,j)) for the row i that has been taken.
     double coupling(int i, int j) { return ratio(row(j), i, j); }
 
@@ -197,8 +195,8 @@ bool sweep_block(Triangle& k, Triangle& m, Matrix<double> phi, double threshold,
         m.rotate(i, j, t, last);
         rotate_pairs(t, phi.col(i).data(), phi.col(j).data(), phi.rows);
     }
-    k.rotate_behind({list, static_cast<std::size_t>(count)}, last);
-    m.rotate_behind({list, static_cast<std::size_t>(count)}, last);
+    k.rotate_behind({list, as_size(count)}, last);
+    m.rotate_behind({list, as_size(count)}, last);
     rotations += count;
     return true;
 }
@@ -222,7 +220,7 @@ Sweep sweep_pairs(Triangle& k, Triangle& m, Matrix<double> phi, double threshold
 bool renew_eigenvalues(Triangle& k, Triangle& m, std::span<double> lambda, double tol) {
     bool close = true;
     for (int i = 1; i <= k.n(); ++i) {
-        double& value = lambda[static_cast<std::size_t>(i - 1)];
+        double& value = lambda[nth(i)];
         const double old = std::exchange(value, k.diagonal(i) / m.diagonal(i));
         if (!(std::abs(value - old) <= value * tol)) close = false;
     }
@@ -258,7 +256,7 @@ JacobiResult run_sweeps(Triangle& k, Triangle& m, Matrix<double> phi, std::span<
 JacobiStatus normalise(Triangle& k, Triangle& m, Matrix<double> phi, std::span<double> lambda) {
     for (int i = 1; i <= m.n(); ++i) {
         if (m.diagonal(i) <= 0) return JacobiStatus::not_definite;
-        double& value = lambda[static_cast<std::size_t>(i - 1)];
+        double& value = lambda[nth(i)];
         value = std::scalbn(value, k.exponent() - m.exponent());
         const double mass = std::scalbn(m.diagonal(i), m.exponent()), factor = 1 / std::sqrt(mass);
         if (!std::isfinite(value) || !std::isfinite(factor)) return JacobiStatus::not_finite;
@@ -272,14 +270,13 @@ JacobiStatus normalise(Triangle& k, Triangle& m, Matrix<double> phi, std::span<d
 void sort_modes(Matrix<double> phi, std::span<double> lambda) {
     std::vector<int> mapping(lambda.size()); // mapping[i]: the column, from 0, that goes to i
     std::iota(mapping.begin(), mapping.end(), 0);
-    std::ranges::stable_sort(mapping, {},
-                             [&](int i) { return lambda[static_cast<std::size_t>(i)]; });
+    std::ranges::stable_sort(mapping, {}, [&](int i) { return lambda[as_size(i)]; });
     for (int start = 0; start < phi.cols; ++start) {
         // The cycle that begins at start, by exchanges of neighbours in it.
         for (int to = start;;) {
-            const int from = std::exchange(mapping[static_cast<std::size_t>(to)], to);
+            const int from = std::exchange(mapping[as_size(to)], to);
             if (from == start || from == to) break;
-            std::swap(lambda[static_cast<std::size_t>(to)], lambda[static_cast<std::size_t>(from)]);
+            std::swap(lambda[as_size(to)], lambda[as_size(from)]);
             std::ranges::swap_ranges(phi.col(to + 1), phi.col(from + 1));
             to = from;
         }

@@ -2,7 +2,7 @@
 // made diagonal by one sequence of plane transformations.   Source: [Falk 1960], [Bathe 1976]
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 

@@ -1,7 +1,7 @@
 // Starting vectors and projections of the subspace iteration.
 #include "dynamics/subspace.hpp"
 
-#include "solvers/lapack.hpp"
+#include "numeric/lapack.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -53,7 +53,7 @@ int start_from_ratios(std::span<const double> k_diagonal, std::span<const double
                               [](const Candidate& a, const Candidate& b) { return a < b; });
     for (int j = first; j <= x.cols; ++j) {
         std::ranges::fill(x.col(j), 0.0);
-        x(candidates[static_cast<std::size_t>(j - first)].equation, j) = 1;
+        x(candidates[as_size(j - first)].equation, j) = 1;
     }
     return found;
 }

@@ -2,7 +2,7 @@
 // and the products of the projection.   Source: [Bathe 1976, ch. 12]
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 

@@ -6,8 +6,7 @@ namespace quelor {
 template <class Block> static void add_bar_blocks(SmallMatrix<6>& k, Block s) {
     for (int j = 1; j <= 3; ++j)
         for (int i = 1; i <= 3; ++i) {
-            const double value =
-                s(static_cast<std::size_t>(i - 1), static_cast<std::size_t>(j - 1));
+            const double value = s(nth(i), nth(j));
             k(i, j) += value;
             k(i + 3, j + 3) += value;
             k(i, j + 3) -= value;

@@ -3,7 +3,7 @@
 // its end.
 #pragma once
 
-#include "fem/small_matrix.hpp"
+#include "numeric/small_matrix.hpp"
 
 namespace quelor {
 

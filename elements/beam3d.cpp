@@ -29,7 +29,7 @@ void read_beam_material(Matrix<double> mp, int number) {
         std::array<double, 3> v{mp(number, column), mp(number, column + 1), mp(number, column + 2)};
         get_real_par(key, v);
         for (int i = 0; i < 3; ++i)
-            mp(number, column + i) = v[static_cast<std::size_t>(i)];
+            mp(number, column + i) = v[as_size(i)];
     };
     const auto fill_three = [&](double value, int column) {
         for (int i = 0; i < 3; ++i)
@@ -66,7 +66,7 @@ void read_beam_materials(int m) {
         read_beam_material(mp, number);
         std::array<double, beam3d_columns> row{};
         for (int c = 1; c <= beam3d_columns; ++c)
-            row[static_cast<std::size_t>(c - 1)] = mp(number, c);
+            row[nth(c)] = mp(number, c);
         require_finite(row, "material " + std::to_string(number));
         if (mp(number, beam_g) == 0 && (mp(number, beam_asy) != 0 || mp(number, beam_asz) != 0))
             shutdown_with(" \n\tA shear area of BEAM3D needs the shear modulus g\n");
@@ -191,7 +191,7 @@ FrameSection section_of(const BeamModel& m, int e) {
 }
 
 double length_of(const BeamModel& m, int e) {
-    const double length = m.len[static_cast<std::size_t>(e - 1)];
+    const double length = m.len[nth(e)];
     if (!(length > 0)) shutdown_with(" \n\tZero element length-BEAM3D\n");
     return length;
 }
@@ -204,7 +204,7 @@ FrameAxes axes_of(Matrix<const std::int32_t> el, Matrix<const double> x, int e) 
     if (code >= 1)
         toward3 = difference(element_node(x, code), p1);
     else if (code >= -3 && code <= -1)
-        toward3[static_cast<std::size_t>(-code - 1)] = -1;
+        toward3[nth(-code)] = -1;
     const FrameAxes axes = frame_axes(difference(element_node(x, el(2, e)), p1), toward3);
     if (vector_length(axes[1]) == 0)
         shutdown_with(" \n\tNode 3 of BEAM3D element number " + std::to_string(e) +
@@ -329,8 +329,7 @@ void print_beams() {
     write_both(
         "(/, ' ELEMENT  NODE-1  NODE-2    MATL   PRINT  NODE-3     ID#', 6x, 'LENGTH', 5x, 'TENSION')");
     for (int e = 1; e <= m.el.cols; ++e)
-        write_both("(7(i6,2x), 1p2e12.5)",
-                   {e, m.el.col(e), m.len[static_cast<std::size_t>(e - 1)], st(7, e)});
+        write_both("(7(i6,2x), 1p2e12.5)", {e, m.el.col(e), m.len[nth(e)], st(7, e)});
 }
 
 /// On the output file, the elements with print code 0. Tension positive; shear force positive along
@@ -376,7 +375,7 @@ void finish_beams(int first) {
     const auto x = as_matrix<const double>(nodes);
     const auto len = as_span<double>(find_array(beam3d_len));
     for (int e = first; e <= el.cols; ++e)
-        len[static_cast<std::size_t>(e - 1)] =
+        len[nth(e)] =
             vector_length(difference(element_node(x, el(2, e)), element_node(x, el(1, e))));
     require_finite(len, "the element lengths");
     check_element_lengths(title, len);

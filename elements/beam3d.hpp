@@ -2,7 +2,7 @@
 #pragma once
 
 #include "fem/elemutil.hpp"
-#include "fem/vectors.hpp"
+#include "numeric/vectors.hpp"
 
 namespace quelor {
 

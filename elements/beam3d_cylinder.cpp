@@ -73,7 +73,7 @@ FrameAxes cylinder_axes(const Cylinder& c) {
     if (c.node3 >= 1)
         toward3 = difference(node_coordinates(c.node3), c.p1);
     else if (c.node3 >= -3 && c.node3 <= -1)
-        toward3[static_cast<std::size_t>(-c.node3 - 1)] = -1;
+        toward3[nth(-c.node3)] = -1;
     return frame_axes(difference(c.p2, c.p1), toward3);
 }
 
@@ -109,7 +109,7 @@ void append_spine(const Cylinder& c, std::span<const std::int32_t> spine) {
     const std::int32_t last_id = largest_in_row(el, 6);
     const double step = c.along() > 1 ? (c.tension_last - c.tension) / (c.along() - 1) : 0;
     for (int k = 1; k <= c.along(); ++k) {
-        const auto at = static_cast<std::size_t>(k);
+        const auto at = as_size(k);
         const std::array row{spine[at - 1], spine[at], c.mat, c.print, c.node3, last_id + k};
         std::ranges::copy(row, el.col(before + k).begin());
         set_beam_tension(st, before + k, c.tension + (k - 1) * step);
@@ -121,8 +121,7 @@ void append_spine(const Cylinder& c, std::span<const std::int32_t> spine) {
 void append_skin(const Cylinder& c, std::span<const std::int32_t> rings) {
     std::vector<InterfaceElement> skin;
     const auto node = [&](int k, int j) {
-        return rings[static_cast<std::size_t>(k) * static_cast<std::size_t>(c.around()) +
-                     static_cast<std::size_t>(j % c.around())];
+        return rings[as_size(k) * as_size(c.around()) + as_size(j % c.around())];
     };
     for (int k = 0; k < c.along(); ++k)
         for (int j = 0; j < c.around(); ++j)
@@ -144,14 +143,14 @@ void generate_cylinder() {
     if (vector_length(axes[0]) == 0)
         return print_both(" \n\tAxis and node3 of cylinder do not give local axes\n");
 
-    std::vector<std::int32_t> spine(static_cast<std::size_t>(c.along()) + 1);
+    std::vector<std::int32_t> spine(as_size(c.along()) + 1);
     node_line_chain(c.p1, c.p2, c.along(), spine);
     const auto rings = add_rings(c, axes);
     append_spine(c, spine);
     append_skin(c, rings);
     std::vector<RigidLink> links;
     for (std::size_t i = 0; i < rings.size(); ++i)
-        links.push_back({rings[i], spine[i / static_cast<std::size_t>(c.around())]});
+        links.push_back({rings[i], spine[i / as_size(c.around())]});
     link_rigidly(links);
 }
 

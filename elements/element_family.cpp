@@ -2,6 +2,7 @@
 
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
+#include "numeric/finite.hpp"
 
 namespace quelor {
 
@@ -23,7 +24,7 @@ void require_number(std::int32_t n, int limit, std::string_view message) {
 }
 
 void require_finite(std::span<const double> values, std::string_view what) {
-    if (std::ranges::all_of(values, [](double x) { return std::isfinite(x); })) return;
+    if (all_finite(values)) return;
     shutdown_with(" \n\tA value of " + std::string(what) + " is not a finite number\n");
 }
 

@@ -7,6 +7,8 @@
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_panel.hpp"
 
+#include <algorithm>
+
 namespace quelor {
 
 /// A slot whose element is not built yet.
@@ -71,6 +73,15 @@ std::span<const ElementRow, element_slots> element_rows() {
         unused(40),
     }};
     return rows;
+}
+
+std::span<const std::string_view, element_slots> element_aliases() {
+    static const auto names = [] {
+        std::array<std::string_view, element_slots> list;
+        std::ranges::transform(element_rows(), list.begin(), &ElementRow::alias);
+        return list;
+    }();
+    return names;
 }
 
 } // namespace quelor

@@ -62,9 +62,7 @@ std::array<double, 12> frame_lumped(const Vec3& translation, const Vec3& rotatio
 // --- transformation -----------------------------------------------------------------------------
 
 SmallMatrix<12> frame_to_global(const SmallMatrix<12>& k, const FrameAxes& axes) {
-    const auto row = [&](int p, int i) {
-        return axes[static_cast<std::size_t>(p)][static_cast<std::size_t>(i)];
-    };
+    const auto row = [&](int p, int i) { return axes[as_size(p)][as_size(i)]; };
     SmallMatrix<12> result;
     for (int bj = 1; bj <= 10; bj += 3)
         for (int bi = 1; bi <= 10; bi += 3)
@@ -72,7 +70,7 @@ SmallMatrix<12> frame_to_global(const SmallMatrix<12>& k, const FrameAxes& axes)
                 std::array<double, 3> kr{}; // column j of the block times the axes
                 for (int q = 0; q < 3; ++q)
                     for (int p = 0; p < 3; ++p)
-                        kr[static_cast<std::size_t>(p)] += k(bi + p, bj + q) * row(q, j);
+                        kr[as_size(p)] += k(bi + p, bj + q) * row(q, j);
                 for (int i = 0; i < 3; ++i)
                     result(bi + i, bj + j) =
                         row(0, i) * kr[0] + row(1, i) * kr[1] + row(2, i) * kr[2];
@@ -83,7 +81,7 @@ SmallMatrix<12> frame_to_global(const SmallMatrix<12>& k, const FrameAxes& axes)
 SmallMatrix<12> frame_to_global_diagonal(const std::array<double, 12>& d, const FrameAxes& axes) {
     SmallMatrix<12> local;
     for (int i = 1; i <= 12; ++i)
-        local(i, i) = d[static_cast<std::size_t>(i - 1)];
+        local(i, i) = d[nth(i)];
     return frame_to_global(local, axes);
 }
 

@@ -5,7 +5,7 @@
 // node 2; bending in the x-y plane takes Izz and the shear area Asy, in the x-z plane Iyy and Asz.
 #pragma once
 
-#include "fem/small_matrix.hpp"
+#include "numeric/small_matrix.hpp"
 
 namespace quelor {
 

@@ -4,10 +4,10 @@
 
 #include "elements/element_family.hpp"
 #include "fem/export_to_gmsh.hpp"
-#include "fem/point_index.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
+#include "numeric/point_index.hpp"
 
 #include <optional>
 #include <vector>
@@ -88,7 +88,7 @@ bool compact_interfaces(Matrix<const std::int32_t> el) {
     constexpr std::string_view work = "$interfaceedata";
     const auto kept = create_matrix<std::int32_t>(work, rows_of_table, count);
     for (int k = 1; k <= count; ++k)
-        std::ranges::copy(el.col(defined[static_cast<std::size_t>(k - 1)]), kept.col(k).begin());
+        std::ranges::copy(el.col(defined[nth(k)]), kept.col(k).begin());
     delete_array(interface_el);
     move_array(work, interface_el);
     return true;
@@ -171,10 +171,7 @@ std::vector<std::int32_t> grid_nodes(std::span<const std::int32_t> corners, int 
 void subdivide_element(std::span<std::int32_t> column, int n, int m, NodePlacer& placer,
                        std::vector<InterfaceElement>& rest) {
     const auto grid = grid_nodes(column.first(4), n, m, placer);
-    const auto node = [&](int i, int j) {
-        return grid[static_cast<std::size_t>(j) * static_cast<std::size_t>(n + 1) +
-                    static_cast<std::size_t>(i)];
-    };
+    const auto node = [&](int i, int j) { return grid[as_size(j) * as_size(n + 1) + as_size(i)]; };
     for (int j = 0; j < m; ++j)
         for (int i = 0; i < n; ++i) {
             const std::array nodes{node(i, j), node(i + 1, j), node(i + 1, j + 1), node(i, j + 1)};
@@ -273,7 +270,7 @@ void append_interfaces(std::span<const InterfaceElement> elements) {
     const int first = el.cols - extra;
     const std::int32_t last_id = largest_in_row(el, id_row);
     for (int k = 1; k <= extra; ++k)
-        store_interface(el, first + k, elements[static_cast<std::size_t>(k - 1)], last_id + k);
+        store_interface(el, first + k, elements[nth(k)], last_id + k);
     set_element_group(interface_slot, 1);
 }
 

@@ -125,14 +125,14 @@ void store_plane_record(const PlaneRecord& r, int materials, const PlaneTables& 
         t.el(e, 3) = r.mat;
         t.el(e, 4) = r.print;
         t.st(e, 1) = r.tension;
-        t.dir[static_cast<std::size_t>(e - 1)] = r.plane;
+        t.dir[nth(e)] = r.plane;
     }
 }
 
 /// The node numbers as the check wants them, one column an element.
 void check_plane_nodes(Matrix<const std::int32_t> el) {
     std::vector<std::int32_t> nodes;
-    nodes.reserve(2 * static_cast<std::size_t>(el.rows));
+    nodes.reserve(2 * as_size(el.rows));
     for (int e = 1; e <= el.rows; ++e) {
         nodes.push_back(el(e, 1));
         nodes.push_back(el(e, 2));
@@ -144,11 +144,11 @@ void check_plane_nodes(Matrix<const std::int32_t> el) {
 void set_plane_lengths(const PlaneTables& t) {
     const auto x = as_matrix<const double>(find_array(xyz));
     for (int e = 1; e <= t.el.rows; ++e) {
-        const auto at = static_cast<std::size_t>(e - 1);
+        const auto at = nth(e);
         if (t.el(e, 3) == 0) continue; // not entered: its length stays 0
         const Vec3 d = difference(element_node(x, t.el(e, 2)), element_node(x, t.el(e, 1)));
-        const Plane& p = planes[static_cast<std::size_t>(t.dir[at] - 1)];
-        const auto along = [&](int axis) { return d[static_cast<std::size_t>(axis - 1)]; };
+        const Plane& p = planes[nth(t.dir[at])];
+        const auto along = [&](int axis) { return d[nth(axis)]; };
         t.len[at] = std::hypot(along(p.a), along(p.b));
         require_finite({&t.len[at], 1}, "the length of element " + std::to_string(e));
         if (std::abs(along(6 - p.a - p.b)) > 1e-6 * t.len[at] && t.len[at] > 0)
@@ -192,9 +192,7 @@ struct PlaneModel {
 
     int count() const { return el.rows; }
     std::array<std::int32_t, 2> nodes(int e) const { return {el(e, 1), el(e, 2)}; }
-    const Plane& plane(int e) const {
-        return planes[static_cast<std::size_t>(dir[static_cast<std::size_t>(e - 1)] - 1)];
-    }
+    const Plane& plane(int e) const { return planes[nth(dir[nth(e)])]; }
     double property(int e, int column) const { return mp(el(e, 3), column); }
     PlaneSection section(int e) const {
         return {property(e, nbeam_e), property(e, nbeam_g), property(e, nbeam_area),
@@ -210,7 +208,7 @@ PlaneModel open_plane_beams() {
     m.dir = element_vector<std::int32_t>(missing, nbeam2d_dir, m.count());
     for (int e = 1; e <= m.count(); ++e) {
         require_number(m.el(e, 3), m.mp.rows, bad_material);
-        require_number(m.dir[static_cast<std::size_t>(e - 1)], 3, missing);
+        require_number(m.dir[nth(e)], 3, missing);
     }
     return m;
 }
@@ -238,10 +236,10 @@ PlaneGeometry plane_geometry(const PlaneModel& m, Matrix<const double> x, int e,
     const Plane& p = m.plane(e);
     const auto [n1, n2] = m.nodes(e);
     const Vec3 p1 = element_node(x, n1), p2 = element_node(x, n2);
-    const auto a = static_cast<std::size_t>(p.a - 1), b = static_cast<std::size_t>(p.b - 1);
+    const auto a = nth(p.a), b = nth(p.b);
     PlaneGeometry g;
     g.original = plane_chord(p1[a], p1[b], p2[a], p2[b]);
-    g.original.length = m.len[static_cast<std::size_t>(e - 1)];
+    g.original.length = m.len[nth(e)];
     g.present = plane_chord(p1[a] + u[0], p1[b] + u[1], p2[a] + u[3], p2[b] + u[4]);
     if (!(g.original.length > 0) || !(g.present.length > 0))
         shutdown_with("  Zero element length in NBEAM2D");
@@ -328,7 +326,7 @@ void form_plane_mass(bool diagonal) {
 /// Half of the weight at each node, in the planes that hold the vertical Z axis.
 void add_weight(const PlaneModel& m, int e, std::array<double, 6>& force) {
     if (m.plane(e).b != 3) return;
-    const double half = m.property(e, nbeam_weight) * m.len[static_cast<std::size_t>(e - 1)] / 2;
+    const double half = m.property(e, nbeam_weight) * m.len[nth(e)] / 2;
     force[1] += half;
     force[4] += half;
 }
@@ -376,10 +374,10 @@ void print_plane_beams() {
     write_both(
         "(/, ' ELEMENT  NODE-1  NODE-2    MATL   PRINT   PLANE', 6x, 'LENGTH', 5x, 'TENSION')");
     for (int e = 1; e <= m.count(); ++e) {
-        const auto at = static_cast<std::size_t>(e - 1);
+        const auto at = nth(e);
         write_both("(5(i6,2x), 3x, a3, 2x, 1p2e12.5)",
-                   {e, m.el(e, 1), m.el(e, 2), m.el(e, 3), m.el(e, 4),
-                    names[static_cast<std::size_t>(m.dir[at] - 1)], m.len[at], st(e, 1)});
+                   {e, m.el(e, 1), m.el(e, 2), m.el(e, 3), m.el(e, 4), names[nth(m.dir[at])],
+                    m.len[at], st(e, 1)});
     }
 }
 

@@ -100,7 +100,7 @@ void store_truss_record(const TrussKind& kind, const TrussRecord& r, int materia
     require_finite(r.offsets, what);
     for (int k = 0; k <= r.gen; ++k) {
         const int e = r.n + k;
-        const auto at = static_cast<std::size_t>(e - 1);
+        const auto at = nth(e);
         const std::array row{advanced_node(r.nodes[0], r.inc, k),
                              advanced_node(r.nodes[1], r.inc, k), r.mat, r.print};
         std::ranges::copy(row, t.el.col(e).begin());
@@ -116,7 +116,7 @@ void set_lengths(const TrussKind& kind, const TrussTables& t) {
     const auto x = as_matrix<const double>(find_array(xyz));
     const auto mp = as_matrix<const double>(find_array(kind.mp));
     for (int e = 1; e <= t.el.cols; ++e) {
-        const auto at = static_cast<std::size_t>(e - 1);
+        const auto at = nth(e);
         const BarConnection c = connect_bar(t.ecc[at], t.ecc2.col(e));
         const Vec3 p1 = add_scaled(element_node(x, t.el(1, e)), 1, c.offset1);
         const Vec3 p2 = add_scaled(element_node(x, t.el(2, e)), 1, c.offset2);
@@ -191,8 +191,8 @@ struct Properties {
 };
 Properties properties_of(const TrussModel& m, int e) {
     const int mat = m.el(3, e);
-    return {m.mp(mat, modulus) * m.mp(mat, area), m.len[static_cast<std::size_t>(e - 1)],
-            m.mp(mat, density), m.mp(mat, compression)};
+    return {m.mp(mat, modulus) * m.mp(mat, area), m.len[nth(e)], m.mp(mat, density),
+            m.mp(mat, compression)};
 }
 
 /// One element as it hangs in the model: how its ends hang on the nodes, the equations of their
@@ -202,13 +202,11 @@ struct TrussElement {
     std::array<std::int32_t, 12> equations;
     Vec3 p1, p2;
 
-    EquationList list() const {
-        return EquationList(equations).first(static_cast<std::size_t>(connection.t.cols));
-    }
+    EquationList list() const { return EquationList(equations).first(as_size(connection.t.cols)); }
 };
 
 void set_equations(const TrussModel& m, const Equations& equations, int e, TrussElement& element) {
-    const int code = m.ecc[static_cast<std::size_t>(e - 1)];
+    const int code = m.ecc[nth(e)];
     const auto dofs = [](bool offset) {
         return offset ? std::span<const int>(all_six) : std::span<const int>(translations);
     };
@@ -270,7 +268,7 @@ void truss_stiffness(const TrussKind& kind, int code) {
     GlobalMatrix global = open_stiffness(equations);
     for (int e = 1; e <= m.el.cols; ++e) {
         const Properties p = properties_of(m, e);
-        const double tension = force[static_cast<std::size_t>(e - 1)];
+        const double tension = force[nth(e)];
         if (p.compression_code != 0 && tension < 0) continue; // slack
         const TrussElement element = truss_element_of(m, equations, x, e);
         const auto [c, length] =
@@ -293,7 +291,7 @@ void truss_mass(const TrussKind& kind) {
     GlobalMatrix global = open_mass(equations);
     TrussElement element;
     for (int e = 1; e <= m.el.cols; ++e) {
-        if (m.ecc[static_cast<std::size_t>(e - 1)] != 0)
+        if (m.ecc[nth(e)] != 0)
             shutdown_with(
                 " \n    Eccentricity of ntruss element not implemented for mass matrix\n");
         const Properties p = properties_of(m, e);
@@ -361,7 +359,7 @@ void print_truss(const TrussKind& kind) {
     write_both(
         "30(/, ' ELEMENT  NODE-1  NODE-2    MATL   PRINT',            6x, 'LENGTH', 5x, 'TENSION', 10x, 'END ECCENTRICITIES')");
     for (int e = 1; e <= m.el.cols; ++e) {
-        const auto at = static_cast<std::size_t>(e - 1);
+        const auto at = nth(e);
         FormatItems items{e, m.el.col(e), m.len[at], force[at]};
         if (m.ecc[at] != 0) items.add(m.ecc2.col(e));
         write_both("45(5(i6,2x), 1p2e12.5, 2x, 6(e12.4,1x))", items);
@@ -382,8 +380,7 @@ void print_truss_state(const TrussKind& kind, std::string_view array) {
             "50(/,'     LINEAR TRUSS ELEMENT STATE',/,            ' ELEMENT  NODE-1  NODE-2', 5x,'TENSION')");
     for (int e = 1; e <= m.el.cols; ++e)
         if (m.el(4, e) == 0)
-            write_unit(unit_output, "65(3(i6,2x), 1pe12.5)",
-                       {e, m.nodes(e), force[static_cast<std::size_t>(e - 1)]});
+            write_unit(unit_output, "65(3(i6,2x), 1pe12.5)", {e, m.nodes(e), force[nth(e)]});
 }
 
 /// The state, and with -file number and force of all elements on the response file.

@@ -7,7 +7,7 @@
 #include "fem/formkm.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
-#include "solvers/solver.hpp"
+#include "numeric/profile.hpp"
 
 #include <algorithm>
 #include <limits>
@@ -21,10 +21,6 @@ namespace quelor {
 namespace {
 
 constexpr std::int32_t no_equation = std::numeric_limits<std::int32_t>::max();
-
-std::size_t at(std::int32_t number) {
-    return static_cast<std::size_t>(number - 1);
-}
 
 /// What a list of equations holds.
 struct ListRange {
@@ -61,7 +57,7 @@ std::span<const ConstraintTerm> Equations::terms_of(std::int32_t entry) const {
         shutdown_with(" \n\tConstraint factor array not found\n");
     }
     if (entry < -constraints.count()) shutdown_with(" \n\tEquation number not possible\n");
-    if (!constraints.valid[static_cast<std::size_t>(-entry - 1)])
+    if (!constraints.valid[nth(-entry)])
         shutdown_with(" \n\tNode or DOF of nodal constraint " + std::to_string(-entry) +
                       " does not exist\n");
     return constraints.of(-entry);
@@ -108,14 +104,14 @@ void add_to_profile(GlobalMatrix& k, EquationList list, std::int32_t lowest,
                     Matrix<const double> ke) {
     const int n = static_cast<int>(list.size());
     for (int a = 1; a <= n; ++a) {
-        const std::int32_t e = list[at(a)];
+        const std::int32_t e = list[nth(a)];
         if (e <= 0) continue;
-        const std::int32_t diagonal = k.loc[at(e)];
-        if (e - lowest >= k.loc[at(e) + 1] - diagonal)
+        const std::int32_t diagonal = k.loc[nth(e)];
+        if (e - lowest >= k.loc[nth(e) + 1] - diagonal)
             shutdown_with(" \n\tElement lies outside the profile; number the equations anew\n");
         double* const column = k.values.data() + (diagonal - 1);
         for (int b = 1; b <= n; ++b) {
-            const std::int32_t f = list[at(b)];
+            const std::int32_t f = list[nth(b)];
             if (f > 0 && f <= e) column[e - f] += ke(a, b);
         }
     }
@@ -132,7 +128,7 @@ void add_lumped(GlobalMatrix& m, EquationList list, Matrix<const double> me) {
     }
     if (trace == 0) return;
     for (int i = 1; i <= me.rows; ++i)
-        if (list[at(i)] > 0) m.values[at(list[at(i)])] += total / trace * me(i, i);
+        if (list[nth(i)] > 0) m.values[nth(list[nth(i)])] += total / trace * me(i, i);
 }
 
 /// The rows of L, which gives the element's degrees of freedom by distinct equations.
@@ -157,8 +153,8 @@ Matrix<const double> expand(GlobalMatrix& k, EquationList list, Matrix<const dou
     k.product.assign(k.equation.size() * k.equation.size(), 0.0);
     const Matrix<double> product{k.product.data(), n, n};
     const auto row = [&](int a) {
-        const std::size_t begin = a == 1 ? 0 : k.row_end[at(a) - 1];
-        return std::span(k.entries).subspan(begin, k.row_end[at(a)] - begin);
+        const std::size_t begin = a == 1 ? 0 : k.row_end[nth(a) - 1];
+        return std::span(k.entries).subspan(begin, k.row_end[nth(a)] - begin);
     };
     for (int b = 1; b <= ke.cols; ++b)
         for (int a = 1; a <= ke.rows; ++a)
@@ -209,13 +205,13 @@ void add_mass(GlobalMatrix& m, EquationList list, std::span<const double> diagon
         m.element.assign(list.size() * list.size(), 0.0);
         const Matrix<double> full{m.element.data(), n, n};
         for (int i = 1; i <= n; ++i)
-            full(i, i) = diagonal[at(i)];
+            full(i, i) = diagonal[nth(i)];
         return add_matrix(m, list, full);
     }
     scan(*m.equations, list);
     for (std::size_t a = 0; a < list.size(); ++a)
         visit_terms(*m.equations, list[a], [&](std::int32_t e, double factor) {
-            m.values[profile ? at(m.loc[at(e)]) : at(e)] += factor * diagonal[a] * factor;
+            m.values[profile ? nth(m.loc[nth(e)]) : nth(e)] += factor * diagonal[a] * factor;
         });
 }
 
@@ -229,7 +225,7 @@ void add_vector(const Equations& equations, std::span<double> f, EquationList li
     scan(equations, list);
     for (std::size_t a = 0; a < list.size(); ++a)
         visit_terms(equations, list[a],
-                    [&](std::int32_t e, double factor) { f[at(e)] += factor * fe[a]; });
+                    [&](std::int32_t e, double factor) { f[nth(e)] += factor * fe[a]; });
 }
 
 } // namespace
@@ -271,7 +267,7 @@ void element_add_displacement(const Displacements& u, EquationList list, std::sp
     scan(*u.equations, list);
     for (std::size_t a = 0; a < list.size(); ++a)
         visit_terms(*u.equations, list[a], [&](std::int32_t e, double factor) {
-            x[a] += factor * (u.total[at(e)] + u.increment[at(e)]);
+            x[a] += factor * (u.total[nth(e)] + u.increment[nth(e)]);
         });
 }
 
@@ -281,7 +277,7 @@ void element_vector_by_equations(const Equations& equations, std::span<const dou
     for (std::size_t a = 0; a < list.size(); ++a) {
         ve[a] = 0;
         visit_terms(equations, list[a],
-                    [&](std::int32_t e, double factor) { ve[a] += factor * vector[at(e)]; });
+                    [&](std::int32_t e, double factor) { ve[a] += factor * vector[nth(e)]; });
     }
 }
 
@@ -300,7 +296,7 @@ void add_column_heights(ColumnHeights& heights, EquationList list) {
                     [&](std::int32_t f, double) { lowest = std::min(lowest, f); });
     for (const std::int32_t e : list)
         visit_terms(*heights.equations, e, [&](std::int32_t f, double) {
-            std::int32_t& height = heights.heights[at(f)];
+            std::int32_t& height = heights.heights[nth(f)];
             height = std::max(height, f - lowest);
         });
 }
@@ -309,7 +305,7 @@ void constraint_column_heights() {
     const Equations equations = open_equations();
     ColumnHeights heights = open_column_heights(equations);
     for (int k = 1; k <= equations.constraints.count(); ++k)
-        if (equations.constraints.valid[at(k)]) add_column_heights(heights, std::array{-k});
+        if (equations.constraints.valid[nth(k)]) add_column_heights(heights, std::array{-k});
 }
 
 static Connectivity& collected() {
@@ -327,7 +323,7 @@ void write_element_nodes(std::span<const std::int32_t> nodes) {
 void elem_conn0(Matrix<const std::int32_t> el, int nodes) {
     if (nodes > 30 || nodes > el.rows) shutdown_with(" \n\tRoutine elem_conn0 failed\n");
     for (int e = 1; e <= el.cols; ++e)
-        write_element_nodes(el.col(e).first(static_cast<std::size_t>(nodes)));
+        write_element_nodes(el.col(e).first(as_size(nodes)));
 }
 
 Connectivity take_connectivity() {

@@ -108,7 +108,7 @@ void cmd_pbcid(std::string_view) {
     const std::string text = "(i6, 2x, " + std::to_string(codes.rows + 1) + "i8)";
     const Format row = Format::from_text(text);
     for (int n = 1; n <= count; ++n) {
-        const auto at = static_cast<std::size_t>(n - 1);
+        const auto at = nth(n);
         if (active[at] != 'A') continue;
         FormatItems items;
         items.add(n).add(std::span<const std::int32_t>(codes.col(n))).add(print[at]);

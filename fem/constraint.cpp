@@ -7,6 +7,7 @@
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/finite.hpp"
 
 #include <algorithm>
 #include <optional>
@@ -53,7 +54,7 @@ int independent_equation(Matrix<const std::int32_t> eqs, int equations, int node
 } // namespace
 
 std::span<const ConstraintTerm> Constraints::of(int k) const {
-    const std::size_t last = static_cast<std::size_t>(k) - 1;
+    const std::size_t last = as_size(k) - 1;
     const std::size_t begin = last == 0 ? 0 : end[last - 1];
     return {terms.data() + begin, end[last] - begin};
 }
@@ -104,7 +105,7 @@ namespace {
 
 /// The constraints as they are read, `rows` numbers a constraint.
 struct Input {
-    explicit Input(int maxnodes) : rows(static_cast<std::size_t>(maxnodes)) {}
+    explicit Input(int maxnodes) : rows(as_size(maxnodes)) {}
 
     std::size_t rows;
     std::vector<std::int32_t> nodes, dofs;
@@ -140,8 +141,7 @@ void read_general(Input& in) {
     get_int_par("rdof=", dofs);
     get_real_par("factor=", factors);
     if (nodes.back() != 0) shutdown_with(" \n\tConstraint has more nodes than maxnodes\n");
-    if (!std::ranges::all_of(factors, [](double f) { return std::isfinite(f); }))
-        shutdown_with(" \n\tFactor of constraint is not a finite number\n");
+    if (!all_finite(factors)) shutdown_with(" \n\tFactor of constraint is not a finite number\n");
     in.begin(node, dof);
     for (std::size_t i = 0; i + 1 < in.rows; ++i)
         in.add(nodes[i], nodes[i] == 0 ? 0 : dofs[i], nodes[i] == 0 ? 0 : factors[i]);
@@ -160,8 +160,8 @@ void add_link(Input& in, const NodeSet& set, std::int32_t node, std::int32_t mas
         const int k = (i + 2) % 3;
         in.begin(node, i + 1);
         in.add(master, i + 1, 1);
-        in.add(master, 4 + j, d[static_cast<std::size_t>(k)]);
-        in.add(master, 4 + k, -d[static_cast<std::size_t>(j)]);
+        in.add(master, 4 + j, d[as_size(k)]);
+        in.add(master, 4 + k, -d[as_size(j)]);
     }
     for (int dof = 4; dof <= 6 && with_rotations; ++dof) {
         in.begin(node, dof);

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "kernel/command.hpp"
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 #include <cstddef>
 #include <string_view>

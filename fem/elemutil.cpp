@@ -21,11 +21,11 @@ void set_element_group(int slot, int code) {
         return ref.is(type_integer) && ref.size() == element_slots;
     };
     if (!is_vector(find_array(elem_grp))) create_matrix<std::int32_t>(elem_grp, element_slots, 0);
-    as_span<std::int32_t>(find_array(elem_grp))[static_cast<std::size_t>(slot - 1)] = code;
+    as_span<std::int32_t>(find_array(elem_grp))[nth(slot)] = code;
 }
 
 void call_element(int slot, Request request) {
-    const ElementRow& row = element_rows()[static_cast<std::size_t>(slot - 1)];
+    const ElementRow& row = element_rows()[nth(slot)];
     if (row.routine) return row.routine(request);
     // The backslashes of this text are characters of it.
     if (row.alias.empty()) return print_both(" \\nElement is unused.\\n");
@@ -47,7 +47,7 @@ static void walk_elements(Request request, int source) {
     std::array<std::int32_t, element_slots> codes; // a routine may change the array
     std::ranges::copy(as_span<std::int32_t>(ref), codes.begin());
     for (int slot = 1; slot <= element_slots; ++slot) {
-        const int code = codes[static_cast<std::size_t>(slot - 1)];
+        const int code = codes[nth(slot)];
         if (code == 0) continue;
         Request own = request;
         if (source == 1) own.modifier1 = code;
@@ -88,11 +88,11 @@ void check_nodes(std::string_view name, Matrix<const std::int32_t> el, int nodes
     const ArrayRef ref = require_array(node_active, type_character, {any_size});
     const auto active = as_span<char>(ref);
     const auto undefined = [&](std::int32_t n) {
-        return n > 0 && (n > ref.size() || active[static_cast<std::size_t>(n - 1)] != 'A');
+        return n > 0 && (n > ref.size() || active[nth(n)] != 'A');
     };
     bool bad = false;
     for (int e = 1; e <= el.cols; ++e) {
-        const auto list = el.col(e).first(static_cast<std::size_t>(nodes));
+        const auto list = el.col(e).first(as_size(nodes));
         const bool out =
             std::ranges::any_of(list, [&](std::int32_t n) { return n < lowest || n > highest; });
         if (!out && std::ranges::none_of(list, undefined)) continue;
@@ -155,8 +155,7 @@ bool elem_tkt(Matrix<const double> k, Matrix<const double> t, Matrix<double> res
     if (result.rows != c * blocks) return print_both(" \n\tError 2 in routine elem_tkt\n"), false;
 
     const int n = k.rows;
-    std::vector<double> storage(static_cast<std::size_t>(n) *
-                                static_cast<std::size_t>(result.cols));
+    std::vector<double> storage(as_size(n) * as_size(result.cols));
     const Matrix<double> kt{storage.data(), n, result.cols};
     for (int block = 0; block < blocks; ++block)
         for (int j = 1; j <= c; ++j)

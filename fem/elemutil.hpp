@@ -5,9 +5,10 @@
 // requests; task_of gives them names.
 #pragma once
 
-#include "fem/vectors.hpp"
+#include "kernel/alias.hpp"
 #include "kernel/command.hpp"
 #include "kernel/dbfgen.hpp"
+#include "numeric/vectors.hpp"
 
 namespace quelor {
 
@@ -16,7 +17,6 @@ namespace quelor {
 inline constexpr std::string_view elem_grp = ".elem_grp";
 /// real: global error estimate, -1 before any element has added to it. Written by `fem_error`.
 inline constexpr std::string_view fem_error = ".fem_error";
-inline constexpr int element_slots = 40;
 
 // --- protocol -----------------------------------------------------------------------------------
 

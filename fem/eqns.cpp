@@ -32,7 +32,7 @@ struct NodeCodes {
     std::span<const char> active;
     int count = 0;
 
-    bool is_active(int n) const { return active[static_cast<std::size_t>(n - 1)] == 'A'; }
+    bool is_active(int n) const { return active[nth(n)] == 'A'; }
 };
 
 /// Nothing, after a message, when the arrays are not there; without `.bcid` the fatal path.
@@ -54,7 +54,7 @@ std::optional<NodeCodes> open_codes() {
 /// Node numbers in the order of numbering: `.node_eq_order`, or the natural order.
 std::vector<std::int32_t> numbering_order(int count) {
     std::vector<std::int32_t> order;
-    std::vector<char> listed(static_cast<std::size_t>(count));
+    std::vector<char> listed(as_size(count));
     const ArrayRef ref = find_array(node_eq_order);
     if (!ref.is(type_integer)) {
         for (std::int32_t n = 1; n <= count; ++n)
@@ -64,7 +64,7 @@ std::vector<std::int32_t> numbering_order(int count) {
     for (const std::int32_t n : as_span<const std::int32_t>(ref)) {
         if (n < 1 || n > count)
             shutdown_with(" \n\tNode out of range in .node_eq_order - see command node_order\n");
-        if (std::exchange(listed[static_cast<std::size_t>(n - 1)], 1) == 0) order.push_back(n);
+        if (std::exchange(listed[nth(n)], 1) == 0) order.push_back(n);
     }
     return order;
 }
@@ -123,7 +123,7 @@ bool locate_diagonals(std::span<const std::int32_t> heights) {
         create_matrix<std::int32_t>(kdiag_loc, static_cast<int>(heights.size()) + 1, 0);
     loc(1) = 1;
     for (int j = 1; j < loc.rows; ++j)
-        loc(j + 1) = loc(j) + heights[static_cast<std::size_t>(j - 1)] + 1;
+        loc(j + 1) = loc(j) + heights[nth(j)] + 1;
     create_int_scalar(kstr_size, static_cast<std::int32_t>(size));
     return true;
 }
@@ -228,7 +228,7 @@ void cmd_peqs(std::string_view) {
     for (int n = 1; n <= count; ++n) {
         if (!nodes->is_active(n)) continue;
         FormatItems items;
-        items.add(n).add(eqs.col(n)).add(print[static_cast<std::size_t>(n - 1)]);
+        items.add(n).add(eqs.col(n)).add(print[nth(n)]);
         write_both(row, items);
     }
 }

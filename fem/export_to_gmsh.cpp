@@ -16,8 +16,7 @@ void write_line(std::string_view text) {
 }
 
 int active_nodes(const NodeSet& nodes) {
-    return static_cast<int>(
-        std::ranges::count(nodes.active.first(static_cast<std::size_t>(nodes.count)), 'A'));
+    return static_cast<int>(std::ranges::count(nodes.active.first(as_size(nodes.count)), 'A'));
 }
 
 /// One line of three values for each active node.
@@ -61,10 +60,10 @@ void gmsh_write_elements(Matrix<const std::int32_t> el, int id_row, int nodes, i
     std::vector<std::int32_t> line{0, type, static_cast<std::int32_t>(tags.size())};
     line.insert(line.end(), tags.begin(), tags.end());
     const std::size_t head = line.size();
-    line.resize(head + static_cast<std::size_t>(nodes));
+    line.resize(head + as_size(nodes));
     for (int e = 1; e <= el.cols; ++e) {
         line[0] = shift + (id_row > 0 ? el(id_row, e) : e);
-        std::ranges::copy(el.col(e).first(static_cast<std::size_t>(nodes)),
+        std::ranges::copy(el.col(e).first(as_size(nodes)),
                           line.begin() + static_cast<std::ptrdiff_t>(head));
         FormatItems items;
         items.add(std::span<const std::int32_t>(line));

@@ -44,7 +44,7 @@ int count_elements() {
     const auto code = as_span<std::int32_t>(groups);
     int count = 0;
     for (const auto& [slot, el] : exported)
-        if (code[static_cast<std::size_t>(slot - 1)] != 0) {
+        if (code[nth(slot)] != 0) {
             const ArrayRef table = find_array(el);
             if (table.is(type_integer)) count += table.cols();
         }
@@ -179,13 +179,13 @@ bool open_shapes(ShapeRequest request, const NodeSet& nodes, Shapes& shapes) {
 
 void write_shape(const NodeSet& nodes, const Shapes& shapes, int column, double factor, int step,
                  double time) {
-    std::vector<double> storage(3 * static_cast<std::size_t>(nodes.count));
+    std::vector<double> storage(3 * as_size(nodes.count));
     const Matrix<double> u{storage.data(), 3, nodes.count};
     for (int n = 1; n <= nodes.count; ++n) {
         if (!nodes.is_active(n)) continue;
         const Vec3 v = translation(shapes, column, n);
         for (int i = 1; i <= 3; ++i)
-            u(i, n) = factor * v[static_cast<std::size_t>(i - 1)] + 0.0; // no negative zeros
+            u(i, n) = factor * v[nth(i)] + 0.0; // no negative zeros
     }
     gmsh_write_node_data(step, time, nodes, u);
 }
@@ -201,11 +201,10 @@ double cosine_of_turn(std::int64_t k, std::int64_t n) {
 void write_shapes(const NodeSet& nodes, const Shapes& shapes) {
     for (int i = 1; i <= shapes.steps; ++i)
         write_shape(nodes, shapes, shapes.first, shapes.scale * cosine_of_turn(i - 1, shapes.steps),
-                    i, shapes.times[static_cast<std::size_t>(i - 1)]);
+                    i, shapes.times[nth(i)]);
     if (shapes.steps > 0) return;
     for (int j = shapes.first; j <= shapes.last; ++j)
-        write_shape(nodes, shapes, j, shapes.scale, j - shapes.first + 1,
-                    shapes.times[static_cast<std::size_t>(j - 1)]);
+        write_shape(nodes, shapes, j, shapes.scale, j - shapes.first + 1, shapes.times[nth(j)]);
 }
 
 // --- the command --------------------------------------------------------------------------------

@@ -13,7 +13,7 @@
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
-#include "solvers/solver.hpp"
+#include "numeric/profile.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -232,7 +232,7 @@ static void cmd_check_diag(std::string_view) {
     const bool print = !has_flag(" -noprint");
     int count = 0;
     for (std::size_t j = 0; j + 1 < loc.size(); ++j) {
-        double& diagonal = matrix[static_cast<std::size_t>(loc[j] - 1)];
+        double& diagonal = matrix[nth(loc[j])];
         if (zero == 0 ? diagonal != 0 : !(std::abs(diagonal) <= zero)) continue;
         diagonal = value;
         ++count;

@@ -11,9 +11,9 @@
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/finite.hpp"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <string>
 #include <utility>
@@ -24,10 +24,6 @@ namespace quelor {
 namespace {
 
 constexpr int most_patterns = 10000; // more is a slip of the pen
-
-bool all_finite(std::span<const double> values) {
-    return std::ranges::all_of(values, [](double x) { return std::isfinite(x); });
-}
 
 /// Makes `name` of columns laid end to end.
 void store_columns(std::string_view name, int rows, std::span<const double> columns) {
@@ -62,7 +58,7 @@ void cmd_nodef(std::string_view) {
     delete_array(disp_inp);
 
     std::vector<double> columns;
-    std::vector<double> column(static_cast<std::size_t>(dofs) + 2);
+    std::vector<double> column(as_size(dofs) + 2);
     while (read_load(column)) {
         const int pattern = nearest_int(column[1]);
         if (pattern < 1 || pattern > most_patterns)
@@ -79,7 +75,7 @@ void write_dof_heading(Format start, std::span<const std::string_view> six, int 
     write_both(start);
     for (int d = 1; d <= dofs; ++d) {
         if (dofs == 6)
-            write_both("(a12, $)", {six[static_cast<std::size_t>(d - 1)]});
+            write_both("(a12, $)", {six[nth(d)]});
         else
             write_both("('      DOF', i3, $)", {d});
     }
@@ -129,7 +125,7 @@ void form_nodal_loads() {
     create_matrix<double>(load_pat, equations.count, patterns);
     GlobalVector loads = open_load_patterns(equations);
     const int highest = std::min(get_int(num_nodes), equations.of_node.cols);
-    const auto dofs = static_cast<std::size_t>(std::min(input.rows - 2, equations.of_node.rows));
+    const auto dofs = as_size(std::min(input.rows - 2, equations.of_node.rows));
     for (int k = 1; k <= input.cols; ++k) {
         const int node = nearest_int(input(1, k));
         const int pattern = nearest_int(input(2, k));
@@ -153,13 +149,13 @@ void cmd_load_summary(std::string_view) {
     const GlobalVector loads = open_load_patterns(equations);
     for (int p = 1; p <= loads.values.cols; ++p) {
         std::array<double, 6> sums{};
-        std::vector<char> counted(static_cast<std::size_t>(equations.count)); // nodes may share one
+        std::vector<char> counted(as_size(equations.count)); // nodes may share one
         for (int node = 1; node <= equations.of_node.cols; ++node)
             for (int d = 1; d <= 6; ++d) {
                 const std::int32_t e = equations.of_node(d, node);
                 if (e > equations.count) shutdown_with(" \n\tEquation number not possible\n");
-                if (e <= 0 || std::exchange(counted[static_cast<std::size_t>(e - 1)], 1)) continue;
-                sums[static_cast<std::size_t>(d - 1)] += loads.values(e, p);
+                if (e <= 0 || std::exchange(counted[nth(e)], 1)) continue;
+                sums[nth(d)] += loads.values(e, p);
             }
         write_both("10(/, 5x, 'Summary for Load Pattern', i5, /)", {p});
         write_dof_heading("(5x, $)", force_names, 6);
@@ -222,7 +218,7 @@ void cmd_imposed_displ(std::string_view) {
     if (!array_exists(node_active)) return not_found(node_active);
     const int rows = count_patterns(as_matrix<const double>(loads)) + 2;
     const ActiveNodes active;
-    ImposedInput imposed{static_cast<std::size_t>(rows), {}, {}};
+    ImposedInput imposed{as_size(rows), {}, {}};
     while (read_imposed(imposed, active)) {
     }
     delete_array(disp_inp);
@@ -300,12 +296,12 @@ void cmd_nodal_pressure(std::string_view) {
         const auto at = std::ranges::find(patterns, r.pattern) - patterns.begin();
         if (at == std::ssize(patterns)) {
             patterns.push_back(r.pattern);
-            columns.emplace_back(static_cast<std::size_t>(highest));
+            columns.emplace_back(as_size(highest));
         }
-        auto& column = columns[static_cast<std::size_t>(at)];
+        auto& column = columns[as_size(at)];
         for (std::int64_t n = r.first; n <= r.last; n += r.inc)
             if (const int node = static_cast<int>(n); active.contains(node))
-                column[static_cast<std::size_t>(node - 1)] = r.at(x(3, node));
+                column[nth(node)] = r.at(x(3, node));
     }
     delete_array(nodal_pressure);
     delete_array(nodal_pressure_pat);
@@ -313,7 +309,7 @@ void cmd_nodal_pressure(std::string_view) {
     const int count = static_cast<int>(patterns.size());
     const auto out = create_matrix<double>(nodal_pressure, highest, count);
     for (int c = 1; c <= count; ++c)
-        std::ranges::copy(columns[static_cast<std::size_t>(c - 1)], out.col(c).begin());
+        std::ranges::copy(columns[nth(c)], out.col(c).begin());
     std::ranges::copy(patterns, create_matrix<std::int32_t>(nodal_pressure_pat, count, 0).data);
 }
 

@@ -12,7 +12,7 @@
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
-#include "solvers/solver.hpp"
+#include "numeric/profile.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -51,7 +51,7 @@ void read_values(const ValueKind& kind) {
     if (all.empty()) return;
     const auto out = create_matrix<double>(kind.name, 7, static_cast<int>(all.size()));
     for (int k = 1; k <= out.cols; ++k) {
-        const NodeValues& one = all[static_cast<std::size_t>(k - 1)];
+        const NodeValues& one = all[nth(k)];
         out(1, k) = one.node;
         std::ranges::copy(one.values, out.col(k).begin() + 1);
     }
@@ -62,9 +62,9 @@ void print_values(const ValueKind& kind) {
     const ArrayRef ref = find_array(kind.name);
     if (!ref.is(type_real) || ref.rows() != 7) return print_both(kind.missing);
     const auto input = as_matrix<const double>(ref);
-    std::vector<NodeValues> all(static_cast<std::size_t>(input.cols));
+    std::vector<NodeValues> all(as_size(input.cols));
     for (int k = 1; k <= input.cols; ++k) {
-        NodeValues& one = all[static_cast<std::size_t>(k - 1)];
+        NodeValues& one = all[nth(k)];
         one.node = nearest_int(input(1, k));
         std::ranges::copy(input.col(k).subspan(1), one.values.begin());
     }
@@ -84,13 +84,13 @@ void cmd_initial_conditions(std::string_view) {
     const auto all =
         read_node_values("Enter data: n=  v=  inc=\n",
                          "u=", " \n\tIllegal assignment of initial condition to inactive node\n");
-    std::vector<double> values(static_cast<std::size_t>(equations.count));
+    std::vector<double> values(as_size(equations.count));
     for (const NodeValues& one : all) {
         std::array<std::int32_t, 6> list{};
         element_equations(equations, {&one.node, 1}, all_six, list);
         for (std::size_t d = 0; d < 6; ++d) {
             if (list[d] > equations.count) shutdown_with(" \n\tEquation number not possible\n");
-            if (list[d] > 0) values[static_cast<std::size_t>(list[d] - 1)] = one.values[d];
+            if (list[d] > 0) values[nth(list[d])] = one.values[d];
         }
     }
     std::ranges::copy(values, create_matrix<double>(name, equations.count, 0).data);
@@ -108,7 +108,7 @@ struct MassOperator {
         if (!loc.empty()) return profile_multiply(values, u, mu, loc);
         for (int j = 1; j <= u.cols; ++j)
             for (int i = 1; i <= u.rows; ++i)
-                mu(i, j) = values[static_cast<std::size_t>(i - 1)] * u(i, j);
+                mu(i, j) = values[nth(i)] * u(i, j);
     }
 };
 
@@ -122,8 +122,8 @@ Vec3 centre_of_mass(const Equations& equations, Matrix<const double> x, int d,
     std::vector<char> counted(mu.size());
     for (int n = 1; n <= std::min(equations.of_node.cols, x.cols); ++n) {
         const std::int32_t e = equations.of_node(d, n);
-        if (e <= 0 || std::exchange(counted[static_cast<std::size_t>(e - 1)], 1)) continue;
-        const double m = mu[static_cast<std::size_t>(e - 1)];
+        if (e <= 0 || std::exchange(counted[nth(e)], 1)) continue;
+        const double m = mu[nth(e)];
         moment = add_scaled(moment, m, {x(1, n), x(2, n), x(3, n)});
         mass += m;
     }

@@ -10,27 +10,25 @@ namespace quelor {
 
 double NodalValues::at(std::span<const double> vector, int dof, int node) const {
     const std::int32_t q = eqs(dof, node);
-    if (q > 0) return vector[static_cast<std::size_t>(q - 1)];
+    if (q > 0) return vector[nth(q)];
     double sum = 0;
     if (q < 0)
         for (const ConstraintTerm& term : constraints.of(-q))
-            sum += term.factor * vector[static_cast<std::size_t>(term.equation - 1)];
+            sum += term.factor * vector[nth(term.equation)];
     return sum;
 }
 
 std::array<double, 6> NodalValues::six(std::span<const double> vector, int node) const {
     std::array<double, 6> values{};
     for (int dof = 1; dof <= std::min(dofs(), 6); ++dof)
-        values[static_cast<std::size_t>(dof - 1)] = at(vector, dof, node);
+        values[nth(dof)] = at(vector, dof, node);
     return values;
 }
 
 bool NodalValues::fit(int n) {
     constraints = read_constraints(eqs, n);
     const auto possible = [&](std::int32_t q) {
-        return q >= 0 ? q <= n
-                      : q >= -constraints.count() &&
-                            constraints.valid[static_cast<std::size_t>(-q - 1)];
+        return q >= 0 ? q <= n : q >= -constraints.count() && constraints.valid[nth(-q)];
     };
     if (std::ranges::all_of(eqs.all(), possible)) return true;
     return print_both(" \n\tEquation number not possible\n"), false;

@@ -67,8 +67,8 @@ bool all_in_range(std::span<const std::int32_t> nodes, int limit) {
 
 void NodeSet::define(int n, const Vec3& p) {
     for (int i = 1; i <= 3; ++i)
-        xyz(i, n) = p[static_cast<std::size_t>(i - 1)];
-    active[static_cast<std::size_t>(n - 1)] = 'A';
+        xyz(i, n) = p[nth(i)];
+    active[nth(n)] = 'A';
     count = std::max(count, n);
 }
 

@@ -2,9 +2,9 @@
 // nodes of the system (finite-element, panel mesh, free surface). A list is one row of names.
 #pragma once
 
-#include "fem/vectors.hpp"
 #include "kernel/command.hpp"
 #include "kernel/dbfgen.hpp"
+#include "numeric/vectors.hpp"
 
 #include <string>
 
@@ -31,7 +31,7 @@ struct NodeSet {
     int count = 0, total = 0;
 
     explicit operator bool() const { return static_cast<bool>(xyz); }
-    bool is_active(int n) const { return active[static_cast<std::size_t>(n - 1)] == 'A'; }
+    bool is_active(int n) const { return active[nth(n)] == 'A'; }
     Vec3 at(int n) const { return {xyz(1, n), xyz(2, n), xyz(3, n)}; }
     void define(int n, const Vec3& p);
 };

@@ -66,7 +66,7 @@ void order_group(std::span<std::int32_t> members, std::span<const int> turns) {
 
 /// exchange_order by groups.
 void order_long_list(std::span<std::int32_t> list, std::span<const std::int32_t> degree) {
-    const auto degree_of = [&](std::int32_t n) { return degree[static_cast<std::size_t>(n - 1)]; };
+    const auto degree_of = [&](std::int32_t n) { return degree[nth(n)]; };
     std::vector<std::size_t> index(list.size()); // places of the list by degree, then in order
     for (std::size_t i = 0; i < index.size(); ++i)
         index[i] = i;
@@ -96,9 +96,7 @@ void order_long_list(std::span<std::int32_t> list, std::span<const std::int32_t>
 void exchange_order(std::span<std::int32_t> list, std::span<const std::int32_t> degree) {
     constexpr std::size_t short_list = 64;
     if (list.size() > short_list) return order_long_list(list, degree);
-    const auto degree_of = [&](std::size_t i) {
-        return degree[static_cast<std::size_t>(list[i] - 1)];
-    };
+    const auto degree_of = [&](std::size_t i) { return degree[nth(list[i])]; };
     for (std::size_t i = 0; i < list.size(); ++i)
         for (std::size_t j = i + 1; j < list.size(); ++j)
             if (degree_of(j) < degree_of(i)) std::swap(list[i], list[j]);
@@ -109,15 +107,15 @@ void exchange_order(std::span<std::int32_t> list, std::span<const std::int32_t> 
 namespace {
 
 std::size_t index_of(std::int32_t node) {
-    return static_cast<std::size_t>(node - 1);
+    return nth(node);
 }
 
 /// Nodes and elements, either way.
 class Mesh {
 public:
     Mesh(std::span<const std::int32_t> end, std::span<const std::int32_t> nodes, int count)
-        : end_(end), nodes_(nodes), node_end_(static_cast<std::size_t>(count)),
-          elements_(nodes.size()), mark_(static_cast<std::size_t>(count)) {
+        : end_(end), nodes_(nodes), node_end_(as_size(count)), elements_(nodes.size()),
+          mark_(as_size(count)) {
         for (const std::int32_t n : nodes)
             ++node_end_[index_of(n)];
         std::size_t sum = 0;
@@ -134,7 +132,7 @@ public:
     template <class F> void neighbours(std::int32_t n, F wanted, std::vector<std::int32_t>& out) {
         mark_[index_of(n)] = n;
         for (std::size_t i = node_end_[index_of(n)]; i < node_end_[index_of(n) + 1]; ++i)
-            for (const std::int32_t m : nodes_of(static_cast<std::size_t>(elements_[i]))) {
+            for (const std::int32_t m : nodes_of(as_size(elements_[i]))) {
                 if (mark_[index_of(m)] == n || !wanted(m)) continue;
                 mark_[index_of(m)] = n;
                 out.push_back(m);
@@ -144,8 +142,8 @@ public:
 
 private:
     std::span<const std::int32_t> nodes_of(std::size_t element) const {
-        const auto begin = element == 0 ? 0 : static_cast<std::size_t>(end_[element - 1]);
-        return nodes_.subspan(begin, static_cast<std::size_t>(end_[element]) - begin);
+        const auto begin = element == 0 ? 0 : as_size(end_[element - 1]);
+        return nodes_.subspan(begin, as_size(end_[element]) - begin);
     }
 
     std::span<const std::int32_t> end_, nodes_;
@@ -176,7 +174,7 @@ void order_part(Mesh& mesh, std::int32_t start, std::span<const std::int32_t> de
 NodeOrdering order_nodes(std::span<const std::int32_t> end, std::span<const std::int32_t> nodes,
                          int count, bool reverse) {
     Mesh mesh(end, nodes, count);
-    std::vector<std::int32_t> degree(static_cast<std::size_t>(count));
+    std::vector<std::int32_t> degree(as_size(count));
     std::vector<std::int32_t> list;
     std::int32_t start = 0;
     for (std::int32_t n = 1; n <= count; ++n) {
@@ -191,7 +189,7 @@ NodeOrdering order_nodes(std::span<const std::int32_t> end, std::span<const std:
     if (start == 0) return result;
 
     mesh.clear_marks();
-    std::vector<char> visited(static_cast<std::size_t>(count));
+    std::vector<char> visited(as_size(count));
     order_part(mesh, start, degree, visited, result.order);
     result.parts = 1;
     std::vector<std::int32_t> other;

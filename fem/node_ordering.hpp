@@ -1,7 +1,7 @@
 // Reordering of the nodes of a mesh for a small profile. A numeric kernel.
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 #include <vector>
 

@@ -5,20 +5,20 @@
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/finite.hpp"
 
 #include <algorithm>
-#include <cmath>
 
 namespace quelor {
 
 ActiveNodes::ActiveNodes()
     : active_(as_span<const char>(require_array(node_active, type_character, {any_size}))) {
     const int count = std::max(get_int(num_nodes), 0);
-    active_ = active_.first(std::min(active_.size(), static_cast<std::size_t>(count)));
+    active_ = active_.first(std::min(active_.size(), as_size(count)));
 }
 
 bool ActiveNodes::contains(int n) const {
-    return 1 <= n && n <= std::ssize(active_) && active_[static_cast<std::size_t>(n - 1)] == 'A';
+    return 1 <= n && n <= std::ssize(active_) && active_[nth(n)] == 'A';
 }
 
 int ActiveNodes::highest() const {
@@ -40,8 +40,7 @@ std::vector<NodeValues> read_node_values(std::string_view prompt, std::string_vi
         if (record.node == 0) return all;
         get_real_par(key, record.values);
         get_int_par("inc=", inc);
-        if (!std::ranges::all_of(record.values, [](double v) { return std::isfinite(v); }))
-            shutdown_with(" \n\tNodal value is not a finite number\n");
+        if (!all_finite(record.values)) shutdown_with(" \n\tNodal value is not a finite number\n");
         if (!active.contains(record.node)) shutdown_with(inactive);
         const std::int64_t first = previous != 0 && inc > 0 ? previous + inc : record.node;
         for (std::int64_t n = first; n < record.node; n += inc) {

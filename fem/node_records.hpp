@@ -1,7 +1,7 @@
 // Records of values at nodes, with generation: nodal masses, dampers, initial conditions.
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 #include <array>
 #include <string_view>

@@ -1,10 +1,10 @@
 #include "fem/nodes.hpp"
 
-#include "fem/point_index.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/point_index.hpp"
 
 #include <algorithm>
 #include <vector>
@@ -19,8 +19,7 @@ Vec3 node_coordinates(int n) {
     if (n < 1 || n > get_int(num_nodes) || !coordinates.is(type_real) || coordinates.rows() != 3 ||
         n > coordinates.cols())
         shutdown_with(" \n\tError in getting nodal coordinates\n");
-    if (!active.is(type_character) || n > active.size() ||
-        as_span<char>(active)[static_cast<std::size_t>(n - 1)] != 'A')
+    if (!active.is(type_character) || n > active.size() || as_span<char>(active)[nth(n)] != 'A')
         shutdown_with(" \n\tAttempt to use undefined node\n");
     const auto x = as_matrix<double>(coordinates);
     return {x(1, n), x(2, n), x(3, n)};
@@ -57,7 +56,7 @@ void node_line_chain(const Vec3& p1, const Vec3& p2, int n, std::span<std::int32
         int node = node_find(p, 1e-8);
         if (node == 0) node = node_add(p, -1);
         if (node == 0) print_both("\n Warning -- node generation failed\n");
-        out[static_cast<std::size_t>(k)] = node;
+        out[as_size(k)] = node;
     }
 }
 
@@ -71,7 +70,7 @@ static int merge_coincident(const NodeSet& set, Matrix<std::int32_t> codes, cons
     PointIndex index;
     for (int n = 1; n <= set.count; ++n)
         if (set.is_active(n)) index.add(n, set.at(n));
-    const auto is_merged = [&](int n) { return merged[static_cast<std::size_t>(n - 1)] != 0; };
+    const auto is_merged = [&](int n) { return merged[nth(n)] != 0; };
     const int dofs = std::min(codes.rows, 6);
     int total = 0;
     std::vector<int> near;
@@ -83,7 +82,7 @@ static int merge_coincident(const NodeSet& set, Matrix<std::int32_t> codes, cons
         });
         std::ranges::sort(near);
         for (const int j : near) {
-            merged[static_cast<std::size_t>(j - 1)] = 1;
+            merged[nth(j)] = 1;
             for (int dof = 1; dof <= dofs; ++dof)
                 codes(dof, j) = -i;
             if (report) write_both("10('     Node', i6, ' merged with node', i6)", {j, i});

@@ -36,7 +36,7 @@ std::string row_format(int dofs) {
     std::string complaint(format.error());
     if (complaint.empty()) {
         FormatItems sample({1});
-        sample.add(std::span<const double>(std::vector<double>(static_cast<std::size_t>(dofs))));
+        sample.add(std::span<const double>(std::vector<double>(as_size(dofs))));
         complaint = format_write(format, sample).error;
     }
     if (complaint.empty()) return form;
@@ -67,7 +67,7 @@ std::vector<DispRow> printed_rows(const NodeSet& nodes, const NodalValues& value
     std::vector<DispRow> rows;
     const int last = std::min({range.last, values.eqs.cols, static_cast<int>(print.size())});
     for (int n = range.first; n <= last; ++n) {
-        if (!nodes.is_active(n) || print[static_cast<std::size_t>(n - 1)] == 0) continue;
+        if (!nodes.is_active(n) || print[nth(n)] == 0) continue;
         rows.push_back({n, {}});
         for (int dof = 1; dof <= values.dofs(); ++dof)
             rows.back().u.push_back(values.at(vector, dof, n));
@@ -213,8 +213,7 @@ void cmd_pndisp_th(std::string_view) {
         "('       TIME       X-TRAN     Y-TRAN     Z-TRAN     XX-ROT     YY-ROT     ZZ-ROT')", {});
     for (int j = 1; j <= history.cols; ++j) {
         const auto six = values->six(history.col(j), n);
-        write_both("40(1pe11.3, 2x, 6e11.3)",
-                   {times[static_cast<std::size_t>(j - 1)], std::span<const double>(six)});
+        write_both("40(1pe11.3, 2x, 6e11.3)", {times[nth(j)], std::span<const double>(six)});
     }
 }
 

@@ -19,12 +19,11 @@ void rigid_shape(int k, const NodeSet& nodes, Matrix<const std::int32_t> eqs, co
     for (int n = std::max(range.first, 1); n <= last; ++n) {
         const auto put = [&](int dof, double value) {
             const std::int32_t q = eqs(dof, n);
-            if (q > 0 && static_cast<std::size_t>(q) <= shape.size())
-                shape[static_cast<std::size_t>(q - 1)] = value;
+            if (q > 0 && as_size(q) <= shape.size()) shape[nth(q)] = value;
         };
         if (k > 3) {
-            put(b, -(nodes.xyz(d, n) - c[static_cast<std::size_t>(d - 1)]));
-            put(d, nodes.xyz(b, n) - c[static_cast<std::size_t>(b - 1)]);
+            put(b, -(nodes.xyz(d, n) - c[nth(d)]));
+            put(d, nodes.xyz(b, n) - c[nth(b)]);
         }
         put(k, 1.0);
     }
@@ -54,7 +53,7 @@ static void cmd_rigid_modes(std::string_view) {
     Temporary<double> result("$rigid_modes", neq, static_cast<int>(modes));
     int column = 0;
     for (int k = 1; k <= 6; ++k)
-        if (keep[static_cast<std::size_t>(k - 1)] != 0)
+        if (keep[nth(k)] != 0)
             rigid_shape(k, nodes, as_matrix<const std::int32_t>(ref), cg, {range[0], range[1]},
                         result.view.col(++column));
     result.becomes(target);

@@ -3,10 +3,10 @@
 #include "fem/stress.hpp"
 
 #include "fem/nodes.hpp"
-#include "fem/point_index.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/point_index.hpp"
 
 #include <algorithm>
 #include <array>
@@ -56,7 +56,7 @@ std::vector<std::int32_t> read_node_list(std::int32_t n, int highest) {
 }
 
 std::vector<std::int32_t> all_nodes(int highest) {
-    std::vector<std::int32_t> list(static_cast<std::size_t>(highest));
+    std::vector<std::int32_t> list(as_size(highest));
     std::iota(list.begin(), list.end(), 1);
     return list;
 }
@@ -87,7 +87,7 @@ void add_points(Matrix<const double> points, const PointAxes& axes, const NodeSe
     for (int row = 1; row <= points.rows; ++row) {
         const Vec3 p = point_of(points, row, axes);
         index.visit_candidates(p, tolerance, [&](int i) {
-            if (!within(nodes.at(list[static_cast<std::size_t>(i - 1)]), p, tolerance)) return;
+            if (!within(nodes.at(list[nth(i)]), p, tolerance)) return;
             if (++hits(i) == 1)
                 for (int j = 1; j <= axes.count(); ++j)
                     sums(i, j) = points(row, j);
@@ -113,7 +113,7 @@ void store_averages(Matrix<const double> sums, Matrix<const std::int32_t> hits,
     int k = 0;
     for (int i = 1; i <= sums.rows; ++i) {
         if (hits(i) == 0) continue;
-        node.view(++k) = list[static_cast<std::size_t>(i - 1)];
+        node.view(++k) = list[nth(i)];
         for (int j = 1; j <= sums.cols; ++j)
             stress.view(k, j) = j <= coordinates ? sums(i, j) : sums(i, j) / hits(i);
     }

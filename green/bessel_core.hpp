@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "green/deep_tables.hpp"
-#include "green/vecmath.hpp"
+#include "numeric/vecmath.hpp"
 
 namespace quelor {
 

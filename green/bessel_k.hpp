@@ -1,7 +1,7 @@
 // Modified Bessel functions K0 and K1, and their scaled forms for vector loops.
 #pragma once
 
-#include "green/vecmath.hpp"
+#include "numeric/vecmath.hpp"
 
 namespace quelor {
 

@@ -1,6 +1,8 @@
 // Newton iterations for the roots of the dispersion relation.
 #include "green/eigwno.hpp"
 
+#include "numeric/index.hpp"
+
 #include <cmath>
 #include <cstddef>
 #include <numbers>
@@ -61,7 +63,7 @@ RootStatus eigwno(double H, WaveRoots& roots) {
     double x = std::atan(H * 1.3333333333 / pi);
     for (int m = 1; m <= evanescent_modes; ++m) {
         if (!solve_evanescent(H, m, x)) return RootStatus::no_evanescent_mode;
-        const auto i = static_cast<std::size_t>(m - 1);
+        const auto i = nth(m);
         const double y = m * pi - x;
         roots.k[i] = y / H;
         roots.c[i] = 4.0 * (y * y + H * H) / (H * (y * y + H * H - H));

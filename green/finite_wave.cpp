@@ -13,6 +13,7 @@
 #include "green/bessel_core.hpp"
 #include "green/deep_wave.hpp"
 #include "green/fineigseries.hpp"
+#include "numeric/index.hpp"
 
 namespace quelor {
 
@@ -107,7 +108,7 @@ QUELOR_CLONES void start_series(double h, Block& block) {
 
 QUELOR_CLONES void add_modes(const DepthCache& cache, Block& block) {
     for (int m = 1; m <= evanescent_modes && block.served[m] > 0; ++m) {
-        const auto i = static_cast<std::size_t>(m - 1);
+        const auto i = nth(m);
         const double k = cache.roots.k[i], half_c = 0.5 * cache.roots.c[i];
         const int count = block.served[m];
         finite_core::with_bessel_table(
@@ -215,7 +216,7 @@ QUELOR_CLONES void bessel_functions(double k0, Block& block) {
 void deep_part(Block& block) {
     for (int i = block.series; i < block.n; ++i)
         block.inverse[i] = block.d1[i] + block.d2[i];
-    const auto count = static_cast<std::size_t>(block.n - block.series);
+    const auto count = as_size(block.n - block.series);
     deep_images({&block.R[block.series], count}, {&block.inverse[block.series], count}, false,
                 &block.f1[block.series], &block.f2[block.series], &block.f3[block.series]);
 }

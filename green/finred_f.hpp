@@ -6,7 +6,7 @@
 
 #include "green/finite_wave.hpp"
 #include "green/finred_poly.hpp"
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 

@@ -14,7 +14,7 @@
 #include <utility>
 
 #include "green/eigwno.hpp"
-#include "green/vecmath.hpp"
+#include "numeric/vecmath.hpp"
 
 namespace quelor {
 

@@ -8,7 +8,7 @@
 
 #include "green/finred_f.hpp"
 #include "green/ggnsing.hpp"
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 

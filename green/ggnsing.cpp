@@ -11,6 +11,8 @@
 // |zeta| cancel; no slope of an edge occurs in it, and it holds in the plane as it stands.
 #include "green/ggnsing.hpp"
 
+#include "numeric/index.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -40,7 +42,7 @@ FlatPanel flat_panel(const std::array<GreenPoint, 4>& corners, bool triangle) {
         panel.y[k] = corners[k].y;
         panel.z[k] = corners[k].z;
     }
-    const auto n = static_cast<std::size_t>(panel.edges);
+    const auto n = as_size(panel.edges);
     for (std::size_t k = 0; k < n; ++k) {
         const GreenPoint edge = corners[(k + 1) % n] - corners[k];
         panel.s[k] = std::sqrt(dot(edge, edge));
@@ -66,7 +68,7 @@ FlatPanel flat_panel(const std::array<GreenPoint, 4>& corners, bool triangle) {
 // Integral over the panel as it stands; `side` is the side of the limit for points in the plane: +1
 // the side the normal points away from, -1 the other.
 static RankineIntegral panel_integral(const GreenPoint& p, const FlatPanel& panel, double side) {
-    const auto n = static_cast<std::size_t>(panel.edges);
+    const auto n = as_size(panel.edges);
     const double height = dot(panel.normal, p - panel.centre);
     const bool in_plane = std::abs(height) < 1e-8 * panel.size;
     const double zeta = std::abs(height);

@@ -2,7 +2,7 @@
 // work of vecmath. The fits are Chebyshev expansions in powers by tools/finite_tables.py.
 #pragma once
 
-#include "green/vecmath.hpp"
+#include "numeric/vecmath.hpp"
 
 namespace quelor {
 

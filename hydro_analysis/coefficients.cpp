@@ -24,7 +24,7 @@ void added_mass_and_damping(const PanelModes& modes, std::span<const Matrix<Comp
     const double images = image_count(modes.symmetry);
     for (int j = 1; j <= addm.cols; ++j) {
         const int k = modes.class_of(j);
-        const auto phi = prad[static_cast<std::size_t>(k - 1)].col(modes.column_of(j));
+        const auto phi = prad[nth(k)].col(modes.column_of(j));
         for (int i = 1; i <= addm.rows; ++i) {
             if (modes.class_of(i) != k) continue;
             const Complex8 S = weighted_sum(modes, i, phi);
@@ -38,7 +38,7 @@ void generalised_force(const PanelModes& modes, std::span<const std::span<const 
                        Complex8 factor, std::span<Complex8> f) {
     for (std::size_t i = 0; i < f.size(); ++i) {
         const int mode = static_cast<int>(i) + 1;
-        const auto& potential = phi[static_cast<std::size_t>(modes.class_of(mode) - 1)];
+        const auto& potential = phi[nth(modes.class_of(mode))];
         f[i] = factor * weighted_sum(modes, mode, potential);
     }
 }
@@ -51,8 +51,8 @@ void expand_classes(int symmetry, std::span<const std::span<const Complex8>> phi
         for (std::size_t p = 0; p < np; ++p) {
             Complex8 sum = 0;
             for (int k = 1; k <= images; ++k)
-                sum += class_sign(symmetry, k, m) * phi[static_cast<std::size_t>(k - 1)][p];
-            full[p + static_cast<std::size_t>(m - 1) * np] = factor * (sum / double(images));
+                sum += class_sign(symmetry, k, m) * phi[nth(k)][p];
+            full[p + nth(m) * np] = factor * (sum / double(images));
         }
 }
 
@@ -61,7 +61,7 @@ void reflect_class(int symmetry, int k, std::span<const Complex8> phi, Complex8 
     for (int m = 1; m <= image_count(symmetry); ++m) {
         const Complex8 signed_factor = class_sign(symmetry, k, m) * factor;
         for (std::size_t p = 0; p < phi.size(); ++p)
-            full[p + static_cast<std::size_t>(m - 1) * phi.size()] = signed_factor * phi[p];
+            full[p + nth(m) * phi.size()] = signed_factor * phi[p];
     }
 }
 

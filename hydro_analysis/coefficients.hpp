@@ -2,7 +2,7 @@
 // set from those of the classes. Sums run over the panels of the mesh in rising order.
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 
@@ -15,12 +15,8 @@ struct PanelModes {
     std::span<const std::int32_t>
         modeloc; ///< (nmode) column of each mode within its class, 1-based
 
-    int class_of(int mode) const {
-        return symmetry == 0 ? 1 : modesym[static_cast<std::size_t>(mode - 1)];
-    }
-    int column_of(int mode) const {
-        return symmetry == 0 ? mode : modeloc[static_cast<std::size_t>(mode - 1)];
-    }
+    int class_of(int mode) const { return symmetry == 0 ? 1 : modesym[nth(mode)]; }
+    int column_of(int mode) const { return symmetry == 0 ? mode : modeloc[nth(mode)]; }
 };
 
 /// Added mass rho Re(S) and damping -rho omega Im(S), S = ns * sum over p of area un(i,p)

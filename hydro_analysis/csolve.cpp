@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "green/vecmath.hpp"
-#include "solvers/lapack.hpp"
+#include "numeric/lapack.hpp"
+#include "numeric/vecmath.hpp"
 
 namespace quelor {
 

@@ -2,7 +2,7 @@
 // strengths into potentials.
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 

@@ -4,19 +4,19 @@
 #include "hydro_analysis/hyd_anal1.hpp"
 
 #include "hydro_analysis/csolve.hpp"
-#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_analysis/hyd_anal_main.hpp"
 #include "hydro_analysis/influence.hpp"
 #include "hydro_analysis/solve2.hpp"
 #include "hydro_analysis/symmetry.hpp"
+#include "hydro_model/frequency_results.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/finite.hpp"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <numeric>
 #include <string>
 
@@ -38,7 +38,7 @@ struct ClassColumns {
 };
 ClassColumns number_modes(const HydModel& model) {
     ClassColumns c;
-    c.modeloc.resize(static_cast<std::size_t>(model.size.nmode));
+    c.modeloc.resize(as_size(model.size.nmode));
     if (model.size.symmetry == 0) {
         std::iota(c.modeloc.begin(), c.modeloc.end(), 1);
         c.count[0] = model.size.nmode;
@@ -48,7 +48,7 @@ ClassColumns number_modes(const HydModel& model) {
         const int k = model.modesym[i];
         if (k < 1 || k > image_count(model.size.symmetry))
             shutdown_with(" \n\t Symmetry code error in .hyd_modesym array\n");
-        c.modeloc[i] = ++c.count[at(k)];
+        c.modeloc[i] = ++c.count[nth(k)];
     }
     return c;
 }
@@ -85,7 +85,7 @@ PanelModes panel_modes(const Analysis& a) {
 
 /// Values of one image set at (ifreq, j) of a potential array.
 std::span<Complex8> potential_column(const Array3<Complex8>& potential, int ifreq, int j) {
-    return {&potential(1, ifreq, j), static_cast<std::size_t>(potential.n1)};
+    return {&potential(1, ifreq, j), as_size(potential.n1)};
 }
 
 std::vector<std::span<const Complex8>> columns_of(Matrix<Complex8> pic) {
@@ -106,14 +106,14 @@ std::vector<std::span<const Complex8>> diffraction_potentials(const Analysis& a)
 void solve_iteratively(Matrix<const Complex4> a, Matrix<Complex4> b, double tol) {
     const int n = a.rows;
     const auto work = as_span<Complex8>(require_array(hyd_iter_work, type_complex8, {n, any_size}));
-    if (work.size() < std::size_t{9} * static_cast<std::size_t>(n))
+    if (work.size() < std::size_t{9} * as_size(n))
         shutdown_with(" \n\t.hyd_iter_work needs at least 9 columns\n");
     std::vector<Complex8> matrix(a.all().begin(), a.all().end());
     std::vector<Complex8> x(b.all().begin(), b.all().end());
-    std::vector<std::int32_t> iterations(static_cast<std::size_t>(b.cols));
+    std::vector<std::int32_t> iterations(as_size(b.cols));
     const int failed = solve2({matrix.data(), n, n}, {x.data(), n, b.cols}, tol, work, iterations);
     for (int j = 1; j <= b.cols && j != failed; ++j)
-        write_both("10(12x, 'RHS ', i5, ' converged at iteration', i5)", {j, iterations[at(j)]});
+        write_both("10(12x, 'RHS ', i5, ' converged at iteration', i5)", {j, iterations[nth(j)]});
     if (failed != 0) shutdown_with(" \n\tIterative solver did not converge\n");
     std::ranges::transform(x, b.data, [](Complex8 v) { return Complex4(v); });
 }
@@ -169,15 +169,10 @@ void form_influence(Analysis& a, const WaveOfFrequency& wave) {
     }
 }
 
-bool is_finite(std::span<const Complex8> values) {
-    return std::ranges::all_of(
-        values, [](Complex8 v) { return std::isfinite(v.real()) && std::isfinite(v.imag()); });
-}
-
 /// Coincident or badly distorted panels make the equations singular; the factorisation says
 /// nothing.
 void check_finite(std::span<const Complex8> potential) {
-    if (is_finite(potential)) return;
+    if (all_finite(potential)) return;
     shutdown_with(
         " \n\tThe panel equations have no finite solution; check the mesh for coincident panels\n");
 }
@@ -194,7 +189,7 @@ Analysis create_analysis(const HydModel& model, bool keep_potentials) {
     a.pic = create_matrix<Complex8>(".hyd_pic1234", np, classes == 1 ? 0 : classes);
     a.ph = create_matrix<Complex8>(".hyd_ph1234", np, classes == 1 ? 0 : classes);
     for (int k = 1; k <= classes; ++k) {
-        a.classes.push_back(create_class(k, np, columns.count[at(k)]));
+        a.classes.push_back(create_class(k, np, columns.count[nth(k)]));
         a.classes.back().pivot = {pivots.col(k).data(), np, 1};
     }
     if (classes > 1)
@@ -240,9 +235,9 @@ void hyd_solve_radiation(Analysis& analysis, const WaveOfFrequency& wave) {
     {
         TimedStep step(analysis.timers[Timer::radiation]);
         for (int j = 1; j <= size.nmode; ++j) {
-            const auto src = analysis.classes[at(modes.class_of(j))].src.col(modes.column_of(j));
+            const auto src = analysis.classes[nth(modes.class_of(j))].src.col(modes.column_of(j));
             for (int p = 1; p <= size.np; ++p)
-                src[at(p)] = Complex4(static_cast<float>(modes.un(j, p)), 0.0F);
+                src[nth(p)] = Complex4(static_cast<float>(modes.un(j, p)), 0.0F);
         }
         for (ClassArrays& c : analysis.classes) {
             hyd_solve_sp(analysis, c, c.src);
@@ -265,7 +260,7 @@ void hyd_solve_radiation(Analysis& analysis, const WaveOfFrequency& wave) {
     if (!analysis.results.potrad) return;
     for (int j = 1; j <= size.nmode; ++j) {
         const int k = modes.class_of(j);
-        reflect_class(size.symmetry, k, prad[at(k)].col(modes.column_of(j)),
+        reflect_class(size.symmetry, k, prad[nth(k)].col(modes.column_of(j)),
                       Complex8(0, wave.omega),
                       potential_column(analysis.results.potrad, wave.index, j));
     }
@@ -275,12 +270,12 @@ namespace {
 
 IncomingWave incoming_wave(const Analysis& analysis, const WaveOfFrequency& wave, int ibeta) {
     const HydSize& s = analysis.model.size;
-    return {wave.omega, wave.k, s.depth, analysis.model.beta[at(ibeta)],
+    return {wave.omega, wave.k, s.depth, analysis.model.beta[nth(ibeta)],
             wave.k * s.depth > s.deep_water};
 }
 
 std::span<Complex8> force_column(const Array3<Complex8>& f, int ibeta, int ifreq) {
-    return {&f(1, ibeta, ifreq), static_cast<std::size_t>(f.n1)};
+    return {&f(1, ibeta, ifreq), as_size(f.n1)};
 }
 
 } // namespace
@@ -306,14 +301,14 @@ void hyd_diffraction_forces(Analysis& analysis, const WaveOfFrequency& wave, int
     for (int m = 1; m <= images; ++m)
         incoming_normal_velocity(incoming, s.symmetry, m, analysis.model.xyzc,
                                  analysis.model.paneln, analysis.ph.col(m));
-    std::vector<Complex4> strength(static_cast<std::size_t>(s.np));
+    std::vector<Complex4> strength(as_size(s.np));
     for (int k = 1; k <= images; ++k) {
-        ClassArrays& c = analysis.classes[at(k)];
+        ClassArrays& c = analysis.classes[nth(k)];
         for (int p = 1; p <= s.np; ++p) {
             Complex8 sum = 0;
             for (int m = 1; m <= images; ++m)
                 sum += class_sign(s.symmetry, k, m) * analysis.ph(p, m);
-            strength[at(p)] = Complex4(sum);
+            strength[nth(p)] = Complex4(sum);
         }
         hyd_solve_sp(analysis, c, {strength.data(), s.np, 1});
         if (analysis.write_sources)

@@ -7,11 +7,11 @@
 // `.grnfun`.
 #include "hydro_analysis/hyd_anal_main.hpp"
 
-#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_analysis/hyd_anal1.hpp"
 #include "hydro_analysis/hyd_merge.hpp"
 #include "hydro_analysis/hyd_reports.hpp"
 #include "hydro_analysis/symmetry.hpp"
+#include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/waven.hpp"
@@ -62,10 +62,11 @@ std::vector<double> read_added_frequencies(const AnalysisOptions& options) {
         print_both(" \n\tA maximum of 1000 frequencies can be added at one time\n");
         shutdown_with(" \n\tExecution terminating.\n");
     }
-    std::vector<double> values(static_cast<std::size_t>(std::max(options.added, 0)));
+    std::vector<double> values(as_size(std::max(options.added, 0)));
     if (values.empty()) return values;
-    read_real_record(
-        options.periods ? "Enter wave periods (sec)\n" : "Enter wave frequencies, rad/sec\n", values);
+    read_real_record(options.periods ? "Enter wave periods (sec)\n"
+                                     : "Enter wave frequencies, rad/sec\n",
+                     values);
     for (double& v : values) {
         if (!(v > 0) || !std::isfinite(v)) {
             print_both(" \n\tPeriods and frequencies must be greater than 0\n");
@@ -84,7 +85,7 @@ void check_model(const HydSize& size) {
 }
 
 WaveOfFrequency wave_of_frequency(const HydModel& model, int ifreq) {
-    const double omega = model.freq[static_cast<std::size_t>(ifreq - 1)];
+    const double omega = model.freq[nth(ifreq)];
     const WaveNumber wave = waven(omega, model.size.depth, model.size.grav);
     if (!wave.converged) print_both(" \n\tWARNING: dispersion relation failed-WAVEN\n");
     write_both(
@@ -99,7 +100,7 @@ void analyse_frequency(Analysis& analysis, const WaveOfFrequency& wave) {
     write_both("('    Calculating radiation potential')");
     hyd_solve_radiation(analysis, wave);
     for (int ibeta = 1; ibeta <= analysis.model.size.nbeta; ++ibeta) {
-        const double beta = analysis.model.beta[static_cast<std::size_t>(ibeta - 1)];
+        const double beta = analysis.model.beta[nth(ibeta)];
         write_both("15(/, 6x, 'Wave heading', i3, ' at ', f7.2,' degrees')",
                    {ibeta, beta * 180 / std::numbers::pi});
         write_both("('    Calculating incoming potential and forces')");
@@ -119,7 +120,7 @@ void run_analysis(const HydModel& model, const AnalysisOptions& options, int fir
     const double start = cpu_seconds();
     const auto twnk = as_matrix<double>(require_array(hyd_twnk, type_real, {model.size.nfreq, 2}));
     for (int i = 1; i <= model.size.nfreq; ++i)
-        twnk(i, 1) = 2 * std::numbers::pi / model.freq[static_cast<std::size_t>(i - 1)];
+        twnk(i, 1) = 2 * std::numbers::pi / model.freq[nth(i)];
     print_trace_title();
     if (options.source) open_source_files();
     Analysis analysis = create_analysis(model, !options.no_pot);

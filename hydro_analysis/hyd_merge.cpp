@@ -2,8 +2,8 @@
 // the coefficients and the potentials; workspaces `$freq`, `$twnk`, `$..._orig`, `$merge`.
 #include "hydro_analysis/hyd_merge.hpp"
 
-#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_analysis/hyd_problem.hpp"
+#include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/project.hpp"
@@ -83,7 +83,7 @@ int add_frequencies(std::span<const double> added, bool keep_potentials) {
     const auto freq = create_matrix<double>("$freq", nfreq, 0);
     const auto twnk = create_matrix<double>("$twnk", nfreq, 2);
     for (int i = 1; i <= nfreq; ++i) {
-        freq(i) = i <= nold ? old_freq[at(i)] : values[at(i - nold)];
+        freq(i) = i <= nold ? old_freq[nth(i)] : values[nth(i - nold)];
         twnk(i, 1) = i <= nold ? old_twnk(i, 1) : 2 * std::numbers::pi / freq(i);
         twnk(i, 2) = i <= nold ? old_twnk(i, 2) : 0.0;
     }
@@ -175,7 +175,7 @@ void merge_strengths(const StrengthKind& kind, std::span<const double> freq, int
     now.next();
     const int nfreq = static_cast<int>(freq.size());
     for (int i = 1; i <= nfreq; ++i) {
-        const double omega = freq[at(i)];
+        const double omega = freq[nth(i)];
         if (old.omega != omega && now.omega != omega) {
             write_both(
                 "10(/, ' ifreq =', i5, /, ' nfreq =', i5, /, ' omega(ifreq)=', 1pe12.4, /, ' omega1 =', e12.4, /, ' omega2 =', e12.4)",

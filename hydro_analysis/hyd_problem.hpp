@@ -4,7 +4,7 @@
 
 #include "hydro_analysis/coefficients.hpp"
 #include "hydro_analysis/incoming_wave.hpp"
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 #include <numbers>
 
@@ -12,11 +12,6 @@ namespace quelor {
 
 /// Degrees in a radian.
 inline constexpr double degrees = 180.0 / std::numbers::pi;
-
-/// 0-based position in a span of entry i, 1-based.
-constexpr std::size_t at(int i) {
-    return static_cast<std::size_t>(i - 1);
-}
 
 /// The control values that several commands fetch together.
 struct HydSize {

@@ -2,7 +2,7 @@
 // `.hyd_coordaxs`, `.hyd_hysdamp`.
 #include "hydro_analysis/hyd_reports.hpp"
 
-#include "hydro_analysis/frequency_results.hpp"
+#include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/project.hpp"
@@ -74,7 +74,7 @@ bool has_negative_diagonal(Matrix<const double> a) {
 void write_forces(const HydSize& size, int ifreq, double omega, std::span<const double> beta,
                   Array3<const Complex8> fi, Array3<const Complex8> fd) {
     for (int ib = 1; ib <= size.nbeta; ++ib) {
-        const double angle = beta[at(ib)] * degrees;
+        const double angle = beta[nth(ib)] * degrees;
         write_unit(
             unit_ot2,
             "10(/,'FROUDE-KRYLOV FORCE FOR WAVE HEADING  ',f10.5,' deg.', //, 27x, 'Real', 6x, 'Imaginary', 6x, 'Amplitude', 10x, 'Phase')",
@@ -143,7 +143,7 @@ void write_wave_lists(const HydSize& size, int first, std::span<const double> fr
     write_both(
         "100(/, 2x, 'Number of wave frequencies..........................', i10, /, 2x, 'Wave frequencies in rad/sec')",
         {size.nfreq - first + 1});
-    write_both("110(4x, 8f9.4)", {freq.subspan(at(first))});
+    write_both("110(4x, 8f9.4)", {freq.subspan(nth(first))});
 }
 
 void write_coefficient_reports(const HydSize& size, std::span<const double> beta) {

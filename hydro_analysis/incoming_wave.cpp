@@ -67,8 +67,7 @@ void incoming_normal_velocity(const IncomingWave& wave, int symmetry, int m,
         const double nx = sign_x * n(1, p), ny = sign_y * n(2, p);
         const auto [A, B] = velocity_decay(wave, xyzc(p, 3));
         const Complex8 e = std::polar(1.0, -wave.k * (x * c + y * s));
-        h[static_cast<std::size_t>(p - 1)] =
-            -wave.omega * Complex8((nx * c + ny * s) * A, n(3, p) * B) * e;
+        h[nth(p)] = -wave.omega * Complex8((nx * c + ny * s) * A, n(3, p) * B) * e;
     }
 }
 

@@ -5,7 +5,7 @@
 // upward from the still water.   Source: [Newman 1977, sec. 6.2 and 6.3]
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 

@@ -22,10 +22,6 @@ constexpr int tile = 32; // a tile's buffers stay in the second-level cache
 // Distance of the arrays of a tile. With a power of two their elements would share few cache sets.
 constexpr std::ptrdiff_t plane = tile * tile + 24;
 
-std::size_t at(std::ptrdiff_t k) {
-    return static_cast<std::size_t>(k);
-}
-
 // All panels, lengths times K; 0-based.
 struct ScaledMesh {
     int np;
@@ -60,10 +56,10 @@ struct Range {
 SourcePanel source_panel(const PanelMesh& mesh, int p, double K, double gauge) {
     std::array<GreenPoint, 4> corners;
     for (int k = 1; k <= 4; ++k) {
-        corners[at(k - 1)] = {K * mesh.xr(p, k), K * mesh.yr(p, k), K * mesh.zr(p, k)};
+        corners[nth(k)] = {K * mesh.xr(p, k), K * mesh.yr(p, k), K * mesh.zr(p, k)};
     }
-    const double area = mesh.area[at(p - 1)] * K * K;
-    return {flat_panel(corners, mesh.type[at(p - 1)] == 1),
+    const double area = mesh.area[nth(p)] * K * K;
+    return {flat_panel(corners, mesh.type[nth(p)] == 1),
             {K * mesh.xyzc(p, 1), K * mesh.xyzc(p, 2), K * mesh.xyzc(p, 3)},
             area,
             std::sqrt(area) * gauge};
@@ -71,10 +67,10 @@ SourcePanel source_panel(const PanelMesh& mesh, int p, double K, double gauge) {
 
 static ScaledMesh scaled_mesh(const PanelMesh& mesh, const InfluenceParameters& parameters) {
     const int np = mesh.xyzc.rows;
-    ScaledMesh scaled{np, std::vector<double>(8 * at(np)), {}, {}};
+    ScaledMesh scaled{np, std::vector<double>(8 * as_size(np)), {}, {}};
     double* v = scaled.values.data();
     const auto column = [&](int k) { return v + std::ptrdiff_t{k} * np; };
-    scaled.source.reserve(at(np));
+    scaled.source.reserve(as_size(np));
     for (int p = 1; p <= np; ++p) {
         const SourcePanel source = source_panel(mesh, p, parameters.K, parameters.gauge);
         const double row[] = {source.centroid.x, source.centroid.y, source.centroid.z, mesh.n(1, p),
@@ -102,11 +98,11 @@ static Tiles make_tiles(const ScaledMesh& mesh, const InfluenceParameters& param
             cache,
             alpha,
             beta,
-            std::vector<double>((12 + 8 * at(ns)) * at(plane)),
+            std::vector<double>((12 + 8 * as_size(ns)) * as_size(plane)),
             {},
             {},
             {},
-            std::vector<Complex4>(2 * at(plane))};
+            std::vector<Complex4>(2 * as_size(plane))};
     double* next = t.numbers.data();
     for (double** pointer :
          {&t.geometry.R, &t.geometry.Z, &t.geometry.d1, &t.geometry.d2, &t.wave.f1, &t.wave.f2,
@@ -141,7 +137,7 @@ static RowPanel row_panel(const Tiles& t, int i, int m) {
 static void near_pair(const Tiles& t, int j, int i, const RowPanel& row, double R, double f1,
                       double f2, double f3, double& G, double& D) {
     const PanelBlock& b = t.mesh.block;
-    const SourcePanel& source = t.mesh.source[at(i)];
+    const SourcePanel& source = t.mesh.source[as_size(i)];
     const RankineIntegral I =
         rankine_terms({b.x[j], b.y[j], b.z[j]}, source, row.sign_x, row.sign_y, t.hnd);
     const double dx = b.x[j] - row.sign_x * b.x[i], dy = b.y[j] - row.sign_y * b.y[i];
@@ -169,7 +165,7 @@ static void near_row(const Tiles& t, const RowPanel& row, int i, Range columns, 
 }
 
 static void evaluate_wave(const Tiles& t, int n) {
-    const std::size_t count = at(n);
+    const std::size_t count = as_size(n);
     if (t.h_green > 0) {
         finite_wave_terms({t.geometry.R, count}, {t.geometry.d1, count}, {t.geometry.d2, count},
                           t.cache, t.wave);
@@ -211,8 +207,8 @@ static void copy_column(int n, int stride, const Complex4* from, Complex4* to) {
 static void write_class(Tiles& t, int k, Range rows, Range columns) {
     std::array<double, 4> sign{};
     for (int m = 1; m <= t.ns; ++m)
-        sign[at(m - 1)] = class_sign(t.symmetry, k, m);
-    const Matrix<Complex4>&alpha = t.alpha[at(k - 1)], &beta = t.beta[at(k - 1)];
+        sign[nth(m)] = class_sign(t.symmetry, k, m);
+    const Matrix<Complex4>&alpha = t.alpha[nth(k)], &beta = t.beta[nth(k)];
     Complex4* alpha_mirror = t.mirrored.data();
     Complex4* beta_mirror = alpha_mirror + plane;
     const bool diagonal = rows.first == columns.first;
@@ -244,9 +240,10 @@ static bool finite_panel(const SourcePanel& s, const PanelBlock& b, int p) {
 
 static GreenInfluence pair_by_ggn(const Tiles& t, int j, int i, int m, DepthCache& cache) {
     const PanelBlock& b = t.mesh.block;
-    return ggn({{b.x[j], b.y[j], b.z[j]}, {b.nx[j], b.ny[j], b.nz[j]}},
-               {t.mesh.source[at(i)], image_sign_x(t.symmetry, m), image_sign_y(t.symmetry, m)},
-               {t.hnd, t.h_green}, cache);
+    return ggn(
+        {{b.x[j], b.y[j], b.z[j]}, {b.nx[j], b.ny[j], b.nz[j]}},
+        {t.mesh.source[as_size(i)], image_sign_x(t.symmetry, m), image_sign_y(t.symmetry, m)},
+        {t.hnd, t.h_green}, cache);
 }
 
 // The first pair of source panel i that has no Green function. One below the bottom has none with
@@ -269,7 +266,7 @@ static InfluenceStatus check_source(const Tiles& t, int i, DepthCache& cache) {
 static InfluenceStatus check_panels(const Tiles& t, DepthCache& cache) {
     const PanelBlock& b = t.mesh.block;
     for (int p = 0; p < b.n; ++p) {
-        if (!finite_panel(t.mesh.source[at(p)], b, p)) return {2, p + 1, {}};
+        if (!finite_panel(t.mesh.source[as_size(p)], b, p)) return {2, p + 1, {}};
     }
     const double deepest = t.h_green > 0 ? t.h_green : 4e7, farthest = 2e7;
     for (int p = 0; p < b.n; ++p) {

@@ -5,7 +5,7 @@
 #include <functional>
 
 #include "green/ggn.hpp"
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 

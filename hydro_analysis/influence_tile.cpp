@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "green/vecmath.hpp"
+#include "numeric/vecmath.hpp"
 
 // The arrays of a loop are distinct; there are too many of them to be checked at run time.
 #ifdef __clang__

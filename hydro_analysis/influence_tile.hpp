@@ -9,7 +9,7 @@
 #include <cstddef>
 
 #include "green/wave_terms.hpp"
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 

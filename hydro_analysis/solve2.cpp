@@ -53,11 +53,11 @@ static void multiply_both(Matrix<const Complex8> a, const Workspace& w) {
     std::ranges::fill(w.q, Complex8{});
     std::ranges::fill(w.qt, Complex8{});
     for (int first = 0; first < a.rows; first += block) {
-        const auto start = static_cast<std::size_t>(first);
-        const auto n = static_cast<std::size_t>(std::min(block, a.rows - first));
+        const auto start = as_size(first);
+        const auto n = as_size(std::min(block, a.rows - first));
         for (int j = 1; j <= a.cols; ++j) {
             const auto column = a.col(j).subspan(start, n);
-            const auto at = static_cast<std::size_t>(j - 1);
+            const auto at = nth(j);
             add(w.q.subspan(start, n), w.p[at], column);
             w.qt[at] += inner(column, w.pt.subspan(start, n));
         }
@@ -105,13 +105,13 @@ static int solve_column(Matrix<const Complex8> a, std::span<const Complex8> b, d
 int solve2(Matrix<const Complex8> a, Matrix<Complex8> b, double tol, std::span<Complex8> work,
            std::span<std::int32_t> iterations) {
     if (b.cols == 0) return 0;
-    const Workspace w = split(work, static_cast<std::size_t>(a.rows));
+    const Workspace w = split(work, as_size(a.rows));
     for (int i = 1; i <= a.rows; ++i)
-        w.d[static_cast<std::size_t>(i - 1)] = a(i, i);
+        w.d[nth(i)] = a(i, i);
     for (int c = 1; c <= b.cols; ++c) {
         const int count = solve_column(a, b.col(c), tol, w);
         if (count < 0) return c;
-        iterations[static_cast<std::size_t>(c - 1)] = count;
+        iterations[nth(c)] = count;
         std::ranges::copy(w.x, b.col(c).begin());
     }
     return 0;

@@ -2,7 +2,7 @@
 // as preconditioner.
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 

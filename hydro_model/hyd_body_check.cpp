@@ -20,7 +20,7 @@ using Vector3 = std::array<double, 3>;
 void check_nodes(const MeshPart& part, int body_sym) {
     bool headed = false;
     for (int node = part.nodes[0]; node <= part.nodes[1]; ++node) {
-        if (part.active[static_cast<std::size_t>(node - 1)] != 'A') continue;
+        if (part.active[nth(node)] != 'A') continue;
         const double x = part.xyz(1, node), y = part.xyz(2, node);
         if (!(y < 0.0) && !(body_sym == 2 && x < 0.0)) continue;
         if (!headed && body_sym == 1)

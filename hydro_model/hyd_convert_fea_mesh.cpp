@@ -42,9 +42,9 @@ struct WetFamily {
 /// Corner nodes as a panel. On the positive face they run counterclockwise, so their order turns.
 PanelNodes panel_nodes(std::span<const std::int32_t> element, const WetKind& kind) {
     PanelNodes n{};
-    const auto last = static_cast<std::size_t>(kind.nodes);
+    const auto last = as_size(kind.nodes);
     std::copy_n(element.begin(), last, n.begin());
-    if (element[static_cast<std::size_t>(kind.face - 1)] != 1) return n;
+    if (element[nth(kind.face)] != 1) return n;
     std::swap(n[1], n[last - 1]);
     if (kind.nodes == 4 && n[1] == n[2]) n[2] = n[3];
     return n;

@@ -19,9 +19,9 @@
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
 #include "matrix/print.hpp"
+#include "numeric/finite.hpp"
 
 #include <algorithm>
-#include <cmath>
 
 namespace quelor {
 
@@ -84,7 +84,7 @@ ModeArrays flex_arrays(const FlexSizes& s, Origin origin) {
 void warn_of_missing_codes(const FlexSizes& s, std::span<const std::int32_t> modesym) {
     const int classes = 2 * s.symmetry;
     for (int m = s.nmoder + 1; s.symmetry != 0 && m <= s.nmode; ++m) {
-        const auto code = modesym[static_cast<std::size_t>(m - 1)];
+        const auto code = modesym[nth(m)];
         if (code < 1 || code > classes)
             write_both("('    WARNING: No symmetry code in .hyd_modesym for mode', i6)", {m});
     }
@@ -137,9 +137,7 @@ void set_mode_code(const FlexSizes& s, std::span<const std::int32_t> head,
     if (head[0] <= s.nmoder || head[0] > s.nmode) shutdown_with(" \n\tMode number out of range\n");
     for (const int sym : head.subspan(1))
         if (sym != 0 && sym != 1) shutdown_with(" \n\tSymmetry of a mode should be 0 or 1\n");
-    if (s.symmetry != 0)
-        modesym[static_cast<std::size_t>(head[0] - 1)] =
-            symmetry_code(s.symmetry, head[1], head[2]);
+    if (s.symmetry != 0) modesym[nth(head[0])] = symmetry_code(s.symmetry, head[1], head[2]);
 }
 
 /// Records of one mode up to a blank one or the end of the file; nodes not named do not move.
@@ -150,8 +148,7 @@ void read_mode(const FlexSizes& s, int mode, const ModeArrays& modes) {
         std::array<double, 7> record{};
         read_real_record("Enter node  ux  uy  uz  thx  thy  thz\n", record);
         if (record_text().empty() || at_end_of_input()) return;
-        if (!std::ranges::all_of(record, [](double v) { return std::isfinite(v); }))
-            shutdown_with(" \n\tModal displacements must be numbers\n");
+        if (!all_finite(record)) shutdown_with(" \n\tModal displacements must be numbers\n");
         if (!(record[0] >= 1.0) || record[0] > s.nnodes)
             shutdown_with(" \n\tNode number of a mode out of range\n");
         for (std::size_t i = 0; i < 6; ++i)
@@ -193,7 +190,7 @@ std::vector<PanelNodes> panel_nodes(const FlexSizes& s) {
     const auto zr = require_matrix<double>(hyd_zr, s.np, 4);
     std::vector<PanelNodes> panels;
     for (int e = 1; e <= el.cols; ++e) {
-        const int p = map[static_cast<std::size_t>(e - 1)];
+        const int p = map[nth(e)];
         if (p < 1) continue;
         if (p > s.np) shutdown_with(" \n\tThe panel map does not fit the number of wet panels\n");
         PanelNodes panel{p, {}, {}};
@@ -201,8 +198,8 @@ std::vector<PanelNodes> panel_nodes(const FlexSizes& s) {
         for (int i = 1; i <= 4; ++i) {
             const int node = i == 4 && el(4, e) == 0 ? el(3, e) : el(i, e);
             if (node < 1 || node > s.nnodes) shutdown_with(" \n\tNodes of a panel out of range\n");
-            panel.nodes[static_cast<std::size_t>(i - 1)] = node;
-            corners[static_cast<std::size_t>(i - 1)] = {xr(p, i), yr(p, i), zr(p, i)};
+            panel.nodes[nth(i)] = node;
+            corners[nth(i)] = {xr(p, i), yr(p, i), zr(p, i)};
         }
         panel.shape = panel_shape(corners, {n(1, p), n(2, p), n(3, p)});
         panels.push_back(panel);
@@ -237,7 +234,7 @@ void form_flexible_stiffness(const FlexSizes& s, const ModeArrays& modes) {
                          require_real(hyd_fluid_rho) * require_real(hyd_grav);
     const Temporary<double> fluid("$tmp1", s.nmode, s.nmode);
     pressure_stiffness(modes.un, modes.uz, area, fluid.view);
-    const auto code = [&](int m) { return modes.modesym[static_cast<std::size_t>(m - 1)]; };
+    const auto code = [&](int m) { return modes.modesym[nth(m)]; };
     for (int j = 1; j <= s.nmode; ++j)
         for (int i = 1; i <= s.nmode; ++i) {
             if (i <= s.nmoder && j <= s.nmoder) continue;

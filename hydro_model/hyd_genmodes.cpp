@@ -52,7 +52,7 @@ void set_symmetry_codes(int symmetry, int nmode) {
         if (code == 0)
             shutdown_with(std::string(" \n\tSymmetry of mode ").append(number) +
                           " is missing or not valid\n");
-        as_span<std::int32_t>(modesym)[static_cast<std::size_t>(m - 1)] = code;
+        as_span<std::int32_t>(modesym)[nth(m)] = code;
     }
 }
 

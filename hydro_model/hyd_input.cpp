@@ -8,6 +8,7 @@
 #include "hydro_model/hyd_nodes.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
+#include "numeric/finite.hpp"
 
 #include <algorithm>
 #include <array>
@@ -110,8 +111,7 @@ void cmd_hyd_coordaxs(std::string_view) {
     get_real_par(" zb=", axes[8]);
     get_real_par(" theta=", axes[9]);
     get_real_par(" zcg=", axes[10]);
-    if (!std::ranges::all_of(axes, [](double x) { return std::isfinite(x); }))
-        shutdown_with(" \n\tCoordinates and angles must be numbers\n");
+    if (!all_finite(axes)) shutdown_with(" \n\tCoordinates and angles must be numbers\n");
     std::ranges::copy(axes, body_columns(nbodies).col(body).begin());
 }
 

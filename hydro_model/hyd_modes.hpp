@@ -6,7 +6,7 @@
 #pragma once
 
 #include "kernel/command.hpp"
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 #include <array>
 

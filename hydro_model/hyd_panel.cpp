@@ -4,13 +4,13 @@
 #include "hydro_model/hyd_panel.hpp"
 
 #include "fem/elemutil.hpp"
-#include "fem/point_index.hpp"
 #include "hydro_model/hyd_input.hpp"
-#include "hydro_model/hyd_panel_geometry.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/panel_geometry.hpp"
+#include "numeric/point_index.hpp"
 
 #include <algorithm>
 #include <optional>
@@ -67,9 +67,9 @@ std::vector<char> panel_codes(std::span<const Panel> panels, std::span<const Fla
     if (symmetry < 0 || symmetry > 2)
         print_both(
             " \n\tValid symmtry code (.hyd_symmetry) not specified. See command hyd_parameters. Using no symmetry.\n");
-    std::vector<char> codes(static_cast<std::size_t>(n), ' ');
+    std::vector<char> codes(as_size(n), ' ');
     for (std::size_t i = 0; i < panels.size(); ++i)
-        codes[static_cast<std::size_t>(panels[i].number - 1)] = panel_code(flat[i], symmetry);
+        codes[nth(panels[i].number)] = panel_code(flat[i], symmetry);
     return codes;
 }
 
@@ -91,12 +91,12 @@ void warn_coincident(std::span<const Panel> panels, std::span<const FlatPanel> f
     PointIndex index;
     int found = 0;
     for (std::size_t i = 0; i < panels.size(); ++i) {
-        if (!is_wet(codes[static_cast<std::size_t>(panels[i].number - 1)])) continue;
+        if (!is_wet(codes[nth(panels[i].number)])) continue;
         const Vec3& c = flat[i].centroid;
         const double tol = 1e-6 * std::sqrt(flat[i].area);
         std::optional<std::size_t> twin;
         index.visit_candidates(c, {tol, tol, tol}, [&](int k) {
-            const auto at = static_cast<std::size_t>(k);
+            const auto at = as_size(k);
             if (!twin && within(flat[at].centroid, c, {tol, tol, tol})) twin = at;
         });
         if (twin && ++found <= most_listed)
@@ -120,15 +120,15 @@ void store_geometry(std::span<const Panel> panels, std::span<const FlatPanel> fl
                             create_matrix<double>(hyd_yr, np, 4),
                             create_matrix<double>(hyd_zr, np, 4)};
     for (std::size_t i = 0; i < panels.size(); ++i) {
-        const int p = map[static_cast<std::size_t>(panels[i].number - 1)];
+        const int p = map[nth(panels[i].number)];
         if (p == 0) continue;
         area(p) = flat[i].area;
         for (int axis = 1; axis <= 3; ++axis) {
-            const auto k = static_cast<std::size_t>(axis - 1);
+            const auto k = nth(axis);
             normal(axis, p) = flat[i].normal[k];
             centroid(p, axis) = flat[i].centroid[k];
             for (int j = 1; j <= 4; ++j)
-                corner[k](p, j) = flat[i].corners[static_cast<std::size_t>(j - 1)][k];
+                corner[k](p, j) = flat[i].corners[nth(j)][k];
         }
     }
 }
@@ -148,8 +148,7 @@ void write_pan(std::span<const Panel> panels, std::span<const FlatPanel> flat,
         const auto& [nx, ny, nz] = flat[i].normal;
         const int e = panels[i].number;
         write_unit(unit_pan, "30(i6, 2x, 1p3e15.7, 4e12.4, 8x, a1)",
-                   {e, x, y, z, nx, ny, nz, flat[i].area,
-                    std::string_view(&codes[static_cast<std::size_t>(e - 1)], 1)});
+                   {e, x, y, z, nx, ny, nz, flat[i].area, std::string_view(&codes[nth(e)], 1)});
     }
     write_unit(unit_pan, "40(/,2x,'Panel # & Coordinates of the 4 Panel Corners',/)");
     for (std::size_t i = 0; i < panels.size(); ++i) {
@@ -241,7 +240,7 @@ void make_panel_rmap() {
     const auto map = as_span<std::int32_t>(ref);
     const auto rmap = create_matrix<std::int32_t>(hyd_panel_rmap, np, 0);
     for (int e = 1; e <= n; ++e)
-        if (const int p = map[static_cast<std::size_t>(e - 1)]; p >= 1 && p <= np) rmap(p) = e;
+        if (const int p = map[nth(e)]; p >= 1 && p <= np) rmap(p) = e;
 }
 
 void hyd_panel_element(Request request) {

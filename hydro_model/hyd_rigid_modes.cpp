@@ -15,6 +15,7 @@
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
 #include "matrix/print.hpp"
+#include "numeric/finite.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -154,8 +155,8 @@ void form_normals(const MeshPart& part, const BodyFrame& frame, const ModeArrays
         const BodyPoint point = body_point(part.panels, p, frame);
         const RigidValues un = rigid_normal(point), uz = rigid_vertical(point);
         for (int m = 1; m <= body_modes; ++m) {
-            modes.un(first + m, p) = un[static_cast<std::size_t>(m - 1)] + 0.0; // 0 for -0
-            modes.uz(first + m, p) = uz[static_cast<std::size_t>(m - 1)] + 0.0;
+            modes.un(first + m, p) = un[nth(m)] + 0.0; // 0 for -0
+            modes.uz(first + m, p) = uz[nth(m)] + 0.0;
         }
     }
 }
@@ -164,14 +165,13 @@ void form_nodal_displacements(const MeshPart& part, const BodyFrame& frame,
                               const ModeArrays& modes) {
     const int first = body_modes * (part.body - 1);
     for (int node = part.nodes[0]; node <= part.nodes[1]; ++node) {
-        if (part.active[static_cast<std::size_t>(node - 1)] != 'A') continue;
+        if (part.active[nth(node)] != 'A') continue;
         const auto motion =
             rigid_nodal_motion(frame, part.xyz(1, node) - frame.xb, part.xyz(2, node) - frame.yb,
                                part.xyz(3, node) - frame.zb);
         for (std::size_t i = 0; i < motion.size(); ++i)
             for (int m = 1; m <= body_modes; ++m)
-                modes.nodal[i](node, first + m) =
-                    motion[i][static_cast<std::size_t>(m - 1)] + 0.0; // 0 for -0
+                modes.nodal[i](node, first + m) = motion[i][nth(m)] + 0.0; // 0 for -0
     }
 }
 
@@ -180,7 +180,7 @@ void set_symmetry_codes(const MeshPart& part, std::span<std::int32_t> modesym) {
         {{1, 2, 1, 2, 1, 2}, {1, 2, 3, 2, 1, 4}}};
     if (part.symmetry == 0) return;
     const int first = body_modes * (part.body - 1);
-    std::ranges::copy(codes[static_cast<std::size_t>(part.symmetry - 1)], modesym.begin() + first);
+    std::ranges::copy(codes[nth(part.symmetry)], modesym.begin() + first);
 }
 
 void cmd_hyd_rigid_modes(std::string_view) {
@@ -236,8 +236,7 @@ void cmd_hyd_rmass(std::string_view) {
     const Temporary<double> rows("$hyd_rmass", n, n); // a record is a column here
     for (int i = 1; i <= n; ++i)
         read_real_record("Enter mass matrix, one row a record\n", rows.view.col(i));
-    if (!std::ranges::all_of(rows.view.all(), [](double m) { return std::isfinite(m); }))
-        shutdown_with(" \n\tMasses must be numbers\n");
+    if (!all_finite(rows.view.all())) shutdown_with(" \n\tMasses must be numbers\n");
     const auto mass = structural_mass(hyd_mode_count());
     for (int j = 1; j <= n; ++j)
         for (int i = 1; i <= n; ++i)

@@ -3,10 +3,10 @@
 #include "hydro_model/hyd_surf_panel.hpp"
 
 #include "fem/elemutil.hpp"
-#include "fem/point_index.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/point_index.hpp"
 
 #include <algorithm>
 
@@ -17,9 +17,9 @@ namespace {
 /// From the filled table to codes, map and types.
 void finish_surface_panels() {
     const auto panels = checked_panels(hyd_surface_panels);
-    std::vector<char> codes(static_cast<std::size_t>(get_int(hyd_num_surf_panels)), ' ');
+    std::vector<char> codes(as_size(get_int(hyd_num_surf_panels)), ' ');
     for (const Panel& panel : panels)
-        codes[static_cast<std::size_t>(panel.number - 1)] = 'W';
+        codes[nth(panel.number)] = 'W';
     number_panels(hyd_surface_panels, codes, [](char code) { return code == 'W'; });
     store_types(hyd_surface_panels, panels);
 }
@@ -52,8 +52,7 @@ struct GrowingNodes {
         const Vec3 tol{same_place, same_place, same_place};
         int found = 0;
         index.visit_candidates(p, tol, [&](int n) {
-            if (within(x[static_cast<std::size_t>(n - 1)], p, tol) && (found == 0 || n < found))
-                found = n;
+            if (within(x[nth(n)], p, tol) && (found == 0 || n < found)) found = n;
         });
         if (found != 0) return found;
         x.push_back(p);
@@ -118,7 +117,7 @@ void store_new_nodes(const GrowingNodes& nodes, int count) {
     }
     NodeSet set = open_nodes(hyd_surface_nodes);
     for (int k = count + 1; k <= n; ++k)
-        set.define(k, nodes.x[static_cast<std::size_t>(k - 1)]);
+        set.define(k, nodes.x[nth(k)]);
     create_int_scalar(hyd_num_surf_nodes, n);
     delete_array(hyd_surf_disp);
 }
@@ -134,13 +133,13 @@ void divide_panels(const Division& d, std::span<const Panel> panels) {
         if (set.is_active(k)) nodes.index.add(k, set.at(k));
     }
     std::vector<std::array<std::int32_t, 4>> added;
-    std::vector<std::array<std::int32_t, 4>> table(static_cast<std::size_t>(el.cols));
+    std::vector<std::array<std::int32_t, 4>> table(as_size(el.cols));
     for (int e = 1; e <= el.cols; ++e)
-        std::ranges::copy(el.col(e), table[static_cast<std::size_t>(e - 1)].begin());
+        std::ranges::copy(el.col(e), table[nth(e)].begin());
     for (const Panel& panel : panels) {
         if (panel.number < d.first || panel.number > d.last) continue;
         const auto parts = parts_of(panel, el.col(panel.number), d, nodes);
-        table[static_cast<std::size_t>(panel.number - 1)] = parts.front();
+        table[nth(panel.number)] = parts.front();
         added.insert(added.end(), parts.begin() + 1, parts.end());
     }
     table.insert(table.end(), added.begin(), added.end());
@@ -149,7 +148,7 @@ void divide_panels(const Division& d, std::span<const Panel> panels) {
     const int n = static_cast<int>(table.size());
     Temporary<std::int32_t> divided("$hyd_surf_panel_subdivide", 4, n);
     for (int e = 1; e <= n; ++e)
-        std::ranges::copy(table[static_cast<std::size_t>(e - 1)], divided.view.col(e).begin());
+        std::ranges::copy(table[nth(e)], divided.view.col(e).begin());
     delete_panels(hyd_surface_panels);
     divided.becomes(hyd_surf_panel_el);
     create_int_scalar(hyd_num_surf_panels, n);

@@ -4,13 +4,14 @@
 // Commands: hyd_wave, hyd_wave_dispersion.
 // Writes: `.hyd_wave`, `.hyd_beta`, `.hyd_freq`, `.hyd_twnk`; deletes or shortens the results.
 // Reads: `.hyd_depth`, `.hyd_grav`. Workspace: `$hyd_freq`, `$hyd_twnk`, `$compact_array`.
-#include "hydro_analysis/frequency_results.hpp"
+#include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/finite.hpp"
 
 #include <algorithm>
 #include <array>
@@ -65,16 +66,15 @@ void delete_results() {
 }
 
 void read_angles(int nbeta) {
-    std::vector<double> degrees(static_cast<std::size_t>(nbeta));
+    std::vector<double> degrees(as_size(nbeta));
     read_real_record("Enter wave angles in degrees\n", degrees);
-    if (!std::ranges::all_of(degrees, [](double a) { return std::isfinite(a); }))
-        shutdown_with(" \n\tWave angles must be numbers\n");
+    if (!all_finite(degrees)) shutdown_with(" \n\tWave angles must be numbers\n");
     std::ranges::transform(degrees, create_matrix<double>(hyd_beta, nbeta, 0).data,
                            [](double a) { return a * std::numbers::pi / 180.0; });
 }
 
 std::vector<double> read_periods_or_frequencies(int n, bool frequencies) {
-    std::vector<double> values(static_cast<std::size_t>(n));
+    std::vector<double> values(as_size(n));
     read_real_record(
         frequencies ? "Enter wave frequencies, rad/sec\n" : "Enter wave periods (sec)\n", values);
     return values;

@@ -52,7 +52,7 @@ static WaterplaneSums sums_of_copy(const WetPanels& panels, std::span<const std:
     WaterplaneSums sums;
     for (const int p : list) {
         const BodyPoint q = body_point(panels, p, frame, reflection);
-        const double area = panels.area[static_cast<std::size_t>(p - 1)];
+        const double area = panels.area[nth(p)];
         const double a = area * q.nz;
         sums.sw += a;
         sums.sx += a * q.x;
@@ -99,11 +99,11 @@ std::array<double, 36> rigid_stiffness(const WaterplaneSums& sums, double zcg, d
 VolumeSums volume_sums(const WetPanels& panels, std::span<const std::int32_t> list) {
     VolumeSums sums;
     for (const int p : list) {
-        const double area = panels.area[static_cast<std::size_t>(p - 1)];
+        const double area = panels.area[nth(p)];
         for (int i = 1; i <= 3; ++i) {
             const double x = panels.xyzc(p, i), na = panels.n(i, p) * area;
-            sums.first[static_cast<std::size_t>(i - 1)] += x * na;
-            sums.second[static_cast<std::size_t>(i - 1)] += x * x * na;
+            sums.first[nth(i)] += x * na;
+            sums.second[nth(i)] += x * x * na;
         }
         sums.area += area;
     }
@@ -115,7 +115,7 @@ void pressure_stiffness(Matrix<const double> un, Matrix<const double> uz,
     std::ranges::fill(k.all(), 0.0);
     for (int p = 1; p <= un.cols; ++p)
         for (int j = 1; j <= k.cols; ++j) {
-            const double w = uz(j, p) * area[static_cast<std::size_t>(p - 1)];
+            const double w = uz(j, p) * area[nth(p)];
             for (int i = 1; i <= k.rows; ++i)
                 k(i, j) += un(i, p) * w;
         }

@@ -4,7 +4,7 @@
 // (xb, yb, zb), turned by theta about the vertical; a prime marks a component in them.
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 #include <array>
 

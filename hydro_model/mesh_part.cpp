@@ -45,7 +45,7 @@ MeshPart hyd_mesh_part() {
         shutdown_with(" \n\tIllegal node range\n");
     if (!within(range, npanels)) shutdown_with(" \n\tIllegal panel range\n");
     for (auto e = range[0]; e <= range[1]; ++e) {
-        const int p = map[static_cast<std::size_t>(e - 1)];
+        const int p = map[nth(e)];
         if (p > part.np) shutdown_with(" \n\tIllegal panel range\n");
         if (p > 0) part.list.push_back(p);
     }

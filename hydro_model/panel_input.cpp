@@ -165,7 +165,7 @@ std::vector<Panel> checked_panels(const PanelKind& kind) {
     if (!good) quit_after_bad_input();
     for (Panel& panel : panels)
         for (int i = 1; i <= 4; ++i)
-            panel.nodes[static_cast<std::size_t>(i - 1)] = set.at(el(i, panel.number));
+            panel.nodes[nth(i)] = set.at(el(i, panel.number));
     return panels;
 }
 
@@ -175,7 +175,7 @@ int number_panels(const PanelKind& kind, std::span<const char> codes, bool (*in_
     const auto map = create_matrix<std::int32_t>(kind.map, n, 0);
     int total = 0;
     for (int e = 1; e <= n; ++e)
-        if (in_mesh(codes[static_cast<std::size_t>(e - 1)])) map(e) = ++total;
+        if (in_mesh(codes[nth(e)])) map(e) = ++total;
     create_int_scalar(kind.wet_count, total);
     if (total < 1) shutdown_with(" \n\tThere are no wet panels. This is not allowed.\n");
     return total;
@@ -185,8 +185,7 @@ void store_types(const PanelKind& kind, std::span<const Panel> panels) {
     const auto map = as_span<std::int32_t>(find_array(kind.map));
     const auto types = create_matrix<std::int32_t>(kind.type, get_int(kind.wet_count), 0);
     for (const Panel& panel : panels)
-        if (const int p = map[static_cast<std::size_t>(panel.number - 1)]; p > 0)
-            types(p) = panel.triangle ? 1 : 0;
+        if (const int p = map[nth(panel.number)]; p > 0) types(p) = panel.triangle ? 1 : 0;
 }
 
 void delete_panels(const PanelKind& kind) {
@@ -207,7 +206,7 @@ void print_panels(const PanelKind& kind) {
     const int n = std::min(el.cols, static_cast<int>(code_ref.size()));
     write_both("10(30x, ' WET/DRY', /, ' PANEL NODE1 NODE2 NODE3 NODE4  CODES')", {});
     for (int e = 1; e <= n && el.rows == 4; ++e) {
-        const char code = codes[static_cast<std::size_t>(e - 1)];
+        const char code = codes[nth(e)];
         if (code == ' ' || (wet_only && code != 'W' && code != 'V')) continue;
         write_both("20(i5, 4i6, 5x, a1)",
                    {e, el(1, e), el(2, e), el(3, e), el(4, e), std::string_view(&code, 1)});

@@ -5,8 +5,8 @@
 #include "hydro_response/hyd_response.hpp"
 
 #include "hydro_analysis/csolve.hpp"
-#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_analysis/hyd_reports.hpp"
+#include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "hydro_model/hyd_modes.hpp"
 #include "kernel/fortfile.hpp"
@@ -47,7 +47,7 @@ void summary(const HydSize& size, bool symmetrize, std::span<const double> freq,
 
 /// Index of the largest modulus; the first of equals.
 std::size_t largest(std::span<const Complex8> v) {
-    return static_cast<std::size_t>(std::ranges::max_element(v, {}, complex_modulus) - v.begin());
+    return as_size(std::ranges::max_element(v, {}, complex_modulus) - v.begin());
 }
 
 void copy_slice(Array3<const double> from, int k, Matrix<double> to) {
@@ -72,9 +72,9 @@ struct ResponseLoop {
 void solve_heading(const ResponseLoop& loop, int ifreq, int ibeta,
                    Matrix<const Complex8> unfactored) {
     write_both("(/, 6x, 'Wave heading', i3, ' at ', f7.2,' degrees')",
-               {ibeta, loop.beta[at(ibeta)] * degrees});
+               {ibeta, loop.beta[nth(ibeta)] * degrees});
     for (int i = 1; i <= loop.size.nmode; ++i)
-        loop.rhs[at(i)] = loop.fi(i, ibeta, ifreq) + loop.fd(i, ibeta, ifreq);
+        loop.rhs[nth(i)] = loop.fi(i, ibeta, ifreq) + loop.fd(i, ibeta, ifreq);
     write_both("('    Solving equation of motion')");
     std::optional<Temporary<Complex8>> load;
     if (loop.options.residual) {
@@ -84,12 +84,12 @@ void solve_heading(const ResponseLoop& loop, int ifreq, int ibeta,
     csolve_solve(loop.dynk, {loop.rhs.data(), loop.size.nmode, 1}, loop.pivot);
     if (load) hyd_residual_report(unfactored, load->view.col(1), loop.rhs);
     for (int i = 1; i <= loop.size.nmode; ++i)
-        loop.gencor(i, ifreq, ibeta) = loop.rhs[at(i)];
+        loop.gencor(i, ifreq, ibeta) = loop.rhs[nth(i)];
     write_both("('    Response calculated')");
 }
 
 void solve_frequency(const ResponseLoop& loop, int ifreq) {
-    const double omega = loop.freq[at(ifreq)];
+    const double omega = loop.freq[nth(ifreq)];
     write_both(
         "(/, '    Wave frequency',i3, 4x, 'Omega = ', f7.4,' rad/sec', 4x,'Wave period = ',f5.2,' sec')",
         {ifreq, omega, 2 * std::numbers::pi / omega});
@@ -251,7 +251,7 @@ void hyd_residual_report(Matrix<const Complex8> dynk, std::span<const Complex8> 
     const auto r = resp.view.col(1);
     for (int j = 1; j <= dynk.cols; ++j)
         for (int i = 1; i <= dynk.rows; ++i)
-            r[at(i)] += dynk(i, j) * x[at(j)];
+            r[nth(i)] += dynk(i, j) * x[nth(j)];
     for (std::size_t i = 0; i < r.size(); ++i)
         r[i] = rhs[i] - r[i];
     const std::size_t worst = largest(r), load = largest(rhs);
@@ -268,11 +268,12 @@ void hyd_write_cor(std::span<const double> freq, std::span<const double> beta,
             write_unit(
                 unit_cor,
                 "(//, 'Wave frequency =', f9.6, ' rad/sec', 5x, 'Wave heading   =', f12.6, ' degrees', //, 'Frequency', 3x, 'Mode', 10x, 'Real', 5x, 'Imaginary', 5x, 'Amplitude', 9x, 'Phase')",
-                {freq[at(f)], beta[at(b)] * degrees});
+                {freq[nth(f)], beta[nth(b)] * degrees});
             for (int i = 1; i <= gencor.n1; ++i) {
                 const Complex8 q = gencor(i, f, b);
-                write_unit(unit_cor, "(f8.5, i7, 1x, 1p4e14.5)",
-                           {freq[at(f)], i, q, complex_modulus(q), std::atan2(q.imag(), q.real())});
+                write_unit(
+                    unit_cor, "(f8.5, i7, 1x, 1p4e14.5)",
+                    {freq[nth(f)], i, q, complex_modulus(q), std::atan2(q.imag(), q.real())});
             }
         }
 }

@@ -2,8 +2,8 @@
 // complex array of transfer functions and a text file.
 #include "hydro_response/hyd_tf.hpp"
 
-#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_analysis/hyd_problem.hpp"
+#include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
@@ -51,8 +51,7 @@ std::vector<double> read_modal_matrix(int nmode) {
         return {};
     }
     if (ref.type != type_real) print_both(" \n\t\tModal matrix is not type real");
-    std::vector<double> values(static_cast<std::size_t>(ref.rows()) *
-                               static_cast<std::size_t>(nmode));
+    std::vector<double> values(as_size(ref.rows()) * as_size(nmode));
     const std::size_t held = array_byte_size(ref.type, ref.dims);
     std::memcpy(values.data(), ref.data, std::min(held, values.size() * sizeof(double)));
     return values;
@@ -106,11 +105,11 @@ void write_tables(const TableOptions& options, std::span<const double> abscissa,
         items.add(c);
         for (int b = 1; b <= tf.n2; ++b)
             for (int i = 1; i <= columns; ++i)
-                items.add(beta[at(b)] * degrees);
+                items.add(beta[nth(b)] * degrees);
         write_unit(unit_tf, head_format, items);
         for (int f = 1; f <= tf.n1; ++f) {
             FormatItems values;
-            values.add(abscissa[at(f)]);
+            values.add(abscissa[nth(f)]);
             for (int b = 1; b <= tf.n2; ++b) {
                 const Complex8 h = tf(f, b, c);
                 values.add(complex_modulus(h));

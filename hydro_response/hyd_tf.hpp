@@ -2,7 +2,7 @@
 #pragma once
 
 #include "kernel/command.hpp"
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 

@@ -2,7 +2,6 @@
 
 #include "kernel/alias.hpp"
 
-#include "fem/elemutil.hpp"
 #include "kernel/fortfile.hpp"
 
 #include <algorithm>
@@ -25,7 +24,7 @@ const AliasTable& alias_table() {
         for (std::size_t i = 0; i < element_slots; ++i) {
             const std::string number{static_cast<char>('0' + (i + 1) / 10),
                                      static_cast<char>('0' + (i + 1) % 10)};
-            const std::string name(element_rows()[i].alias);
+            const std::string name(element_aliases()[i]);
             rows[i] = {.user = name, .internal = "elem" + number};
             rows[element_slots + i] = {.user = name.empty() ? "" : "p" + name,
                                        .internal = "pelem" + number};
@@ -93,11 +92,11 @@ std::string_view alias_to_user(std::string_view word) {
 }
 
 std::string_view element_word(int slot) {
-    return alias_table()[static_cast<std::size_t>(slot) - 1].internal;
+    return alias_table()[as_size(slot) - 1].internal;
 }
 
 std::string_view print_element_word(int slot) {
-    return alias_table()[static_cast<std::size_t>(slot) + element_slots - 1].internal;
+    return alias_table()[as_size(slot) + element_slots - 1].internal;
 }
 
 std::span<const Command> alias_rows() {

@@ -6,6 +6,11 @@
 
 namespace quelor {
 
+inline constexpr int element_slots = 40;
+/// The users' names of the element commands in slot order, empty for an unused slot; defined by the
+/// element table.
+std::span<const std::string_view, element_slots> element_aliases();
+
 /// The internal word of a user's name; any other word as it is.
 std::string_view alias_to_internal(std::string_view word);
 /// The user's name of an internal word; any other word, or one without an alias, as it is.

@@ -33,7 +33,7 @@ static bool is_plausible(std::uint64_t left, std::int32_t type,
 bool ArrayReader::array(std::string_view name) {
     std::int32_t type = 0, ndim = 0;
     if (!integer(type) || !integer(ndim) || !holds(ndim, sizeof ndim)) return false;
-    std::vector<std::int32_t> dims(static_cast<std::size_t>(ndim));
+    std::vector<std::int32_t> dims(as_size(ndim));
     if (!bytes(dims.data(), dims.size() * sizeof ndim) || !is_plausible(left, type, dims))
         return false;
     void* const data = db_create(type, name, dims);

@@ -133,7 +133,7 @@ std::string_view common_beginning(const std::vector<std::string>& names) {
     std::string_view common = names.front();
     for (const std::string& name : names) {
         const auto end = std::ranges::mismatch(common, name).in1;
-        common = common.substr(0, static_cast<std::size_t>(end - common.begin()));
+        common = common.substr(0, as_size(end - common.begin()));
     }
     const auto is_inside_character = [&] { // of UTF-8
         return common.size() < names.front().size() &&

@@ -42,7 +42,7 @@ struct BlockState {
     int depth = 0; // of loops; means nothing without a loop file
     int if_depth = 0;
 
-    Level& current() { return levels[static_cast<std::size_t>(depth) - 1]; }
+    Level& current() { return levels[as_size(depth) - 1]; }
 };
 
 BlockState state;
@@ -270,7 +270,7 @@ void begin_loop(LoopKind kind) {
 /// in the text; so does an earlier loop beside this one, to which this one's end then returns.
 bool return_to_first_line(LoopKind kind) {
     if (!rewind_input()) print_both(" \n\tError rewinding do/while file\n");
-    const auto active = std::span(state.levels).first(static_cast<std::size_t>(state.depth));
+    const auto active = std::span(state.levels).first(as_size(state.depth));
     auto count = std::ranges::count(active, kind, &Level::kind);
     while (count > 0) {
         if (!read_block_record()) return false;

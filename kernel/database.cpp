@@ -23,7 +23,7 @@ static bool write_database(const std::string& path) {
 /// The rest of an entry, whose name has `length` bytes.
 static bool read_named_array(ArrayReader& in, std::int32_t length) {
     if (!in.holds(length, 1)) return false;
-    std::string name(static_cast<std::size_t>(length), ' ');
+    std::string name(as_size(length), ' ');
     return in.bytes(name.data(), name.size()) && name.find('\0') == std::string::npos &&
            in.array(name);
 }

@@ -97,8 +97,8 @@ void list_long(const Selection& selection, bool to_file) {
 /// Entries in columns; one that is too long for its column takes the next ones too.
 void list_short(const Selection& selection, int columns, bool to_file) {
     if (is_empty_listing(selection, to_file)) return;
-    const auto width = static_cast<std::size_t>(screen_columns / columns);
-    const auto count = static_cast<std::size_t>(columns);
+    const auto width = as_size(screen_columns / columns);
+    const auto count = as_size(columns);
     std::string line;
     for (const auto& [name, array] : selection.arrays) {
         const std::size_t column = line.empty() ? 0 : line.size() / width + 1;

@@ -5,7 +5,7 @@
 // array lives; creating it again, moving or deleting it ends every view of it.
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 #include <initializer_list>
 #include <string>
@@ -20,7 +20,7 @@ struct ArrayRef {
     std::int32_t type = type_void;
 
     int ndim() const { return static_cast<int>(dims.size()); }
-    int dim(int i) const { return i <= ndim() ? dims[static_cast<std::size_t>(i - 1)] : 1; }
+    int dim(int i) const { return i <= ndim() ? dims[nth(i)] : 1; }
     int rows() const { return dim(1); } ///< first dimension
     int cols() const { return dim(2); } ///< second dimension, 1 for a vector
     std::int64_t size() const;          ///< number of elements
@@ -40,7 +40,7 @@ template <class T> Array3<T> as_array3(const ArrayRef& ref) {
 /// All elements of an array of any number of dimensions, in storage order.
 template <class T> std::span<T> as_span(const ArrayRef& ref) {
     assert(ref.data && ref.type == type_code<std::remove_const_t<T>>);
-    return {static_cast<T*>(ref.data), static_cast<std::size_t>(ref.size())};
+    return {static_cast<T*>(ref.data), as_size(ref.size())};
 }
 
 /// Bytes of one element; 0 for an unknown code.

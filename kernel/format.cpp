@@ -125,13 +125,13 @@ private:
         case EditKind::literal:
             return put(std::string_view(program_.literals).substr(edit.begin, edit.length));
         case EditKind::skip:
-            position_ += static_cast<std::size_t>(edit.w);
+            position_ += as_size(edit.w);
             break;
         case EditKind::tab:
-            position_ = line_ + static_cast<std::size_t>(edit.w) - 1;
+            position_ = line_ + as_size(edit.w) - 1;
             break;
         case EditKind::tab_left:
-            position_ -= std::min(static_cast<std::size_t>(edit.w), position_ - line_);
+            position_ -= std::min(as_size(edit.w), position_ - line_);
             break;
         case EditKind::slash:
             for (int i = 0; i < edit.repeat; ++i)

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "kernel/format_parse.hpp"
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 #include <concepts>
 #include <initializer_list>

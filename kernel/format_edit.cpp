@@ -29,7 +29,7 @@ public:
     }
     char* end() { return data_.data() + size_; }
     char* limit() { return data_.data() + data_.size(); }
-    void grow_to(const char* end) { size_ = static_cast<std::size_t>(end - data_.data()); }
+    void grow_to(const char* end) { size_ = as_size(end - data_.data()); }
     std::string_view text() const { return {data_.data(), size_}; }
 
 private:
@@ -38,11 +38,11 @@ private:
 };
 
 void append_stars(std::string& out, int w) {
-    out.append(static_cast<std::size_t>(std::max(w, 1)), '*');
+    out.append(as_size(std::max(w, 1)), '*');
 }
 
 void append_right(std::string& out, std::string_view text, int w) {
-    const auto width = static_cast<std::size_t>(std::max(w, 0));
+    const auto width = as_size(std::max(w, 0));
     if (width > text.size()) out.append(width - text.size(), ' ');
     out.append(text);
 }
@@ -53,7 +53,7 @@ char sign_of(bool negative, bool plus) {
 
 /// Sign and body in a field of w columns; `optional_zero` is a leading zero that may be dropped.
 void append_number(std::string& out, char sign, std::string_view body, int w, bool optional_zero) {
-    const auto width = static_cast<std::size_t>(w);
+    const auto width = as_size(w);
     std::size_t needed = body.size() + (sign ? 1 : 0);
     if (w > 0 && needed > width && optional_zero) {
         body.remove_prefix(1);
@@ -71,7 +71,7 @@ void append_not_finite(std::string& out, double value, int w, bool plus) {
     const char sign = nan ? '\0' : sign_of(std::signbit(value), plus);
     const int signs = sign ? 1 : 0;
     if (w > 0 && w < 3 + (sign == '-' ? 1 : 0)) return append_stars(out, w);
-    std::string text(w >= 3 + signs || w == 0 ? static_cast<std::size_t>(signs) : 0, sign);
+    std::string text(w >= 3 + signs || w == 0 ? as_size(signs) : 0, sign);
     text += nan ? "NaN" : w >= 8 + signs ? "Infinity" : "Inf";
     append_right(out, text, w);
 }
@@ -103,8 +103,8 @@ void digits_at(Body& digits, double magnitude, int places) {
         std::array<char, 1500> exact;
         const auto end = std::to_chars(exact.data(), exact.data() + exact.size(), magnitude,
                                        std::chars_format::fixed, 1074);
-        const std::string_view text(exact.data(), static_cast<std::size_t>(end.ptr - exact.data()));
-        return round_exact(digits, text, static_cast<std::size_t>(-places));
+        const std::string_view text(exact.data(), as_size(end.ptr - exact.data()));
+        return round_exact(digits, text, as_size(-places));
     }
     char* const begin = digits.end();
     char* end =
@@ -122,7 +122,7 @@ void write_fixed(std::string& out, double value, const Edit& edit, FieldMode mod
     std::string_view text = digits.text();
     text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
 
-    const auto decimals = static_cast<std::size_t>(edit.d);
+    const auto decimals = as_size(edit.d);
     Body body;
     if (text.size() > decimals) {
         body.put(text.substr(0, text.size() - decimals));
@@ -160,8 +160,8 @@ bool put_exponent(Body& body, int exponent, int e, char letter) {
     std::array<char, 12> buffer;
     const char* const end =
         std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(exponent)).ptr;
-    const std::string_view digits(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
-    const auto width = static_cast<std::size_t>(e >= 0 ? e : digits.size() > 2 ? 3 : 2);
+    const std::string_view digits(buffer.data(), as_size(end - buffer.data()));
+    const auto width = as_size(e >= 0 ? e : digits.size() > 2 ? 3 : 2);
     if (width > 0 && digits.size() > width) return false;
     if (e >= 0 || width == 2) body.put(letter);
     body.put(exponent < 0 ? '-' : '+');
@@ -175,13 +175,13 @@ void append_exponential(std::string& out, const Decimal& decimal, int before, ch
                         const Edit& edit) {
     Body body;
     const std::string_view digits = decimal.digits.text();
-    const auto left = static_cast<std::size_t>(std::max(before, 0));
+    const auto left = as_size(std::max(before, 0));
     if (before > 0)
         body.put(digits.substr(0, left));
     else
         body.put('0');
     body.put('.');
-    if (before < 0) body.put(static_cast<std::size_t>(-before), '0');
+    if (before < 0) body.put(as_size(-before), '0');
     body.put(digits.substr(left));
     const bool zero = digits.find_first_not_of('0') == std::string_view::npos;
     if (!put_exponent(body, zero ? 0 : decimal.exponent + 1 - before, edit.e, edit.letter))
@@ -240,7 +240,7 @@ bool write_general(std::string& out, double value, Edit edit, FieldMode mode) {
     }
     const std::size_t start = out.size();
     write_fixed(out, value, {.w = edit.w - blanks, .d = decimals}, {.plus = mode.plus}, true);
-    out.append(static_cast<std::size_t>(blanks), out[start] == '*' ? '*' : ' ');
+    out.append(as_size(blanks), out[start] == '*' ? '*' : ' ');
     return true;
 }
 
@@ -259,7 +259,7 @@ std::string_view whole_digits(std::array<char, 66>& buffer, std::int64_t value, 
         std::to_chars(buffer.data(), buffer.data() + buffer.size(), magnitude, base).ptr;
     std::transform(buffer.data(), end, buffer.data(),
                    [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
-    return {buffer.data(), static_cast<std::size_t>(end - buffer.data())};
+    return {buffer.data(), as_size(end - buffer.data())};
 }
 
 } // namespace
@@ -269,7 +269,7 @@ void write_whole_field(std::string& out, std::int64_t value, const Edit& edit, F
     std::string_view digits = whole_digits(buffer, value, edit.kind);
     if (value == 0 && edit.d == 0) return append_right(out, "", edit.w); // iw.0 of zero is blank
     Body body;
-    const auto least = static_cast<std::size_t>(std::max(edit.d, 1));
+    const auto least = as_size(std::max(edit.d, 1));
     if (least > digits.size()) {
         body.put(least - digits.size(), '0');
         body.put(digits);
@@ -305,7 +305,7 @@ bool write_real_field(std::string& out, double value, const Edit& edit, FieldMod
 }
 
 void write_text_field(std::string& out, std::string_view text, int w) {
-    append_right(out, w > 0 ? text.substr(0, static_cast<std::size_t>(w)) : text, w);
+    append_right(out, w > 0 ? text.substr(0, as_size(w)) : text, w);
 }
 
 void write_logical_field(std::string& out, bool value, int w) {

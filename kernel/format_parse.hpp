@@ -5,6 +5,8 @@
 // the text stays unambiguous, as compilers have always allowed; two in a row are an error.
 #pragma once
 
+#include "numeric/index.hpp"
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -245,7 +247,7 @@ private:
     }
 
     constexpr void hollerith(int count) {
-        const auto length = static_cast<std::size_t>(count < 0 ? 0 : count);
+        const auto length = as_size(count < 0 ? 0 : count);
         if (length == 0 || at_ + length > text_.size())
             return fail("h needs the number of its characters");
         emit({.kind = EditKind::literal, .letter = '\0', .begin = at_, .length = length});

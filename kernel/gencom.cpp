@@ -207,8 +207,7 @@ struct ParameterArray {
 ParameterArray parameter_array(std::size_t position, std::size_t wanted) {
     const ArrayRef ref = find_array_2d(token_from(position));
     if (!ref) return {};
-    const auto elements =
-        static_cast<std::size_t>(ref.rows()) * static_cast<std::size_t>(ref.cols());
+    const auto elements = as_size(ref.rows()) * as_size(ref.cols());
     return {ref, std::min(wanted, elements)};
 }
 

@@ -5,7 +5,7 @@
 // its arguments and parameters before it reads one.
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 #include <string>
 #include <string_view>

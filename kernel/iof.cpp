@@ -62,7 +62,7 @@ bool fill(Source& source) {
     }
     source.holds_start = source.filled == 0 && source.holds_start;
     source.next = 0;
-    source.filled = static_cast<std::size_t>(got);
+    source.filled = as_size(got);
     return true;
 }
 
@@ -78,7 +78,7 @@ LineEnd take_line(Source& source, std::size_t limit, std::string& line) {
         const char* end = source.buffer.data() + source.filled;
         const char* newline = std::find(begin, end, '\n');
         complete = newline != end;
-        const auto length = static_cast<std::size_t>(newline - begin);
+        const auto length = as_size(newline - begin);
         line.append(begin, std::min(length, limit - std::min(limit, line.size())));
         source.next += length + (complete ? 1 : 0);
     }
@@ -210,9 +210,8 @@ void close_inputs_from(int level) {
 
 bool rewind_input() {
     if (input_is_console()) return false;
-    Source& source = state.loop_level > 0
-                         ? state.stack[static_cast<std::size_t>(state.loop_level) - 1]
-                         : current_source();
+    Source& source =
+        state.loop_level > 0 ? state.stack[as_size(state.loop_level) - 1] : current_source();
     if (!source.holds_start) {
         if (lseek(source.descriptor, 0, SEEK_SET) != 0) return false;
         source.filled = 0;

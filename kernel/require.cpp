@@ -20,6 +20,17 @@ bool has_shape(const ArrayRef& ref, std::initializer_list<int> dims) {
     return true;
 }
 
+/// The array, or none after its name has been reported.
+ArrayRef find_checked(std::string_view name, TypeCode type, std::initializer_list<int> dims) {
+    const ArrayRef ref = find_array(name);
+    if (ref && ref.type == type && has_shape(ref, dims)) return ref;
+    if (ref)
+        print_both(" \n\tArray " + std::string(name) + " is of the wrong type or size\n");
+    else
+        not_found(name);
+    return {};
+}
+
 } // namespace
 
 void shutdown_with(std::string_view message) {
@@ -28,14 +39,8 @@ void shutdown_with(std::string_view message) {
 }
 
 ArrayRef require_array(std::string_view name, TypeCode type, std::initializer_list<int> dims) {
-    const ArrayRef ref = find_array(name);
-    if (!ref) {
-        not_found(name);
-        shutdown();
-    }
-    if (ref.type != type || !has_shape(ref, dims)) {
-        shutdown_with(" \n\tArray " + std::string(name) + " is of the wrong type or size\n");
-    }
+    const ArrayRef ref = find_checked(name, type, dims);
+    if (!ref) shutdown();
     return ref;
 }
 
@@ -46,6 +51,22 @@ std::int32_t require_int(std::string_view name) {
 
 double require_real(std::string_view name) {
     return *static_cast<const double*>(require_array(name, type_real, {any_size, any_size}).data);
+}
+
+ArrayRef Inputs::array(std::string_view name, TypeCode type, std::initializer_list<int> dims) {
+    const ArrayRef ref = find_checked(name, type, dims);
+    if (!ref) complete_ = false;
+    return ref;
+}
+
+std::int32_t Inputs::integer(std::string_view name) {
+    const ArrayRef ref = array(name, type_integer, {any_size, any_size});
+    return ref ? *static_cast<const std::int32_t*>(ref.data) : 0;
+}
+
+double Inputs::real(std::string_view name) {
+    const ArrayRef ref = array(name, type_real, {any_size, any_size});
+    return ref ? *static_cast<const double*>(ref.data) : 0;
 }
 
 } // namespace quelor

@@ -80,15 +80,15 @@ char* prompt_text(EditLine*) {
 std::size_t columns_of(EditLine* editor) {
     int columns = 80;
     el_get(editor, EL_GETTC, "co", &columns);
-    return static_cast<std::size_t>(std::max(columns, 20));
+    return as_size(std::max(columns, 20));
 }
 
 /// Row of the screen, from the first of the line that is edited, on which `end` stands.
 std::size_t row_of(const LineInfo& line, const char* end, std::size_t screen) {
     const auto continues_character = [](char c) { return (c & 0xc0) == 0x80; };
-    const auto bytes = static_cast<std::size_t>(end - line.buffer);
+    const auto bytes = as_size(end - line.buffer);
     const auto more = std::count_if(line.buffer, end, continues_character);
-    return (state.prompt.size() + bytes - static_cast<std::size_t>(more)) / screen;
+    return (state.prompt.size() + bytes - as_size(more)) / screen;
 }
 
 unsigned char give_up_line(EditLine* editor, int) {

@@ -143,8 +143,7 @@ void print_typed_list(std::span<const std::int32_t> integers, std::span<const do
 }
 
 int char_index(std::string_view text, char c, int n) {
-    const auto scanned =
-        n == -1 ? up_to_nul(text) : text.substr(0, static_cast<std::size_t>(std::max(n, 0)));
+    const auto scanned = n == -1 ? up_to_nul(text) : text.substr(0, as_size(std::max(n, 0)));
     const auto position = scanned.find(c);
     return position == std::string_view::npos ? 0 : static_cast<int>(position) + 1;
 }

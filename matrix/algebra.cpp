@@ -2,7 +2,7 @@
 #include "matrix/algebra.hpp"
 
 #include "kernel/gencom.hpp"
-#include "solvers/solver.hpp"
+#include "numeric/complex_division.hpp"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 // Reads the arrays named by the first two arguments and creates the third, under the temporary name
 // `$matmult` (or `$algebra`) where it bears the name of an input.
 #include "matrix/algebra.hpp"
-#include "matrix/mat_mult.hpp"
+#include "numeric/dense_products.hpp"
 
 #include "kernel/gencom.hpp"
 

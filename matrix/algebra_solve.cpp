@@ -25,7 +25,7 @@ void report_zero(int j, std::span<const std::int32_t> order) {
     }
     write_both("10(/, ' Zero diagonal enountered during matrix ',                "
                "'factorizaton - equation', i7, ' (original equation', i7, ')')",
-               {j, order[static_cast<std::size_t>(j - 1)]});
+               {j, order[nth(j)]});
 }
 
 void report_loss(int digits, int j, std::span<const std::int32_t> order) {
@@ -35,7 +35,7 @@ void report_loss(int digits, int j, std::span<const std::int32_t> order) {
     }
     write_both("30('      Warning:', i3, ' digits lost in diagonal of ',                "
                "'equation', i7, ' (original equation', i7, ')', /)",
-               {digits, j, order[static_cast<std::size_t>(j - 1)]});
+               {digits, j, order[nth(j)]});
 }
 
 /// Reports zero diagonals and, from `limit` on, the digits lost where a sum cancels a diagonal.
@@ -58,7 +58,7 @@ void report_diagonals(std::span<const GaussDiagonal> diagonals, int limit,
 
 /// Factors of the matrix, and the messages of a real one.
 void factor(Matrix<double> a, int digits) {
-    std::vector<GaussDiagonal> diagonals(static_cast<std::size_t>(a.rows));
+    std::vector<GaussDiagonal> diagonals(as_size(a.rows));
     gauss_factor(a, diagonals);
     report_diagonals(diagonals, digits, {});
 }
@@ -67,7 +67,7 @@ void factor(Matrix<Complex8> a, int) {
 }
 void factor(Matrix<double> a, int digits, std::span<const double> scale,
             std::span<std::int32_t> order) {
-    std::vector<GaussDiagonal> diagonals(static_cast<std::size_t>(a.rows));
+    std::vector<GaussDiagonal> diagonals(as_size(a.rows));
     gauss_factor(a, diagonals, scale, order);
     report_diagonals(diagonals, digits, order);
 }
@@ -83,7 +83,7 @@ template <class T> void solve_plainly(Matrix<T> a, Matrix<T> b, int digits) {
 template <class T> void row_scales(Matrix<const T> a, std::span<double> scale) {
     for (int j = 1; j <= a.cols; ++j)
         for (int i = 1; i <= a.rows; ++i) {
-            double& largest = scale[static_cast<std::size_t>(i - 1)];
+            double& largest = scale[nth(i)];
             largest = std::max(largest, std::abs(a(i, j)));
         }
     for (double& x : scale)
@@ -138,10 +138,10 @@ void cmd_gauss(std::string_view) {
 // --- invert ---
 
 void invert(Matrix<double> a, Matrix<double> inverse) {
-    std::vector<GaussDiagonal> diagonals(static_cast<std::size_t>(a.rows));
+    std::vector<GaussDiagonal> diagonals(as_size(a.rows));
     gauss_invert(a, inverse, diagonals);
     for (int j = 1; j <= a.rows; ++j)
-        if (diagonals[static_cast<std::size_t>(j - 1)].after == 0) report_zero(j, {});
+        if (diagonals[nth(j)].after == 0) report_zero(j, {});
 }
 void invert(Matrix<Complex8> a, Matrix<Complex8> inverse) {
     gauss_invert(a, inverse);

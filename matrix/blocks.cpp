@@ -38,7 +38,7 @@ void copy_turned(std::int64_t rows, std::int64_t cols, SourceBlock from, TargetB
                                   tile * step);
             for (std::int64_t k = 0; k < m; ++k)
                 std::memcpy(to.at(i, j + k).data, buffer.data() + k * tile * step,
-                            static_cast<std::size_t>(n) * element);
+                            as_size(n) * element);
         }
     }
 }
@@ -88,7 +88,7 @@ TargetBlock target_block(const ArrayRef& array) {
 void copy_block(int element, std::int64_t rows, std::int64_t cols, SourceBlock from,
                 TargetBlock to) {
     if (from.row_step == element && to.row_step == element) {
-        const auto bytes = static_cast<std::size_t>(rows * element);
+        const auto bytes = as_size(rows * element);
         for (std::int64_t j = 0; j < cols; ++j)
             std::memcpy(to.data + j * to.col_step, from.data + j * from.col_step, bytes);
         return;

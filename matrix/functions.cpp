@@ -71,7 +71,7 @@ void evaluate(F f, const ArrayRef& array, ResultOf<F, T>* to, const Columns& col
               bool keeps_others) {
     using To = ResultOf<F, T>;
     const auto from = as_span<const T>(array);
-    const auto rows = static_cast<std::size_t>(array.rows());
+    const auto rows = as_size(array.rows());
     const auto compute = [&](T x) { return static_cast<To>(f(ComputedIn<T>(x))); };
     for (std::size_t first = 0; first < from.size();) {
         for (int j = 1; j <= array.cols(); ++j, first += rows) {

@@ -8,9 +8,9 @@
 #include <numeric>
 #include <vector>
 
-#include "green/vecmath.hpp"
-#include "matrix/mat_mult.hpp"
-#include "solvers/solver.hpp"
+#include "numeric/complex_division.hpp"
+#include "numeric/dense_products.hpp"
+#include "numeric/vecmath.hpp"
 
 namespace quelor {
 
@@ -87,7 +87,7 @@ template <class T> struct Elimination {
     std::span<std::int32_t> order;
     Matrix<T> panel; ///< the columns of the block before elimination, rows in order
 
-    std::int32_t& equation(int i) const { return order[static_cast<std::size_t>(i - 1)]; }
+    std::int32_t& equation(int i) const { return order[nth(i)]; }
 };
 
 template <class T> void swap_rows(Matrix<T> a, int i, int k, int cols) {
@@ -100,8 +100,7 @@ template <class T> void choose_pivot(const Elimination<T>& e, int j, int last) {
     int pivot = j;
     double largest = -1;
     for (int i = j; i <= e.a.rows; ++i) {
-        const double size =
-            std::abs(e.a(i, j)) * e.scale[static_cast<std::size_t>(e.equation(i) - 1)];
+        const double size = std::abs(e.a(i, j)) * e.scale[nth(e.equation(i))];
         if (size > largest) {
             largest = size;
             pivot = i;
@@ -115,7 +114,7 @@ template <class T> void choose_pivot(const Elimination<T>& e, int j, int last) {
 
 /// The diagonal j of a real matrix in the order of a plain elimination.
 void form_diagonal(const Elimination<double>& e, int j, int first) {
-    GaussDiagonal& d = e.diagonals[static_cast<std::size_t>(j - 1)];
+    GaussDiagonal& d = e.diagonals[nth(j)];
     d.before = e.panel(j, j - first + 1);
     d.subtracted = 0;
     for (int k = 1; k < j; ++k)
@@ -126,11 +125,11 @@ void form_diagonal(const Elimination<Complex8>&, int, int) {}
 
 /// Puts the rows of columns first to last, as yet untouched, in the order of the equations.
 template <class T> void order_rows(const Elimination<T>& e, int first, int last) {
-    std::vector<T> column(static_cast<std::size_t>(e.a.rows));
+    std::vector<T> column(as_size(e.a.rows));
     for (int j = first; j <= last; ++j) {
         std::ranges::copy(e.a.col(j), column.begin());
         for (int i = 1; i <= e.a.rows; ++i)
-            e.a(i, j) = column[static_cast<std::size_t>(e.equation(i) - 1)];
+            e.a(i, j) = column[nth(e.equation(i))];
     }
 }
 
@@ -140,7 +139,7 @@ template <class T> void eliminate_panel(const Elimination<T>& e, int first, int 
         if (!e.order.empty()) choose_pivot(e, j, last);
         form_diagonal(e, j, first);
         if (j == n) break;
-        divide(e.a.col(j).subspan(static_cast<std::size_t>(j)), e.a(j, j));
+        divide(e.a.col(j).subspan(as_size(j)), e.a(j, j));
         for (int c = j + 1; c <= last; ++c)
             subtract_multiple(n - j, e.a(j, c), &e.a(j + 1, j), &e.a(j + 1, c));
     }
@@ -148,8 +147,7 @@ template <class T> void eliminate_panel(const Elimination<T>& e, int first, int 
 
 template <class T> void eliminate(Elimination<T> e) {
     const int n = e.a.rows;
-    std::vector<T> original(static_cast<std::size_t>(n) *
-                            static_cast<std::size_t>(std::min(n, panel_width)));
+    std::vector<T> original(as_size(n) * as_size(std::min(n, panel_width)));
     std::iota(e.order.begin(), e.order.end(), 1);
     for (int first = 1; first <= n; first += panel_width) {
         const int last = std::min(first + panel_width - 1, n), before = first - 1;
@@ -202,11 +200,11 @@ void gauss_factor(Matrix<Complex8> a, std::span<const double> scale,
 }
 
 template <class T> void gauss_restore(Matrix<T> a, std::span<const std::int32_t> order) {
-    std::vector<T> column(static_cast<std::size_t>(a.rows));
+    std::vector<T> column(as_size(a.rows));
     for (int j = 1; j <= a.cols; ++j) {
         std::ranges::copy(a.col(j), column.begin());
         for (int i = 1; i <= a.rows; ++i)
-            a(order[static_cast<std::size_t>(i - 1)], j) = column[static_cast<std::size_t>(i - 1)];
+            a(order[nth(i)], j) = column[nth(i)];
     }
 }
 template void gauss_restore(Matrix<double>, std::span<const std::int32_t>);

@@ -1,7 +1,7 @@
 // Gauss elimination on full matrices, without pivoting or with a row order, by blocks of columns.
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 

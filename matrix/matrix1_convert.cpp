@@ -112,7 +112,7 @@ void cmd_to_complex2(std::string_view) {
         return print_both(" \n\tArguments not same dimension\n");
     const std::string result = unused_name("$to_complex2"), target(get_arg(3));
     auto* const data = static_cast<Complex8*>(create_array(type_complex8, result, real.dims));
-    join_by_type(real, imaginary, {data, static_cast<std::size_t>(real.size())});
+    join_by_type(real, imaginary, {data, as_size(real.size())});
     move_array(result, target);
 }
 

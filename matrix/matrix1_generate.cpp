@@ -218,8 +218,8 @@ void fill_between(std::span<double> x, std::size_t a, std::size_t b, std::size_t
 
 /// One coordinate of all points: the corners, the sides, then the lines across.
 void fill_quad(const QuadSeries& quad, std::size_t coordinate, std::span<double> x) {
-    const auto n1 = static_cast<std::size_t>(quad.n1);
-    const auto n2 = static_cast<std::size_t>(std::max(quad.n2, 1));
+    const auto n1 = as_size(quad.n1);
+    const auto n2 = as_size(std::max(quad.n2, 1));
     const std::size_t top = n1 * (n2 - 1);
     if (n2 > 1) {
         x[top + n1 - 1] = quad.corners[3][coordinate];
@@ -271,7 +271,7 @@ void cmd_series2d(std::string_view) {
     const auto array =
         fits ? as_matrix<double>(old) : create_matrix<double>(target, points, quad.dim);
     for (int k = 1; k <= quad.dim; ++k)
-        fill_quad(quad, static_cast<std::size_t>(k - 1), array.col(k));
+        fill_quad(quad, nth(k), array.col(k));
 }
 
 // --- rows ---------------------------------------------------------------------------------------

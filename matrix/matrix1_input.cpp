@@ -42,7 +42,7 @@ template <class T> void store_row(const Matrix<T>& array, int i, std::span<const
 /// Fills the rows of an array from one record each. A command file that ends before is reported;
 /// the rows left stay as they are, and the answer is false.
 template <class T> bool read_rows(const Matrix<T>& array) {
-    std::vector<T> row(std::min(static_cast<std::size_t>(array.cols), record_limit));
+    std::vector<T> row(std::min(as_size(array.cols), record_limit));
     for (std::int64_t i = 0; i < array.rows; ++i) {
         read_row(row);
         store_row<T>(array, static_cast<int>(i) + 1, row);

@@ -32,7 +32,7 @@ void gather_rows(const Matrix<const T>& from, std::span<const std::int32_t> orde
     for (int j = 1; j <= from.cols; ++j) {
         const auto column = from.col(j);
         for (const std::int32_t row : order)
-            *to++ = column[static_cast<std::size_t>(row)];
+            *to++ = column[as_size(row)];
     }
 }
 
@@ -203,7 +203,7 @@ std::vector<std::int32_t> sorted_rows(const Matrix<const T>& from, SortKeys keys
         return false;
     };
     std::vector<Entry> entries;
-    entries.reserve(static_cast<std::size_t>(from.rows));
+    entries.reserve(as_size(from.rows));
     for (const T& key : from.col(keys[0]))
         entries.push_back({key, static_cast<std::int32_t>(entries.size())});
     if (reverse)
@@ -303,7 +303,7 @@ void interpolate_column(std::span<const T> f, std::span<const Location> at, cons
     using Weight = decltype(std::abs(T{}));
     const std::size_t last = f.size() - 1;
     for (const Location& location : at) {
-        const auto row = static_cast<std::size_t>(location.row);
+        const auto row = as_size(std::max<std::ptrdiff_t>(location.row, 0));
         if (location.row == below)
             *to++ = before;
         else if (location.row == above)

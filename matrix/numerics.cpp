@@ -7,7 +7,7 @@
 #include "kernel/gencom.hpp"
 #include "kernel/utilities.hpp"
 #include "matrix/polynomial.hpp"
-#include "matrix/quadrature.hpp"
+#include "numeric/quadrature.hpp"
 
 #include <algorithm>
 #include <array>
@@ -48,7 +48,7 @@ void cmd_gauss_int(std::string_view) {
     if (lengths.rows() != lengths.size() || values.size() != n * lengths.size())
         return print_both(" \n\tArgument 1 must have n values for each element of argument 2\n");
     std::array<double, gauss_order_limit> x{}, w{};
-    const auto order = static_cast<std::size_t>(n);
+    const auto order = as_size(n);
     gauss_legendre(std::span(x).first(order), std::span(w).first(order));
     const std::string result = unused_name("$gauss_int");
     const auto integrals = create_matrix<double>(result, lengths.rows(), 1);
@@ -85,16 +85,16 @@ void cmd_gauss_pts(std::string_view) {
     for (const int n : orders)
         total *= n;
     const auto points = create_matrix<double>(target, total, dimensions == 1 ? 0 : dimensions);
-    std::vector<double> weights(static_cast<std::size_t>(total), 1.0);
+    std::vector<double> weights(as_size(total), 1.0);
     int stride = 1; // points that lie between two values of the coordinate
     for (int j = 1; j <= dimensions; ++j) {
-        const auto n = static_cast<std::size_t>(orders[static_cast<std::size_t>(j - 1)]);
+        const auto n = as_size(orders[nth(j)]);
         std::array<double, gauss_order_limit> x{}, w{};
         gauss_legendre(std::span(x).first(n), std::span(w).first(n));
         for (int i = 1; i <= total; ++i) {
-            const auto at = static_cast<std::size_t>((i - 1) / stride) % n;
+            const auto at = as_size((i - 1) / stride) % n;
             points(i, j) = x[at];
-            weights[static_cast<std::size_t>(i - 1)] *= w[at];
+            weights[nth(i)] *= w[at];
         }
         stride *= static_cast<int>(n);
     }
@@ -113,7 +113,7 @@ void cmd_tri_intpts(std::string_view) {
     if (rule.empty()) return print_both(" \n\tn must be 1, 3, 4, 7, 9 or 12\n");
     const auto points = create_matrix<double>(target, n, 3);
     for (int i = 1; i <= n; ++i) {
-        const TrianglePoint& point = rule[static_cast<std::size_t>(i - 1)];
+        const TrianglePoint& point = rule[nth(i)];
         points(i, 1) = point.l1;
         points(i, 2) = point.l2;
         points(i, 3) = point.l3;
@@ -129,7 +129,7 @@ constexpr int poly_term_limit = 1024; // a record holds no more coefficients
 
 /// The coefficients of "c="; without "n=" (0) up to the last one that is not 0.
 std::vector<double> poly_coefficients(int n) {
-    std::vector<double> c(static_cast<std::size_t>(n > 0 ? n : poly_term_limit));
+    std::vector<double> c(as_size(n > 0 ? n : poly_term_limit));
     get_real_par("c=", c);
     while (n == 0 && !c.empty() && c.back() == 0)
         c.pop_back();
@@ -141,11 +141,11 @@ void evaluate_rows(Matrix<double> table, int d, bool slopes, std::span<const dou
     for (int i = 1; i <= table.rows; ++i) {
         std::array<double, 3> point{};
         for (int j = 1; j <= d; ++j)
-            point[static_cast<std::size_t>(j - 1)] = table(i, j);
+            point[nth(j)] = table(i, j);
         const PolynomialValue result = evaluate_polynomial(terms, c, point);
         table(i, d + 1) = result.value;
         for (int j = 1; slopes && j <= d; ++j)
-            table(i, d + 1 + j) = result.slope[static_cast<std::size_t>(j - 1)];
+            table(i, d + 1 + j) = result.slope[nth(j)];
     }
 }
 

@@ -140,7 +140,7 @@ void write_row(Listing& out, const BlockLayout& layout, const Table& table, int 
                int last, const PrintRequest& request) {
     const bool numbered = row == request.first_row || row % request.row_step == 0;
     FormatItems items;
-    items.reserve(2 + 2 * static_cast<std::size_t>(last - first + 1));
+    items.reserve(2 + 2 * as_size(last - first + 1));
     if (request.headings && numbered)
         items.add(row);
     else if (request.headings && layout.star_in_items)

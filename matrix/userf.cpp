@@ -16,8 +16,7 @@ namespace {
 void running_integral(std::span<const double> t, Matrix<const double> y, Matrix<double> integral) {
     for (int j = 1; j <= y.cols; ++j) {
         for (int i = 2; i <= y.rows; ++i) {
-            const double step =
-                t[static_cast<std::size_t>(i - 1)] - t[static_cast<std::size_t>(i - 2)];
+            const double step = t[nth(i)] - t[as_size(i - 2)];
             integral(i, j) = integral(i - 1, j) + step * (y(i - 1, j) + y(i, j)) / 2;
         }
     }

@@ -44,10 +44,10 @@ bool read_term(ControlTerm& term) {
 /// Adds factor times the displacement to the vector; false when it has no equation.
 bool add_term(const NodalValues& values, const ControlTerm& term, std::span<double> vector) {
     const std::int32_t q = values.eqs(term.dof, term.node);
-    if (q > 0) vector[static_cast<std::size_t>(q - 1)] += term.factor;
+    if (q > 0) vector[nth(q)] += term.factor;
     if (q < 0)
         for (const ConstraintTerm& part : values.constraints.of(-q))
-            vector[static_cast<std::size_t>(part.equation - 1)] += part.factor * term.factor;
+            vector[nth(part.equation)] += part.factor * term.factor;
     return q != 0;
 }
 

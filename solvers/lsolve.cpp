@@ -50,14 +50,12 @@ std::vector<Imposed> imposed_equations(Matrix<const double> input, int count) {
 
 /// K(q, q) = 1, all else in row and column q zero.
 void fix_equation(std::span<double> k, std::span<const std::int32_t> loc, int q) {
-    const auto at = [&](int j) {
-        return static_cast<std::size_t>(loc[static_cast<std::size_t>(j - 1)] - 1);
-    };
+    const auto at = [&](int j) { return nth(loc[nth(j)]); };
     std::fill(k.begin() + static_cast<std::ptrdiff_t>(at(q)),
               k.begin() + static_cast<std::ptrdiff_t>(at(q + 1)), 0.0);
     k[at(q)] = 1.0;
     for (int j = q + 1; j < std::ssize(loc); ++j) {
-        const std::size_t place = at(j) + static_cast<std::size_t>(j - q);
+        const std::size_t place = at(j) + as_size(j - q);
         if (place < at(j + 1)) k[place] = 0.0;
     }
 }

@@ -2,7 +2,7 @@
 // messages of a factorisation.
 #pragma once
 
-#include "solvers/solver.hpp"
+#include "numeric/profile.hpp"
 
 #include <string_view>
 

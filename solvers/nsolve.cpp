@@ -246,7 +246,7 @@ double displacement_ratio(const Run& run) {
         std::ranges::max_element(run.increment, {}, [](double x) { return std::abs(x); });
     const double m = std::abs(*at);
     if (m == 0) return 0;
-    double ratio = std::abs(du[static_cast<std::size_t>(at - run.increment.begin())]) / m;
+    double ratio = std::abs(du[as_size(at - run.increment.begin())]) / m;
     for (const double x : du)
         if (std::abs(x) > 0.0001 * m) ratio = std::max(ratio, std::abs(x) / m);
     return ratio;

@@ -100,11 +100,10 @@ template <class T> void expand(const ArrayRef& profile, Loc loc, std::string_vie
     const auto a = as_span<const T>(profile);
     const auto full = create_matrix<T>(result, n, n);
     for (int j = 1; j <= n; ++j) {
-        const auto diagonal = static_cast<std::size_t>(loc[static_cast<std::size_t>(j - 1)] - 1);
-        const int height =
-            loc[static_cast<std::size_t>(j)] - loc[static_cast<std::size_t>(j - 1)] - 1;
+        const auto diagonal = nth(loc[nth(j)]);
+        const int height = loc[as_size(j)] - loc[nth(j)] - 1;
         for (int k = 0; k <= height; ++k)
-            full(j - k, j) = full(j, j - k) = a[diagonal + static_cast<std::size_t>(k)];
+            full(j - k, j) = full(j, j - k) = a[diagonal + as_size(k)];
     }
 }
 
@@ -150,8 +149,7 @@ template <class T> void to_profile(const ArrayRef& array) {
     const std::string result = unused_name("$ftopro");
     const auto a = create_matrix<T>(result, static_cast<int>(loc.back() - 1), 0);
     for (int j = 1; j <= full.cols; ++j) {
-        const auto first = loc[static_cast<std::size_t>(j - 1)],
-                   end = loc[static_cast<std::size_t>(j)];
+        const auto first = loc[nth(j)], end = loc[as_size(j)];
         for (auto k = first; k < end; ++k)
             a.data[k - 1] = full(j - static_cast<int>(k - first), j);
     }

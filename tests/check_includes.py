@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
-"""Checks that includes point only downward, and that no header holds a variable.
+"""Checks that includes point only downward, that no two folders need each other, and that no header
+holds a variable.
 
     check_includes.py SOURCE_FOLDER
 
 Tables stand above commands, commands above services, services above numeric kernels. A file may
 include headers of its own kind and of those below it; a numeric kernel includes nothing else of this
-program than numeric kernels (kernel/types.hpp counts as one).
+program than numeric kernels. FOLDERS stand in the order in which they build on each other: a file,
+tables aside, includes headers of its own folder and of those before it.
 """
 
 import fnmatch
@@ -13,7 +15,7 @@ import pathlib
 import re
 import sys
 
-FOLDERS = ("kernel", "matrix", "fem", "solvers", "elements", "dynamics", "hydro_model", "green",
+FOLDERS = ("numeric", "kernel", "matrix", "fem", "solvers", "elements", "dynamics", "hydro_model", "green",
            "hydro_analysis", "hydro_response")
 
 KINDS = ("numeric kernel", "service", "command", "table")
@@ -23,14 +25,13 @@ PATTERNS = (
     ("table", "kernel/quelorzt.cpp kernel/main_loop.* kernel/quelorzt_cmd.cpp kernel/util_cmd.cpp"
               " kernel/db_cmd.cpp kernel/loop_cmd.cpp matrix/mat_cmd.cpp matrix/func_cmd.cpp"
               " matrix/misc_cmd.cpp fem/fem_cmd.cpp fem/fe_elm_cmd.cpp elements/element_table.cpp"),
-    ("numeric kernel", "kernel/types.hpp fem/vectors.hpp fem/point_index.hpp fem/node_ordering.* green/*"
-                       " matrix/gauss.* matrix/mat_mult.* matrix/polynomial.* matrix/quadrature.* dynamics/fft_kernels.*"
+    ("numeric kernel", "numeric/* fem/node_ordering.* green/* matrix/gauss.* matrix/polynomial.*"
+                       " dynamics/fft_kernels.* dynamics/jacobif.* dynamics/subspace.*"
                        " hydro_model/waven.* hydro_model/hydrostatics.* hydro_model/panel_motion.*"
-                       " hydro_model/hyd_panel_geometry.* hydro_analysis/coefficients.*"
-                       " hydro_analysis/csolve.* hydro_analysis/incoming_wave.*"
-                       " hydro_analysis/solve2.* hydro_analysis/symmetry.hpp solvers/lapack.hpp solvers/solver.*"
-                       " dynamics/jacobif.* dynamics/subspace.*"
-                       " fem/small_matrix.hpp elements/bar.* elements/frame.* elements/plane_beam.*"),
+                       " hydro_analysis/coefficients.* hydro_analysis/csolve.*"
+                       " hydro_analysis/incoming_wave.* hydro_analysis/influence*.*"
+                       " hydro_analysis/solve2.* hydro_analysis/symmetry.hpp"
+                       " elements/bar.* elements/frame.* elements/plane_beam.*"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
     ("service", "kernel/* solvers/matrix.* matrix/blocks.* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"
                 " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.* elements/element_family.*"
@@ -49,6 +50,14 @@ def kind_of(name):
     return KINDS.index("command")
 
 
+def folder_of(name):
+    return name.split("/")[0]
+
+
+def level_of(name):
+    return FOLDERS.index(folder_of(name))
+
+
 def faults_of(root, path):
     name = path.relative_to(root).as_posix()
     text = path.read_text(encoding="utf-8")
@@ -57,6 +66,8 @@ def faults_of(root, path):
             yield f'{name}: no file "{header}" under the root'
         elif kind_of(header) > kind_of(name):
             yield f"{name} ({KINDS[kind_of(name)]}) includes {header} ({KINDS[kind_of(header)]})"
+        elif KINDS[kind_of(name)] != "table" and level_of(header) > level_of(name):
+            yield f"{name} includes {header}: {folder_of(header)}/ builds on {folder_of(name)}/"
     if path.suffix == ".hpp":
         for variable in VARIABLE.findall(text):
             yield f"{name}: variable in a header: {variable.strip()}"

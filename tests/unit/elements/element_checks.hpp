@@ -1,7 +1,7 @@
 // What the matrix and the forces of any element must satisfy.
 #pragma once
 
-#include "fem/small_matrix.hpp"
+#include "numeric/small_matrix.hpp"
 
 #include <gtest/gtest.h>
 

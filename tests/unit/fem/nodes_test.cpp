@@ -2,8 +2,8 @@
 #include "fem/bcid.hpp"
 #include "fem/elemutil.hpp"
 #include "fem/nodes.hpp"
-#include "fem/point_index.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/point_index.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The product and elimination kernels against the defining identities.
 #include "matrix/gauss.hpp"
 
-#include "matrix/mat_mult.hpp"
+#include "numeric/dense_products.hpp"
 
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include "../support/arrays.hpp"
 #include "matrix/polynomial.hpp"
-#include "matrix/quadrature.hpp"
+#include "numeric/quadrature.hpp"
 
 #include <algorithm>
 #include <cmath>

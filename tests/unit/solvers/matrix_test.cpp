@@ -1,7 +1,7 @@
 #include "solvers/matrix.hpp"
 
 #include "../support/session.hpp"
-#include "profile_loops.hpp"
+#include "tests/unit/numeric/profile_loops.hpp"
 
 namespace quelor {
 namespace {

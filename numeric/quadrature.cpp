@@ -1,5 +1,7 @@
 // Quadrature rules: Gauss-Legendre points by iteration, triangle rules from their symmetric sets.
-#include "matrix/quadrature.hpp"
+#include "numeric/quadrature.hpp"
+
+#include "numeric/index.hpp"
 
 #include <cmath>
 #include <cstddef>
@@ -74,7 +76,7 @@ void gauss_legendre(std::span<double> x, std::span<double> w) {
             root -= p.value / p.slope;
         }
         const long double slope = legendre(n, root).slope;
-        const auto at = static_cast<std::size_t>(i - 1);
+        const auto at = nth(i);
         x[at] = static_cast<double>(root);
         w[at] = static_cast<double>(2 / ((1 - root * root) * slope * slope));
     }

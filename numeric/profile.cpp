@@ -1,11 +1,12 @@
 // Profile factorisation, solution and product. The sums of several targets run side by side, each
 // in its own order: in the factorisation the targets are the columns of a block and four rows of
 // them, in the solution the right-hand sides and four equations.
-#include "solvers/solver.hpp"
+#include "numeric/profile.hpp"
 
 #include <algorithm>
 
-#include "green/vecmath.hpp"
+#include "numeric/complex_division.hpp"
+#include "numeric/vecmath.hpp"
 
 namespace quelor {
 
@@ -461,7 +462,7 @@ template <class T> struct Workspace {
     void attach(Block<T>& b) {
         for (int k = 0; k < groups; ++k) {
             Group<T>& g = b.group[k];
-            u[k].assign(static_cast<std::size_t>(b.first - g.low), {});
+            u[k].assign(as_size(b.first - g.low), {});
             t[k].resize(u[k].size());
             g.u = u[k].data();
             g.t = t[k].data();
@@ -633,16 +634,16 @@ QUELOR_BY_PROCESSOR(multiply_rows)
 /// Columns first to first + count - 1 of a matrix, row by row side by side.
 template <class T, int W>
 void pack(Matrix<const T> b, int first, int count, std::vector<Row<T, W>>& u) {
-    u.assign(static_cast<std::size_t>(b.rows), {});
+    u.assign(as_size(b.rows), {});
     for (int k = 0; k < count; ++k)
         for (int i = 1; i <= b.rows; ++i)
-            u[static_cast<std::size_t>(i - 1)].set(k, b(i, first + k));
+            u[nth(i)].set(k, b(i, first + k));
 }
 template <class T, int W>
 void unpack(const std::vector<Row<T, W>>& u, Matrix<T> b, int first, int count) {
     for (int k = 0; k < count; ++k)
         for (int i = 1; i <= b.rows; ++i)
-            b(i, first + k) = u[static_cast<std::size_t>(i - 1)].get(k);
+            b(i, first + k) = u[nth(i)].get(k);
 }
 
 /// Calls action(first column, number of columns, lanes) for groups of columns; a single one runs
@@ -670,7 +671,7 @@ template <class T> void solve(std::span<const T> a, Matrix<T> b, Loc loc, Profil
 template <class T> void product(std::span<const T> a, Matrix<const T> b, Matrix<T> c, Loc loc) {
     const auto m = profile_of(a, loc);
     for_groups(b.cols, [&](int first, auto lane_count, int count) {
-        std::vector<Row<T, decltype(lane_count)::value>> u, v(static_cast<std::size_t>(b.rows));
+        std::vector<Row<T, decltype(lane_count)::value>> u, v(as_size(b.rows));
         pack(b, first, count, u);
         by_processor_multiply_rows(m, u.data(), v.data());
         unpack(v, c, first, count);

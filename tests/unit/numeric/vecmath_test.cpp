@@ -1,5 +1,5 @@
 // The vector elementary functions against the long double library, over their stated ranges.
-#include "green/vecmath.hpp"
+#include "numeric/vecmath.hpp"
 
 #include <cmath>
 #include <gtest/gtest.h>

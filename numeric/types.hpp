@@ -1,6 +1,8 @@
 // Type codes of the array store and the views through which routines see array data.
 #pragma once
 
+#include "numeric/index.hpp"
+
 #include <cassert>
 #include <complex>
 #include <cstddef>
@@ -44,18 +46,10 @@ template <class T> struct Matrix {
         assert(1 <= i && i <= rows && 1 <= j && j <= cols);
         return data[(i - 1) + std::ptrdiff_t{j - 1} * rows];
     }
-    std::span<T> col(int j) const {
-        return {data + std::ptrdiff_t{j - 1} * rows, static_cast<std::size_t>(rows)};
-    }
-    std::span<T> all() const {
-        return {data, static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols)};
-    }
+    std::span<T> col(int j) const { return {data + std::ptrdiff_t{j - 1} * rows, as_size(rows)}; }
+    std::span<T> all() const { return {data, as_size(rows) * as_size(cols)}; }
     explicit operator bool() const { return data != nullptr; }
-    operator Matrix<const T>() const
-        requires(!std::is_const_v<T>)
-    {
-        return {data, rows, cols};
-    }
+    operator Matrix<const T>() const requires(!std::is_const_v<T>) { return {data, rows, cols}; }
 };
 
 /// View of a three-dimensional array, third index outermost.
@@ -69,11 +63,7 @@ template <class T> struct Array3 {
     }
     Matrix<T> slice(int k) const { return {&(*this)(1, 1, k), n1, n2}; }
     explicit operator bool() const { return data != nullptr; }
-    operator Array3<const T>() const
-        requires(!std::is_const_v<T>)
-    {
-        return {data, n1, n2, n3};
-    }
+    operator Array3<const T>() const requires(!std::is_const_v<T>) { return {data, n1, n2, n3}; }
 };
 
 } // namespace quelor

@@ -2,7 +2,7 @@
 // profiles of random shape. Complex products and quotients are written out in their parts.
 #pragma once
 
-#include "solvers/solver.hpp"
+#include "numeric/profile.hpp"
 
 #include <algorithm>
 #include <random>

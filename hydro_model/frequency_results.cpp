@@ -1,4 +1,4 @@
-#include "hydro_analysis/frequency_results.hpp"
+#include "hydro_model/frequency_results.hpp"
 
 #include <cstring>
 #include <vector>
@@ -15,12 +15,12 @@ struct AxisBlocks {
 };
 
 AxisBlocks blocks_of(const ArrayRef& ref, int axis) {
-    AxisBlocks b{static_cast<char*>(ref.data), static_cast<std::size_t>(element_size(ref.type)),
-                 static_cast<std::size_t>(ref.dim(axis)), 1};
+    AxisBlocks b{static_cast<char*>(ref.data), as_size(element_size(ref.type)),
+                 as_size(ref.dim(axis)), 1};
     for (int i = 1; i < axis; ++i)
-        b.bytes *= static_cast<std::size_t>(ref.dim(i));
+        b.bytes *= as_size(ref.dim(i));
     for (int i = axis + 1; i <= ref.ndim(); ++i)
-        b.outer *= static_cast<std::size_t>(ref.dim(i));
+        b.outer *= as_size(ref.dim(i));
     return b;
 }
 
@@ -31,7 +31,7 @@ void select_frequencies(std::string_view name, int axis, std::span<const std::si
     const ArrayRef ref = find_array(name);
     const AxisBlocks from = blocks_of(ref, axis);
     std::vector<std::int32_t> dims(ref.dims.begin(), ref.dims.end());
-    dims[static_cast<std::size_t>(axis - 1)] = static_cast<std::int32_t>(indices.size());
+    dims[nth(axis)] = static_cast<std::int32_t>(indices.size());
     auto* to = static_cast<char*>(create_array(ref.type, work, dims));
     for (std::size_t o = 0; o < from.outer; ++o)
         for (const std::size_t i : indices) {

@@ -1,6 +1,7 @@
-#include "solvers/solver.hpp"
+#include "numeric/complex_division.hpp"
+#include "numeric/profile.hpp"
 
-#include "profile_loops.hpp"
+#include "tests/unit/numeric/profile_loops.hpp"
 
 #include <cstring>
 #include <gtest/gtest.h>

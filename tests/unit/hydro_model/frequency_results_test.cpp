@@ -1,5 +1,5 @@
-#include "hydro_analysis/frequency_results.hpp"
 #include "hydro_analysis/hyd_merge.hpp"
+#include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
 
 #include <gtest/gtest.h>

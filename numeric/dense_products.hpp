@@ -1,7 +1,7 @@
 // Products of full column-major matrices.
 #pragma once
 
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
 
 namespace quelor {
 

@@ -2,7 +2,7 @@
 // A numeric kernel.
 #pragma once
 
-#include "fem/vectors.hpp"
+#include "numeric/vectors.hpp"
 
 namespace quelor {
 

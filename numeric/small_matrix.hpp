@@ -2,15 +2,15 @@
 // numeric kernel.
 #pragma once
 
-#include "fem/vectors.hpp"
-#include "kernel/types.hpp"
+#include "numeric/types.hpp"
+#include "numeric/vectors.hpp"
 
 namespace quelor {
 
 /// Matrix of at most R x C; 1-based with round brackets, column-major without gaps, zero at first.
 template <int R, int C = R> struct SmallMatrix {
     int rows = R, cols = C;
-    std::array<double, static_cast<std::size_t>(R) * C> a{};
+    std::array<double, as_size(R) * C> a{};
 
     double& operator()(int i, int j) { return a[at(i, j)]; }
     double operator()(int i, int j) const { return a[at(i, j)]; }
@@ -19,15 +19,14 @@ template <int R, int C = R> struct SmallMatrix {
 private:
     std::size_t at(int i, int j) const {
         assert(1 <= i && i <= rows && 1 <= j && j <= cols);
-        return static_cast<std::size_t>(i - 1) +
-               static_cast<std::size_t>(j - 1) * static_cast<std::size_t>(rows);
+        return nth(i) + nth(j) * as_size(rows);
     }
 };
 
 template <int N> std::array<double, N> diagonal_of(const SmallMatrix<N>& k) {
     std::array<double, N> d{};
     for (int i = 1; i <= k.rows; ++i)
-        d[static_cast<std::size_t>(i - 1)] = k(i, i);
+        d[nth(i)] = k(i, i);
     return d;
 }
 
@@ -37,7 +36,7 @@ std::array<double, R> product(const SmallMatrix<R, C>& m, std::span<const double
     std::array<double, R> result{};
     for (int j = 1; j <= m.cols; ++j)
         for (int i = 1; i <= m.rows; ++i)
-            result[static_cast<std::size_t>(i - 1)] += m(i, j) * v[static_cast<std::size_t>(j - 1)];
+            result[nth(i)] += m(i, j) * v[nth(j)];
     return result;
 }
 
@@ -47,7 +46,7 @@ std::array<double, C> transposed_product(const SmallMatrix<R, C>& t, std::span<c
     std::array<double, C> result{};
     for (int j = 1; j <= t.cols; ++j)
         for (int i = 1; i <= t.rows; ++i)
-            result[static_cast<std::size_t>(j - 1)] += t(i, j) * v[static_cast<std::size_t>(i - 1)];
+            result[nth(j)] += t(i, j) * v[nth(i)];
     return result;
 }
 

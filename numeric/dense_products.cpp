@@ -1,10 +1,10 @@
 // Products of full matrices by the BLAS; integers by columns.
-#include "matrix/mat_mult.hpp"
+#include "numeric/dense_products.hpp"
 
 #include <algorithm>
 
-#include "green/vecmath.hpp"
-#include "solvers/lapack.hpp"
+#include "numeric/lapack.hpp"
+#include "numeric/vecmath.hpp"
 
 namespace quelor {
 

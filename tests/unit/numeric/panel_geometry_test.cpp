@@ -1,5 +1,5 @@
 // Geometry of flat panels against closed forms and identities.
-#include "hydro_model/hyd_panel_geometry.hpp"
+#include "numeric/panel_geometry.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "hydro_model/hyd_panel_geometry.hpp"
+#include "numeric/panel_geometry.hpp"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 // not fall together as they do on the axes; near points are then neighbours in that order.
 #pragma once
 
-#include "fem/vectors.hpp"
+#include "numeric/vectors.hpp"
 
 #include <limits>
 #include <map>
