@@ -231,6 +231,11 @@ TEST_F(Matrix2, InterpolatesATable) {
     quietly("interpolate t f x f prepad=0,1 postpad=0");
     const Complexes y = elements<Complex8>("f");
     EXPECT_EQ(Complexes(y.begin(), y.begin() + 5), (Complexes{{0, 1}, 1, 4, 4.5, 0}));
+    quietly("input x r=1", "3\n");
+    quietly("input f r=4", "0\n0\n1e17\n1\n");
+    quietly("interpolate t f x y");
+    EXPECT_EQ(elements<double>("y"), Reals{1}) << "the last value itself";
+    quietly("to_complex f");
     const std::string quitting = "\n    Interpolate is quitting\n";
     EXPECT_EQ(run("interpolate t x x new"),
               "     \n    Size of tin and fin must be identical" + quitting);
