@@ -61,6 +61,8 @@ TEST_F(Elements, a_tension_only_bar_without_tension_is_not_slack) {
     script("nodes #=2\nn=1\nn=2 x=2\n\nbcid r=0,1,1,1,1,1\nn=1 r=1,1,1,1,1,1\n\n"
            "ntruss m=1 n=1\nm=1 e=200 a=0.5 -no_compression\nn=1 nodes=1,2 mat=1\n\nform_k\n");
     EXPECT_EQ(value(kstr, 1), 50);
+    expect_fatal("inputi .ntruss_el r=4 c=1\n1\n9\n1\n0\nnode_order\n",
+                 "Node number of an element is out of range");
 }
 
 TEST_F(Elements, beams_have_damping_by_direction_and_cylinders_tension_by_equal_steps) {
