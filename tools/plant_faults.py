@@ -23,6 +23,7 @@ The exit status is 1 when a fault lives or cannot be planted.
 import argparse
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -146,7 +147,7 @@ def verdict(copy, fault, use_all):
         calls = [call for test in fault.tests for call in copy.calls(test)]
         test = copy.seen_by(calls) or (copy.seen_by(copy.everything()) if use_all else "")
     except RuntimeError as problem:
-        return "no build", str(problem)[-2000:]
+        return "no build", "; ".join(re.findall("error: .*", str(problem)))
     finally:
         path.write_text(code)
     return ("seen", test) if test else ("LIVES", "")

@@ -24,4 +24,10 @@ TEST_F(Values, words_of_a_real_array_have_single_precision_as_complex_parameter)
     EXPECT_EQ(z[1], static_cast<double>(static_cast<float>(0x3fb99999)));
 }
 
+TEST_F(Values, a_comment_needs_no_blank_before_it) {
+    set_record("add a b/* c d");
+    EXPECT_EQ(get_arg(2), "b");
+    EXPECT_EQ(get_arg(3), " ");
+}
+
 } // namespace quelor

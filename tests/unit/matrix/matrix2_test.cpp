@@ -189,6 +189,7 @@ TEST_F(Matrix2, ExtractsRowsByAValue) {
     EXPECT_EQ(second_column("c=1 v=2 -gt tol=5"), (Reals{30, 40}));
     EXPECT_EQ(second_column("c=2 v=20 -le"), (Reals{10, 20}));
     EXPECT_EQ(second_column("c=2 v=20 -lt"), Reals{10});
+    EXPECT_EQ(second_column("c=1 v=2 tol=0.01 -ne"), (Reals{10, 40}));
     quietly("inputc z c=3", "3 4, 0 5, 6 0\n");
     quietly("extract z zb c=1 v=0,5");
     EXPECT_EQ(elements<Complex8>("zb"), Complexes({{0, 5}}));

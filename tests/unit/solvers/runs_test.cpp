@@ -45,6 +45,22 @@ TEST_F(SolverRuns, displacement_control_goes_on_from_the_load_that_was_reached) 
                 1e-8);
 }
 
+// An end moment turns a beam by M L / EI = 0.1 about any axis, in steps of 0.01 at most.
+TEST_F(SolverRuns, the_limit_of_rotations_holds_about_each_axis) {
+    for (const auto& [plane, axis, moment] : {std::tuple{"-xy", "x", "0,0,0,0,0,1"},
+                                              {"-xz", "x", "0,0,0,0,1"},
+                                              {"-yz", "y", "0,0,0,1"}}) {
+        db_clear();
+        type("nodes #=2\nn=1\nn=2 " + std::string(axis) +
+             "=1\n\nbcid\nn=1 r=1,1,1,1,1,1\n\nnbeam2d m=1 n=1 " + plane +
+             "\nm=1 e=100 a=1 i=0.1\nn=1 nodes=1,2 mat=1\n\nnodef\nn=2 f=" + moment +
+             "\n\nform_k\ncheck_diag .kstr .kdiag_loc -noprint\n");
+        const std::string screen =
+            type("nsolve steps=1 tol=1e-6,1e-6 maxit=30 k=30 dlim=9,0.01");
+        EXPECT_TRUE(holds(screen, "Iteration   10")) << plane;
+    }
+}
+
 TEST_F(SolverRuns, displacements_are_not_imposed_on_a_profile_that_does_not_fit_the_loads) {
     type(two_bars(1) + "imposed_displ\nn=2 dof=3 disp=1\n\n");
     std::ranges::copy(std::array{1, 2}, create_matrix<std::int32_t>(kdiag_loc, 2, 0).data);
