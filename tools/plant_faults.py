@@ -89,17 +89,17 @@ class Copy:
         copy_tree(tree)
         subprocess.run(["cmake", "--preset", "release"], cwd=tree, check=True, stdout=subprocess.DEVNULL)
 
-    def make(self, targets):
+    def make(self, target):
         """The compiler's words when the build fails, else nothing."""
         done = subprocess.run(["nice", "cmake", "--build", self.build, f"-j{self.jobs}", "--target",
-                               *targets], capture_output=True, text=True, check=False)
+                               target], capture_output=True, text=True, check=False)
         return done.stdout + done.stderr if done.returncode else ""
 
     def calls(self, test):
         """The calls of one name of a list: pairs of a build target and a command line."""
         name, _, wanted = test.partition(":")
         if name.endswith(".py"):
-            return [("quelorz-zt", ["python3", self.tree / "tests" / name, self.build / "quelorz-zt"])]
+            return [("quelorz-zt", [sys.executable, self.tree / "tests" / name, self.build / "quelorz-zt"])]
         if name.startswith("test_"):
             return [(name, [self.build / "tests" / name, "--gtest_brief=1",
                             *([f"--gtest_filter={wanted}"] if wanted else [])])]
@@ -107,7 +107,7 @@ class Copy:
             place = self.tree / "tests" / name
             cases = sorted(place.rglob("*.cmd")) if place.is_dir() else [place.with_suffix(".cmd")]
             script = self.tree / "tests" / "run_scenario.py"
-            return [("quelorz-zt", ["python3", script, self.build / "quelorz-zt", case]) for case in cases]
+            return [("quelorz-zt", [sys.executable, script, self.build / "quelorz-zt", case]) for case in cases]
         units = self.calls("test_" + name) if any((self.tree / "tests/unit" / name).glob("*_test.cpp")) else []
         return units + (self.calls("scenario/" + name) if (self.tree / "tests/scenario" / name).is_dir() else [])
 
@@ -116,17 +116,20 @@ class Copy:
 
     def seen_by(self, calls):
         """The first of the calls that fails, as text; empty when none does. Raises what cannot be built."""
-        problem = self.make(sorted({target for target, _ in calls}))
-        if problem:
-            raise RuntimeError(problem)
-        for _, command in calls:
+        built = set()
+        for target, command in calls:
+            problem = "" if target in built else self.make(target)
+            if problem:
+                raise RuntimeError(problem)
+            built.add(target)
             try:
                 done = subprocess.run(["nice", *command], cwd=self.build, capture_output=True,
                                       timeout=TIME_LIMIT, check=False)
             except subprocess.TimeoutExpired:
                 return f"{called(command)} (no end)"
             if done.returncode:
-                return called(command)
+                failed = re.search(rb"\[  FAILED  \] ([\w./]+)", done.stdout)
+                return called(command) + (" " + failed[1].decode() if failed else "")
         return ""
 
 

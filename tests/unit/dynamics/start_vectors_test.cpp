@@ -9,8 +9,8 @@ namespace quelor {
 
 using StartVectors = Session;
 
-// K = diag(1, 2, ...), M = 1: the unit vectors are the modes, and the iteration leaves none of them.
-// The last column is never the user's: the smallest stiffness for its mass takes it.
+// K = diag(1, 2, ...), M = 1: the unit vectors are the modes, and the iteration leaves none of
+// them. The last column is never the user's: the smallest stiffness for its mass takes it.
 TEST_F(StartVectors, of_the_user_leave_the_last_column_to_the_softest_equation) {
     const int n = 12;
     create_int_scalar(num_eqs, n);

@@ -85,7 +85,8 @@ TEST_F(Elements, parts_of_a_parallelogram_are_parallelograms_that_keep_face_and_
     ASSERT_EQ(el.cols, 6);
     for (int e = 1; e <= 6; ++e) {
         const auto corner = [&](int i) { return node_coordinates(el(i, e)); };
-        const Vec3 side = difference(corner(2), corner(1)), other = difference(corner(3), corner(4));
+        const Vec3 side = difference(corner(2), corner(1)),
+                   other = difference(corner(3), corner(4));
         EXPECT_LT(vector_length(difference(side, other)), 1e-15);
         EXPECT_NEAR(vector_length(side), std::sqrt(5.0) / 2, 1e-15);
         EXPECT_EQ(el(6, e), -1);

@@ -54,8 +54,8 @@ TEST_F(AnalysisCommand, diffraction_needs_no_mode_in_a_class_of_symmetry) {
     EXPECT_EQ(all_classes.size(), 8u);
 }
 
-// In exact arithmetic n iterations solve n equations, unsymmetric complex ones, too; what takes more
-// ends the program.
+// In exact arithmetic n iterations solve n equations, unsymmetric complex ones, too; what takes
+// more ends the program.
 TEST_F(AnalysisCommand, as_many_iterations_as_panels_give_the_direct_solution) {
     analyse("", "hyd_rigid_modes");
     const auto direct = potentials(hyd_fd);

@@ -55,10 +55,30 @@ TEST_F(SolverRuns, the_limit_of_rotations_holds_about_each_axis) {
              "=1\n\nbcid\nn=1 r=1,1,1,1,1,1\n\nnbeam2d m=1 n=1 " + plane +
              "\nm=1 e=100 a=1 i=0.1\nn=1 nodes=1,2 mat=1\n\nnodef\nn=2 f=" + moment +
              "\n\nform_k\ncheck_diag .kstr .kdiag_loc -noprint\n");
-        const std::string screen =
-            type("nsolve steps=1 tol=1e-6,1e-6 maxit=30 k=30 dlim=9,0.01");
+        const std::string screen = type("nsolve steps=1 tol=1e-6,1e-6 maxit=30 k=30 dlim=9,0.01");
         EXPECT_TRUE(holds(screen, "Iteration   10")) << plane;
     }
+}
+
+// The middle of two equal bars follows either end, one held and one moved, by half.
+TEST_F(SolverRuns, an_imposed_displacement_leaves_no_coupling_behind) {
+    for (const int moved : {1, 3}) {
+        db_clear();
+        type(
+            "nodes #=3\nn=1\nn=3 x=2 lgen=1\n\nbcid r=0,1,1,1,1,1\nn=" + std::to_string(4 - moved) +
+            " r=1,1,1,1,1,1\n\ntruss m=1 n=2\nm=1 e=9 a=1\nn=1 nodes=1,2 mat=1 gen=1 inc=1\n\n"
+            "nodef\nn=2 f=0\n\nimposed_displ\nn=" +
+            std::to_string(moved) + " dof=1 disp=0.5\n\nform_k\nlsolve\n");
+        const auto u = as_span<double>(find_array(disp));
+        EXPECT_DOUBLE_EQ(u[0] + u[1], 0.75) << moved;
+    }
+}
+
+TEST_F(SolverRuns, the_generalised_displacement_follows_constraints) {
+    type("nodes #=2\nn=1\nn=2 x=1\n\nbcid r=0,1,1,1,1,1\n\nnodal_constraint\n"
+         "type=general c=2 cdof=1 r=1 rdof=1 factor=2.5\n\nnum_eqs\n"
+         "disp_cntl\nn=2 dof=1 f=-3\nn=1 dof=1 f=1\n\n");
+    EXPECT_EQ(as_span<double>(find_array(disp_cntl_vec))[0], 1 - 2.5 * 3);
 }
 
 TEST_F(SolverRuns, displacements_are_not_imposed_on_a_profile_that_does_not_fit_the_loads) {
