@@ -74,6 +74,10 @@ TEST_F(AnalysisCommand, what_cannot_be_solved_takes_the_fatal_path) {
     set_project_name("job");
     const std::string rigid = "hyd_rigid_modes\n";
     const std::array<std::string, 3> faults[] = {
+        {rigid, "#added_freqs=1001", "A maximum of 1000 frequencies can be added"},
+        {rigid, "#added_freqs=1\n.5", "Cannot add frequencies without first running"},
+        {rigid + "hyd_analysis", "#added_freqs=2 -periods\n5 0", "must be greater than 0"},
+        {rigid + "hyd_analysis", "#added_freqs=1 -source\n.5", "opening source strength files"},
         {rigid + "zeroc .hyd_iter_work r=4 c=8", "tol=1e-6", "needs at least 9 columns"},
         {rigid + "zeroc .hyd_iter_work r=4 c=9", "tol=1e-30", "Iterative solver did not converge"},
         {rigid + "hyd_panel n=5\n1 3 7 8 4\n2 4 8 6 2\n3 7 5 6 8\n4 3 4 2 1\n5 3 4 2 1\n\n" + rigid,
