@@ -90,9 +90,7 @@ void solve_heading(const ResponseLoop& loop, int ifreq, int ibeta,
 
 void solve_frequency(const ResponseLoop& loop, int ifreq) {
     const double omega = loop.freq[nth(ifreq)];
-    write_both(
-        "(/, '    Wave frequency',i3, 4x, 'Omega = ', f7.4,' rad/sec', 4x,'Wave period = ',f5.2,' sec')",
-        {ifreq, omega, 2 * std::numbers::pi / omega});
+    write_frequency_line(ifreq, omega);
     copy_slice(loop.addm, ifreq, loop.mass_now);
     copy_slice(loop.damp, ifreq, loop.damping_now);
     if (loop.options.symmetrize) {
@@ -200,6 +198,12 @@ ResponseOptions hyd_response_options() {
 void open_cor_file() {
     fortopen_ext(unit_cor, ".cor", "UNKNOWN", "FORMATTED");
     write_unit(unit_cor, "(10x,8('*'),' GENERALIZED COORDINATES ', 2x, 8('*'))");
+}
+
+void write_frequency_line(int ifreq, double omega) {
+    write_both(
+        "(/, '    Wave frequency',i3, 4x, 'Omega = ', f7.4,' rad/sec', 4x,'Wave period = ',f5.2,' sec')",
+        {ifreq, omega, 2 * std::numbers::pi / omega});
 }
 
 void hyd_response_arrays(int nfreq, int nbeta, int nmode) {

@@ -23,6 +23,9 @@ ResponseOptions hyd_response_options();
 inline constexpr int unit_cor = 90;
 void open_cor_file();
 
+/// The line that follows the course of a response.
+void write_frequency_line(int ifreq, double omega);
+
 /// Deletes and creates `.hyd_dynk`, `.hyd_rhs` and `.hyd_gencor` (nmode,nfreq,nbeta).
 void hyd_response_arrays(int nfreq, int nbeta, int nmode);
 

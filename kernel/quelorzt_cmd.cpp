@@ -10,7 +10,9 @@
 #include "hydro_model/hyd_surf_nodes.hpp"
 #include "hydro_response/hyd_export_to_graphics.hpp"
 #include "hydro_response/hyd_response.hpp"
+#include "hydro_response/hyd_surf_elevation.hpp"
 #include "hydro_response/hyd_tf.hpp"
+#include "hydro_response/hyd_vel_nodes.hpp"
 #include "kernel/command.hpp"
 
 namespace quelor {
@@ -32,6 +34,8 @@ static constexpr std::initializer_list<Family> families = {
     hyd_analysis_rows,
     hyd_response_rows,
     hyd_tf_rows,
+    hyd_surf_elevation_rows,
+    hyd_vel_nodes_rows,
     hyd_export_to_graphics_rows,
 };
 
@@ -44,9 +48,6 @@ static constexpr std::string_view planned[] = {
     "hyd_wave_spectra", "phyd_wave_spectra", "hyd_irregular",
     "hyd_wet",
     "hyd_energy",
-    "hyd_surf_elevation",
-    "hyd_velocity_nodes", "hyd_velocity_node_gen", "phyd_velocity_nodes", "hyd_velocity_node_tolerance",
-    "hyd_velocity", "phyd_velocity",
     "hyd_mooring_stiffness", "phyd_mooring_stiffness", "hyd_assign_mooring",
 };
 // clang-format on
