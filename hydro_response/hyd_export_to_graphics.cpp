@@ -18,7 +18,6 @@
 #include <algorithm>
 #include <limits>
 #include <numbers>
-#include <numeric>
 #include <string>
 #include <vector>
 
@@ -90,8 +89,8 @@ struct WaveMotion {
     int steps;
     std::span<const Complex8> gencor;    ///< nmode generalised coordinates
     std::span<const Complex8> elevation; ///< of the nodes of the sea; empty: it stays flat
-    std::vector<std::int32_t> panels;    ///< drawn panels with a pressure, and its amplitudes
-    std::vector<double> pressure;
+    std::vector<std::int32_t> panels;    ///< drawn panels of the hull
+    std::vector<double> pressure;        ///< and the amplitudes of the pressure on them
 };
 
 struct ExportRequest {
@@ -126,8 +125,8 @@ std::span<const Complex8> find_elevation(const ExportRequest& request, int nodes
     return {};
 }
 
-/// Pressures of the drawn panels that are wet; none, after a message, when the potentials do not
-/// serve.
+/// Pressures of the drawn panels, 0 on those that are dry; none, after a message, when the
+/// potentials do not serve.
 void find_pressures(const ExportRequest& request, const DrawnPanels& hull, double omega,
                     Array3<const Complex8> gencor, WaveMotion& wave) {
     Inputs inputs;
@@ -146,11 +145,11 @@ void find_pressures(const ExportRequest& request, const DrawnPanels& hull, doubl
     std::vector<double> amplitudes(as_size(np));
     pressure_amplitudes(phi, request.freq, request.angle, wave.gencor, omega * rho, amplitudes);
     for (const auto* list : {&hull.quadrilaterals, &hull.triangles})
-        for (std::size_t i = 4; i < list->size(); i += 5)
-            if (const int p = map[nth((*list)[i])]; 1 <= p && p <= np) {
-                wave.panels.push_back((*list)[i]);
-                wave.pressure.push_back(amplitudes[nth(p)]);
-            }
+        for (std::size_t i = 4; i < list->size(); i += 5) {
+            const int p = map[nth((*list)[i])];
+            wave.panels.push_back((*list)[i]);
+            wave.pressure.push_back(1 <= p && p <= np ? amplitudes[nth(p)] : 0.0);
+        }
 }
 
 /// What -displ asks for, checked; false after a message.
@@ -195,16 +194,21 @@ void write_wave(PictureMesh& picture, const ModeShapes& um, const WaveMotion& wa
 
 /// The frames in colour: the pressure amplitude of the panels, the same in all, and the elevation.
 void write_views(const PictureMesh& picture, const WaveMotion& wave, int first) {
-    std::vector<std::int32_t> nodes(wave.elevation.size());
-    std::iota(nodes.begin(), nodes.end(), picture.hull_nodes + 1);
-    std::vector<double> elevation(nodes.size());
+    std::vector<std::int32_t> nodes;
+    std::vector<Complex8> elevation;
+    for (int n = 1; n <= static_cast<int>(wave.elevation.size()); ++n) {
+        if (picture.active[nth(picture.hull_nodes + n)] != 'A') continue;
+        nodes.push_back(picture.hull_nodes + n);
+        elevation.push_back(wave.elevation[nth(n)]);
+    }
+    std::vector<double> now(nodes.size());
     const auto time = [&](int i) { return i * wave.period / wave.steps; };
     for (int i = 0; i < wave.steps && !wave.panels.empty(); ++i)
         gmsh_write_scalars(first + i, time(i),
                            {"ElementData", "Pressure amplitude", wave.panels, wave.pressure});
     for (int i = 0; i < wave.steps && !nodes.empty(); ++i) {
-        real_parts_at(phase_of_turn(i, wave.steps), wave.elevation, elevation);
-        gmsh_write_scalars(first + i, time(i), {"NodeData", "Elevation", nodes, elevation});
+        real_parts_at(phase_of_turn(i, wave.steps), elevation, now);
+        gmsh_write_scalars(first + i, time(i), {"NodeData", "Elevation", nodes, now});
     }
 }
 
@@ -326,8 +330,8 @@ constexpr Command rows[] = {
          "-freesurface\n\tWrite the panels of hyd_surf_panel as well.\n\n"
          "-wetonly\n\tOf the structure, only wet panels (codes W and V).\n\n"
          "-views\n\tWith -displ, views for colours as well: \"Pressure amplitude\", the modulus of "
-         "the hydrodynamic pressure -i omega rho phi at the wet panels of the structure, from the "
-         "potentials of hyd_analysis (the same in all frames), and with -freesurface \"Elevation\" "
+         "the hydrodynamic pressure -i omega rho phi on the panels of the structure (0 on dry ones), "
+         "from the potentials of hyd_analysis, the same in all frames; and with -freesurface \"Elevation\" "
          "at the nodes of the free surface.\n\n"
          "file\n\tName of the file. Default is the project's name with extension msh.\n\n"
          "Example\n\thyd_export_graphics -Gmsh -displ freq=3 angle=1 steps=24 -freesurface\n\n"
