@@ -13,7 +13,8 @@ namespace quelor {
 
 namespace {
 
-constexpr FieldTexts texts{
+constexpr FieldKind kind{
+    .gauge = 1,
     .incoming = "    Calculating surface elevation from incoming potential",
     .diffraction = "    Calculating surface elevation from diffraction potential",
     .radiation = "    Calculating surface elevation from radiation potential",
@@ -37,7 +38,7 @@ void cmd_hyd_surf_elevation(std::string_view) {
     const NodeSet nodes = open_nodes(hyd_surface_nodes);
     if (!nodes) return;
     if (nodes.count < 1) return print_both(" \n\tNumber nodes < 1\n");
-    WaveField field(parts, texts);
+    WaveField field(parts, kind);
     if (!field) return;
     print_both(" \n\n                    Free Surface Elevation\n");
     const auto& [nfreq, nbeta] = std::pair(field.size().nfreq, field.size().nbeta);

@@ -20,7 +20,11 @@ namespace quelor {
 
 namespace {
 
-constexpr FieldTexts texts{
+/// Where a panel's exact integral gives way to a source in its middle the potential jumps by some
+/// (s/L)^2/24 of the panel's part, with its side s and the distance L, and a difference divides the
+/// jump by del. Four times as far away it is a hundredth.
+constexpr FieldKind kind{
+    .gauge = 4,
     .incoming = "    Calculating velocity from incoming potential",
     .diffraction = "    Calculating velocity from diffraction potential",
     .radiation = "    Calculating velocity from radiation potential",
@@ -87,7 +91,7 @@ void cmd_hyd_velocity(std::string_view) {
     const NodeSet nodes = open_nodes(hyd_velocity_points);
     if (!nodes) return;
     if (nodes.count < 1) return print_both(" \n\tNumber nodes < 1\n");
-    WaveField field(parts, texts);
+    WaveField field(parts, kind);
     if (!field || !all_in_water(nodes, field.size().depth)) return;
     const std::vector<double> six = points_about(nodes, del, field.size().depth);
     if (six.empty()) return;

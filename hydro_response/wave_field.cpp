@@ -39,8 +39,8 @@ bool has_no_symmetry() {
     return false;
 }
 
-WaveField::WaveField(const FieldParts& parts, const FieldTexts& texts)
-    : parts_(parts), texts_(texts), size_(hyd_get_problem_size()) {
+WaveField::WaveField(const FieldParts& parts, const FieldKind& kind)
+    : parts_(parts), kind_(kind), size_(hyd_get_problem_size()) {
     open_arrays();
     if (usable_) open_files();
 }
@@ -76,10 +76,10 @@ void WaveField::open_arrays() {
 void WaveField::open_files() {
     if (parts_.radiation)
         usable_ = open_sources(radiation_file, parts_.rad, {size_.np, size_.nmode, freq_, beta_},
-                               texts_.radiation_size);
+                               kind_.radiation_size);
     if (usable_ && parts_.diffraction)
         usable_ = open_sources(diffraction_file, parts_.dif, {size_.np, 1, freq_, beta_},
-                               texts_.diffraction_size);
+                               kind_.diffraction_size);
 }
 
 /// The n values of one frequency and heading.
@@ -101,13 +101,13 @@ void WaveField::read_strengths(int ifreq, Matrix<Complex8> sigma) const {
     std::vector<Complex4> storage(as_size(size_.np) * as_size(std::max(size_.nmode, size_.nbeta)));
     std::ranges::fill(sigma.all(), Complex8{});
     if (parts_.diffraction) {
-        write_both("(a)", {texts_.diffraction});
+        write_both("(a)", {kind_.diffraction});
         const Matrix<Complex4> strengths{storage.data(), size_.np, size_.nbeta};
         read_sources(diffraction_file, strengths);
         std::ranges::copy(strengths.all(), sigma.data);
     }
     if (parts_.radiation) {
-        write_both("(a)", {texts_.radiation});
+        write_both("(a)", {kind_.radiation});
         const Matrix<Complex4> strengths{storage.data(), size_.np, size_.nmode};
         read_sources(radiation_file, strengths);
         for (int b = 1; b <= size_.nbeta; ++b)
@@ -124,7 +124,7 @@ bool WaveField::add_sources(int ifreq, Matrix<const double> points, Array3<Compl
     const double omega = freq_[nth(ifreq)], K = omega * omega / size_.grav;
     const double hnd = K * size_.depth;
     for (int p = 1; p <= size_.np; ++p) {
-        const SourcePanel source = source_panel(mesh_, p, K, size_.gauge);
+        const SourcePanel source = source_panel(mesh_, p, K, kind_.gauge * size_.gauge);
         for (int n = 1; n <= points.rows; ++n) {
             const GreenInfluence g =
                 g_only({K * points(n, 1), K * points(n, 2), K * points(n, 3)}, {source, 1, 1},
@@ -140,7 +140,7 @@ bool WaveField::potentials(Matrix<const double> points, Array3<Complex8> phi) {
     for (int f = 1; f <= size_.nfreq; ++f) {
         write_frequency_line(f, freq_[nth(f)]);
         if (parts_.incoming) {
-            write_both("(a)", {texts_.incoming});
+            write_both("(a)", {kind_.incoming});
             add_incoming(f, points, phi);
         }
         if (parts_.sources() && !add_sources(f, points, phi)) return false;

@@ -10,8 +10,9 @@
 
 namespace quelor {
 
-/// The words of one command.
-struct FieldTexts {
+/// The words of one command, and how far its exact integrals reach.
+struct FieldKind {
+    double gauge;                                      ///< times `.hyd_gauge`
     std::string_view incoming, diffraction, radiation; ///< lines of the trace
     std::string_view diffraction_size, radiation_size; ///< messages for files of other sizes
 };
@@ -31,7 +32,7 @@ bool has_no_symmetry();
 /// The model of the field. Opens the source files when it is made, and closes them at its end.
 class WaveField {
 public:
-    WaveField(const FieldParts& parts, const FieldTexts& texts);
+    WaveField(const FieldParts& parts, const FieldKind& kind);
     ~WaveField();
     WaveField(const WaveField&) = delete;
     WaveField& operator=(const WaveField&) = delete;
@@ -53,7 +54,7 @@ private:
     bool add_sources(int ifreq, Matrix<const double> points, Array3<Complex8> phi);
 
     FieldParts parts_;
-    FieldTexts texts_;
+    FieldKind kind_;
     bool usable_ = true;
     HydSize size_{};
     std::span<const double> freq_, beta_;
