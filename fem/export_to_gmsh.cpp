@@ -48,6 +48,22 @@ double cosine_of_turn(std::int64_t k, std::int64_t n) {
     return std::cos(2 * std::numbers::pi * static_cast<double>(k) / static_cast<double>(n));
 }
 
+/// The line of one element: number, type, number of tags, tags, nodes.
+/// line  work  kept by the caller, so that no line allocates
+void write_element(std::int32_t number, std::int32_t type, std::span<const std::int32_t> tags,
+                   std::span<const std::int32_t> nodes, std::vector<std::int32_t>& line) {
+    line.assign({number, type, static_cast<std::int32_t>(tags.size())});
+    line.insert(line.end(), tags.begin(), tags.end());
+    line.insert(line.end(), nodes.begin(), nodes.end());
+    FormatItems items;
+    items.add(std::span<const std::int32_t>(line));
+    // Numbers of six digits would run into each other.
+    if (std::ranges::max(line) > 99999)
+        write_unit(unit_gmsh, "(50i11)", items);
+    else
+        write_unit(unit_gmsh, "(50i6)", items);
+}
+
 } // namespace
 
 void gmsh_write_format() {
@@ -76,21 +92,20 @@ void gmsh_end_elements() {
 void gmsh_write_elements(Matrix<const std::int32_t> el, int id_row, int nodes, int type,
                          std::span<const std::int32_t> tags) {
     const std::int32_t shift = require_int(gmsh_eshift);
-    std::vector<std::int32_t> line{0, type, static_cast<std::int32_t>(tags.size())};
-    line.insert(line.end(), tags.begin(), tags.end());
-    const std::size_t head = line.size();
-    line.resize(head + as_size(nodes));
-    for (int e = 1; e <= el.cols; ++e) {
-        line[0] = shift + (id_row > 0 ? el(id_row, e) : e);
-        std::ranges::copy(el.col(e).first(as_size(nodes)),
-                          line.begin() + static_cast<std::ptrdiff_t>(head));
-        FormatItems items;
-        items.add(std::span<const std::int32_t>(line));
-        // Numbers of six digits would run into each other.
-        if (std::ranges::max(line) > 99999)
-            write_unit(unit_gmsh, "(50i11)", items);
-        else
-            write_unit(unit_gmsh, "(50i6)", items);
+    std::vector<std::int32_t> line;
+    for (int e = 1; e <= el.cols; ++e)
+        write_element(shift + (id_row > 0 ? el(id_row, e) : e), type, tags,
+                      el.col(e).first(as_size(nodes)), line);
+}
+
+void gmsh_write_panels(Matrix<const std::int32_t> panels, std::span<const std::int32_t> tags) {
+    constexpr int gmsh_triangle = 2, gmsh_quadrilateral = 3;
+    const std::int32_t shift = require_int(gmsh_eshift);
+    std::vector<std::int32_t> line;
+    for (int e = 1; e <= panels.cols; ++e) {
+        const bool triangle = panels(3, e) == panels(4, e);
+        write_element(shift + panels(5, e), triangle ? gmsh_triangle : gmsh_quadrilateral, tags,
+                      panels.col(e).first(triangle ? 3 : 4), line);
     }
 }
 

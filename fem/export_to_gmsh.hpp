@@ -29,6 +29,9 @@ void gmsh_end_elements();
 /// type    in  Gmsh's element type: 1 line, 2 triangle, 3 quadrilateral
 void gmsh_write_elements(Matrix<const std::int32_t> el, int id_row, int nodes, int type,
                          std::span<const std::int32_t> tags);
+/// Lines of panels in the same way: nodes 1 to 4, of which the last two of a triangle agree, and
+/// the panel's number in five rows.
+void gmsh_write_panels(Matrix<const std::int32_t> panels, std::span<const std::int32_t> tags);
 /// An element type has written its lines: the next type's numbers follow after its `count`, the
 /// number of elements or, when they have numbers of their own, the largest of these.
 void gmsh_count_elements(int count);

@@ -16,13 +16,8 @@ NodeSet node_set(PictureMesh& picture) {
 
 /// The lines of one mesh; its panels keep their numbers, behind those of the mesh before.
 void write_panels(const DrawnPanels& panels, std::int32_t entity) {
-    constexpr int gmsh_triangle = 2, gmsh_quadrilateral = 3, number_row = 5;
     const std::int32_t tags[] = {entity, entity};
-    const auto table = [](const std::vector<std::int32_t>& five) {
-        return Matrix<const std::int32_t>{five.data(), 5, static_cast<int>(five.size() / 5)};
-    };
-    gmsh_write_elements(table(panels.quadrilaterals), number_row, 4, gmsh_quadrilateral, tags);
-    gmsh_write_elements(table(panels.triangles), number_row, 3, gmsh_triangle, tags);
+    gmsh_write_panels(panels.table(), tags);
     gmsh_count_elements(panels.last);
 }
 
@@ -67,12 +62,11 @@ bool add_mesh(const PanelKind& kind, DrawnPart part, PictureMesh& picture, Drawn
         const char c = code[nth(e)];
         if (c == ' ' || (part == DrawnPart::wet && c != 'W' && c != 'V')) continue;
         if (!nodes_defined(el.col(e), active)) return false;
-        auto& list = el(3, e) == el(4, e) ? panels.triangles : panels.quadrilaterals;
         for (const std::int32_t n : el.col(e))
-            list.push_back(behind + n);
-        list.push_back(e);
+            panels.values.push_back(behind + n);
+        panels.values.push_back(e);
     }
-    if (panels.count() > 0) return true;
+    if (!panels.values.empty()) return true;
     print_both(" \n\tNumber of panels < 1\n");
     return false;
 }
@@ -80,7 +74,7 @@ bool add_mesh(const PanelKind& kind, DrawnPart part, PictureMesh& picture, Drawn
 void write_picture_mesh(PictureMesh& picture) {
     gmsh_write_format();
     gmsh_write_nodes(node_set(picture));
-    gmsh_begin_elements(picture.hull.count() + picture.sea.count());
+    gmsh_begin_elements(picture.hull.table().cols + picture.sea.table().cols);
     write_panels(picture.hull, 1);
     write_panels(picture.sea, 2);
     gmsh_end_elements();

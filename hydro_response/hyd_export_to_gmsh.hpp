@@ -8,12 +8,14 @@
 
 namespace quelor {
 
-/// The panels of one mesh that are drawn, five numbers each: nodes 1 to 4 and the panel's own.
+/// The panels of one mesh that are drawn, in the order of their numbers.
 struct DrawnPanels {
-    std::vector<std::int32_t> quadrilaterals, triangles;
-    int last = 0; ///< largest number that a panel of the mesh can have
+    std::vector<std::int32_t> values; ///< five each: nodes 1 to 4 and the panel's number
+    int last = 0;                     ///< largest number that a panel of the mesh can have
 
-    int count() const { return static_cast<int>((quadrilaterals.size() + triangles.size()) / 5); }
+    Matrix<const std::int32_t> table() const {
+        return {values.data(), 5, static_cast<int>(values.size() / 5)};
+    }
 };
 
 struct PictureMesh {

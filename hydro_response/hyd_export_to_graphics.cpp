@@ -144,12 +144,12 @@ void find_pressures(const ExportRequest& request, const DrawnPanels& hull, doubl
             " \n\tThere are no potentials of these panels; the pressure is left out\n");
     std::vector<double> amplitudes(as_size(np));
     pressure_amplitudes(phi, request.freq, request.angle, wave.gencor, omega * rho, amplitudes);
-    for (const auto* list : {&hull.quadrilaterals, &hull.triangles})
-        for (std::size_t i = 4; i < list->size(); i += 5) {
-            const int p = map[nth((*list)[i])];
-            wave.panels.push_back((*list)[i]);
-            wave.pressure.push_back(1 <= p && p <= np ? amplitudes[nth(p)] : 0.0);
-        }
+    const auto panels = hull.table();
+    for (int i = 1; i <= panels.cols; ++i) {
+        const int p = map[nth(panels(5, i))];
+        wave.panels.push_back(panels(5, i));
+        wave.pressure.push_back(1 <= p && p <= np ? amplitudes[nth(p)] : 0.0);
+    }
 }
 
 /// What -displ asks for, checked; false after a message.
