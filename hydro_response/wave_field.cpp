@@ -33,9 +33,11 @@ FieldParts read_field_parts() {
 }
 
 bool has_no_symmetry() {
-    if (get_int(hyd_symmetry) == 0) return true;
-    print_both(
-        " \nThis command only supports the no symmetry case (see hyd_parameters command).\n\n");
+    const int symmetry = get_int(hyd_symmetry);
+    if (symmetry == 0) return true;
+    if (symmetry != no_integer)
+        print_both(
+            " \nThis command only supports the no symmetry case (see hyd_parameters command).\n\n");
     return false;
 }
 
