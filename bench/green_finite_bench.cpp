@@ -56,10 +56,11 @@ void scalar(benchmark::State& state) {
     const double h = 1.5;
     DepthCache cache = prepare_depth(h);
     const Band p = band(state, h);
-    std::array<Complex8, 8> f;
+    GreenValue f;
     for (auto _ : state)
         for (std::size_t i = 0; i < points; ++i) {
-            benchmark::DoNotOptimize(finred_f(p.R[i], p.d1[i], p.d2[i], h, 2, 1, cache, f));
+            benchmark::DoNotOptimize(finred_f(p.R[i], p.d1[i], p.d2[i], h, SurfaceTerms::none,
+                                              BottomTerm::removed, cache, f));
             benchmark::DoNotOptimize(f);
         }
     state.SetItemsProcessed(state.iterations() * points);

@@ -22,25 +22,19 @@ double seconds() { // of processor time
 
 // Seconds a pair and image by one call of ggn each.
 double scalar_time(const PanelMesh& mesh, const InfluenceParameters& p) {
-    const int np = mesh.xyzc.rows, ns = image_count(p.symmetry);
-    const double hnd = p.K * p.depth;
-    const GreenWater water = {hnd, p.deep_water_limit >= hnd ? hnd : -1};
+    const int np = mesh.np(), ns = image_count(p.symmetry);
     DepthCache cache;
     std::vector<SourcePanel> sources;
     for (int i = 1; i <= np; ++i)
-        sources.push_back(source_panel(mesh, i, p.K, p.gauge));
+        sources.push_back(source_panel(mesh.panel(i), p.K, p.gauge));
     int count = 0;
     const double start = seconds();
     for (std::ptrdiff_t pair = 0; pair < std::ptrdiff_t{np} * np; pair += 97) {
         const int i = static_cast<int>(pair / np), j = static_cast<int>(pair % np) + 1;
-        const FieldPoint field = {
-            {p.K * mesh.xyzc(j, 1), p.K * mesh.xyzc(j, 2), p.K * mesh.xyzc(j, 3)},
-            {mesh.n(1, j), mesh.n(2, j), mesh.n(3, j)}};
-        for (int m = 1; m <= ns; ++m, ++count) {
-            const PanelSource source = {sources[static_cast<std::size_t>(i)],
-                                        image_sign_x(p.symmetry, m), image_sign_y(p.symmetry, m)};
-            benchmark::DoNotOptimize(ggn(field, source, water, cache));
-        }
+        const Vec3 at = scaled(mesh.centroid(j), p.K), n = mesh.normal(j);
+        for (int m = 1; m <= ns; ++m, ++count)
+            benchmark::DoNotOptimize(
+                ggn(at, n, sources[as_size(i)], reflection_of(p.symmetry, m), p.water(), cache));
     }
     return (seconds() - start) / count;
 }

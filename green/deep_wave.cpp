@@ -21,7 +21,7 @@ constexpr std::size_t cells = 16;
 constexpr std::size_t room = block + cells * lanes;
 
 struct Workspace {
-    alignas(64) std::array<double, room> R, Z, F, Fr, Fz, g1, g2;
+    alignas(64) std::array<double, room> R, Z, F, Fr, Fz, im, im_R;
     alignas(64) std::array<std::uint32_t, room> source; ///< place in the block of a sorted point
     alignas(64) std::array<std::uint64_t, block> cell;
     std::array<std::uint32_t, cells + 1> start;
@@ -87,8 +87,8 @@ QUELOR_INLINE void store(Workspace& w, std::size_t i, const DeepValue& v, double
     w.F[i] = v.F;
     w.Fr[i] = v.Fr;
     w.Fz[i] = v.Fz;
-    w.g1[i] = -2.0 * std::numbers::pi * v.j0 * e;
-    w.g2[i] = 2.0 * std::numbers::pi * v.j1 * e;
+    w.im[i] = -2.0 * std::numbers::pi * v.j0 * e;
+    w.im_R[i] = 2.0 * std::numbers::pi * v.j1 * e;
 }
 
 template <class T> QUELOR_INLINE void log_cell(Workspace& w, std::size_t c) {
@@ -140,14 +140,14 @@ QUELOR_CLONES void steep_waves(Workspace& w) {
     for (std::size_t i = w.start[2]; i < w.start[5]; ++i) {
         const double R = w.R[i], wave = 2.0 * std::numbers::pi * vec_exp(-w.Z[i]);
         const SmallBessel b = small_bessel(R * R);
-        w.g1[i] = -wave * (1.0 - R * R * b.j0_rest);
-        w.g2[i] = wave * R * b.j1_by_x;
+        w.im[i] = -wave * (1.0 - R * R * b.j0_rest);
+        w.im_R[i] = wave * R * b.j1_by_x;
     }
     for (std::size_t i = w.start[5]; i < w.start[8]; ++i) {
         const double wave = 2.0 * std::numbers::pi * vec_exp(-w.Z[i]);
         const Bessel b = large_bessel<deep_tables::HankelNear>(w.R[i], 1.0 / w.R[i]);
-        w.g1[i] = -wave * b.j0;
-        w.g2[i] = wave * b.j1;
+        w.im[i] = -wave * b.j0;
+        w.im_R[i] = wave * b.j1;
     }
 }
 
@@ -160,11 +160,11 @@ void put_back(const Workspace& w, double* F, double* Fr, double* Fz) {
     }
 }
 
-void put_back_waves(const Workspace& w, double* g1, double* g2) {
+void put_back_waves(const Workspace& w, double* im, double* im_R) {
     for (std::size_t i = 0; i < w.start[cells]; ++i) {
         const std::uint32_t to = w.source[i];
-        g1[to] = w.g1[i];
-        g2[to] = w.g2[i];
+        im[to] = w.im[i];
+        im_R[to] = w.im_R[i];
     }
 }
 
@@ -178,12 +178,13 @@ void clear_meetings(std::size_t n, const double* R, const double* Z,
 }
 
 /// What deep water has twice.
-QUELOR_CLONES void copy_twins(std::size_t n, const double* f3, const double* g1,
-                              double* __restrict f7, double* __restrict g3, double* __restrict g7) {
+QUELOR_CLONES void copy_twins(std::size_t n, const double* re_1, const double* im,
+                              double* __restrict re_2, double* __restrict im_1,
+                              double* __restrict im_2) {
     for (std::size_t i = 0; i < n; ++i) {
-        f7[i] = f3[i];
-        g3[i] = -g1[i];
-        g7[i] = -g1[i];
+        re_2[i] = re_1[i];
+        im_1[i] = -im[i];
+        im_2[i] = -im[i];
     }
 }
 
@@ -206,15 +207,15 @@ void deep_wave_terms(std::span<const double> R, std::span<const double> Z, const
     for (std::size_t first = 0; first < R.size(); first += block) {
         const std::size_t n = std::min(block, R.size() - first);
         const double *r = R.data() + first, *z = Z.data() + first;
-        double *f1 = out.f1 + first, *f2 = out.f2 + first, *f3 = out.f3 + first;
-        double *g1 = out.g1 + first, *g2 = out.g2 + first;
+        double *re = out.re + first, *re_R = out.re_R + first, *re_1 = out.re_1 + first;
+        double *im = out.im + first, *im_R = out.im_R + first;
         sort_points(n, r, z, w);
         evaluate_cells(w);
         steep_waves(w);
-        put_back(w, f1, f2, f3);
-        put_back_waves(w, g1, g2);
-        if (w.meetings > 0) clear_meetings(n, r, z, {f1, f2, f3, g1, g2});
-        copy_twins(n, f3, g1, out.f7 + first, out.g3 + first, out.g7 + first);
+        put_back(w, re, re_R, re_1);
+        put_back_waves(w, im, im_R);
+        if (w.meetings > 0) clear_meetings(n, r, z, {re, re_R, re_1, im, im_R});
+        copy_twins(n, re_1, im, out.re_2 + first, out.im_1 + first, out.im_2 + first);
     }
 }
 

@@ -25,7 +25,7 @@ constexpr int classes = evanescent_modes + 1;
 constexpr int room = block_size + classes * lanes;
 using Row = double[room];
 
-/// A sorted block; f1 to f7 and g1 to g7 as in WaveTerms. All counts are whole groups of lanes.
+/// A sorted block; re to re_2 and im to im_2 as in WaveTerms. All counts are whole groups of lanes.
 struct Block {
     int n = 0, series = 0;     // places; those of the series come first
     int served[classes] = {};  // places that mode m serves, at [m]
@@ -34,7 +34,7 @@ struct Block {
     alignas(64) Row inverse, inverse_root; // 1/R and R^(-1/2); for the polynomials Z in `inverse`
     alignas(64) Row b, d;                  // derivatives in B and D
     alignas(64) Row j0, j1, y0, y1;        // at k0 R
-    alignas(64) Row f1, f2, f3, f7, g1, g2, g3, g7;
+    alignas(64) Row re, re_R, re_1, re_2, im, im_R, im_1, im_2;
 };
 
 /// Modes of the series, 0 for the points below R = h/2 and for what is not a number.
@@ -79,10 +79,10 @@ QUELOR_INLINE void add_mode_to_block(const BesselKTable<degree>& table, double k
         const double d1 = block.d1[i], d2 = block.d2[i];
         const finite_core::SeriesPoint point{block.R[i], 2.0 * h - d1 - d2, d1 - d2,
                                              block.inverse[i], block.inverse_root[i]};
-        SeparatedField sum{block.f1[i], block.f2[i], block.b[i], block.d[i]};
+        SeparatedField sum{block.re[i], block.re_R[i], block.b[i], block.d[i]};
         finite_core::add_mode<false>(table, k, half_c, inverse_root_k, point, sum);
-        block.f1[i] = sum.v;
-        block.f2[i] = sum.r;
+        block.re[i] = sum.v;
+        block.re_R[i] = sum.r;
         block.b[i] = sum.b;
         block.d[i] = sum.d;
     }
@@ -97,8 +97,8 @@ QUELOR_CLONES void start_series(double h, Block& block) {
         finite_core::add_rankine_d<false>(-1.0, R, d1 - d2, sum);
         finite_core::add_rankine_b<false>(-1.0, R, d1 + d2, -1.0, sum);
         finite_core::add_rankine_b<false>(-1.0, R, 2.0 * h - d1 - d2, 1.0, sum);
-        block.f1[i] = sum.v;
-        block.f2[i] = sum.r;
+        block.re[i] = sum.v;
+        block.re_R[i] = sum.r;
         block.b[i] = sum.b;
         block.d[i] = sum.d;
         block.inverse[i] = 1.0 / R;
@@ -122,10 +122,10 @@ QUELOR_CLONES void add_modes(const DepthCache& cache, Block& block) {
 QUELOR_INLINE finite_core::WaveAmplitude imaginary_part(const DepthCache& cache, int i,
                                                         Block& block) {
     const auto w = finite_core::wave_amplitude(block.d1[i], block.d2[i], cache);
-    block.g1[i] = w.a * block.j0[i];
-    block.g2[i] = -cache.roots.k0 * w.a * block.j1[i];
-    block.g3[i] = w.a1 * block.j0[i];
-    block.g7[i] = w.a2 * block.j0[i];
+    block.im[i] = w.a * block.j0[i];
+    block.im_R[i] = -cache.roots.k0 * w.a * block.j1[i];
+    block.im_1[i] = w.a1 * block.j0[i];
+    block.im_2[i] = w.a2 * block.j0[i];
     return w;
 }
 
@@ -134,29 +134,29 @@ QUELOR_CLONES void add_propagating_wave(const DepthCache& cache, Block& block) {
     for (int i = 0; i < block.series; ++i) {
         const auto w = imaginary_part(cache, i, block);
         const double b = block.b[i], d = block.d[i];
-        block.f1[i] += w.a * block.y0[i];
-        block.f2[i] -= cache.roots.k0 * w.a * block.y1[i];
-        block.f3[i] = w.a1 * block.y0[i] + d - b;
-        block.f7[i] = w.a2 * block.y0[i] - d - b;
+        block.re[i] += w.a * block.y0[i];
+        block.re_R[i] -= cache.roots.k0 * w.a * block.y1[i];
+        block.re_1[i] = w.a1 * block.y0[i] + d - b;
+        block.re_2[i] = w.a2 * block.y0[i] - d - b;
     }
     for (int i = block.series; i < block.n; ++i)
         imaginary_part(cache, i, block);
 }
 
-/// Adds the polynomials to the deep-water function, which stands in f1, f2 and f3.
+/// Adds the polynomials to the deep-water function, which stands in re, re_R and re_1.
 /// The local copy shows the compiler that no coefficient changes with what the loop stores.
 QUELOR_CLONES void add_polynomials(const DepthCache& shared, Block& block) {
     const DepthCache cache = shared;
     const double inverse_h = 1.0 / cache.h;
     const int end = block.n;
     for (int i = block.series; i < end; ++i) {
-        const double d1 = block.d1[i], d2 = block.d2[i], deep = block.f3[i];
+        const double d1 = block.d1[i], d2 = block.d2[i], deep = block.re_1[i];
         const SeparatedField smooth =
             finite_core::smooth_part<false>(cache, inverse_h, block.R[i], d1, d2);
-        block.f1[i] += smooth.v;
-        block.f2[i] += smooth.r;
-        block.f3[i] = deep - smooth.b + smooth.d;
-        block.f7[i] = deep - smooth.b - smooth.d;
+        block.re[i] += smooth.v;
+        block.re_R[i] += smooth.r;
+        block.re_1[i] = deep - smooth.b + smooth.d;
+        block.re_2[i] = deep - smooth.b - smooth.d;
     }
 }
 
@@ -212,13 +212,13 @@ QUELOR_CLONES void bessel_functions(double k0, Block& block) {
         bessel_group<false>(k0, start, block);
 }
 
-/// Deep-water function of the points below R = h/2, into f1, f2 and f3.
+/// Deep-water function of the points below R = h/2, into re, re_R and re_1.
 void deep_part(Block& block) {
     for (int i = block.series; i < block.n; ++i)
         block.inverse[i] = block.d1[i] + block.d2[i];
     const auto count = as_size(block.n - block.series);
     deep_images({&block.R[block.series], count}, {&block.inverse[block.series], count}, false,
-                &block.f1[block.series], &block.f2[block.series], &block.f3[block.series]);
+                &block.re[block.series], &block.re_R[block.series], &block.re_1[block.series]);
 }
 
 /// Copies one sorted row to its places in the batch.
@@ -231,8 +231,8 @@ void scatter(const Block& block, const Row& row, double* out) {
 void clear_coincident(Block& block) {
     for (int i = block.series; i < block.n; ++i)
         if (block.R[i] + block.d1[i] + block.d2[i] < 1e-8)
-            for (Row* row : {&block.f1, &block.f2, &block.f3, &block.f7, &block.g1, &block.g2,
-                             &block.g3, &block.g7})
+            for (Row* row : {&block.re, &block.re_R, &block.re_1, &block.re_2, &block.im,
+                             &block.im_R, &block.im_1, &block.im_2})
                 (*row)[i] = 0.0;
 }
 
@@ -256,14 +256,14 @@ void finite_wave_terms(std::span<const double> R, std::span<const double> d1,
         const auto n = static_cast<int>(std::min<std::size_t>(block_size, R.size() - start));
         sort_block(&R[start], &d1[start], &d2[start], n, cache, block);
         evaluate_block(cache, block);
-        scatter(block, block.f1, out.f1 + start);
-        scatter(block, block.f2, out.f2 + start);
-        scatter(block, block.f3, out.f3 + start);
-        scatter(block, block.f7, out.f7 + start);
-        scatter(block, block.g1, out.g1 + start);
-        scatter(block, block.g2, out.g2 + start);
-        scatter(block, block.g3, out.g3 + start);
-        scatter(block, block.g7, out.g7 + start);
+        scatter(block, block.re, out.re + start);
+        scatter(block, block.re_R, out.re_R + start);
+        scatter(block, block.re_1, out.re_1 + start);
+        scatter(block, block.re_2, out.re_2 + start);
+        scatter(block, block.im, out.im + start);
+        scatter(block, block.im_R, out.im_R + start);
+        scatter(block, block.im_1, out.im_1 + start);
+        scatter(block, block.im_2, out.im_2 + start);
     }
 }
 

@@ -23,7 +23,7 @@ struct Points {
 };
 
 struct Values {
-    std::array<std::vector<double>, 8> row; // f1 f2 f3 f7 g1 g2 g3 g7
+    std::array<std::vector<double>, 8> row; // re re_R re_1 re_2 im im_R im_1 im_2
     Remainder at(std::size_t i) const {
         return {{row[0][i], row[4][i]},
                 {row[1][i], row[5][i]},
