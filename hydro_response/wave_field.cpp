@@ -123,16 +123,16 @@ bool WaveField::add_sources(int ifreq, Matrix<const double> points, Array3<Compl
     std::vector<Complex8> storage(as_size(size_.np) * as_size(size_.nbeta));
     const Matrix<Complex8> sigma{storage.data(), size_.np, size_.nbeta};
     read_strengths(ifreq, sigma);
-    const double omega = freq_[nth(ifreq)], K = omega * omega / size_.grav;
-    const double hnd = K * size_.depth;
+    const double omega = freq_[nth(ifreq)];
+    const InfluenceParameters parameters{omega * omega / size_.grav, size_.depth, size_.deep_water,
+                                         kind_.gauge * size_.gauge, 0};
     for (int p = 1; p <= size_.np; ++p) {
-        const SourcePanel source = source_panel(mesh_, p, K, kind_.gauge * size_.gauge);
+        const SourcePanel source = source_panel(mesh_.panel(p), parameters.K, parameters.gauge);
         for (int n = 1; n <= points.rows; ++n) {
-            const GreenInfluence g =
-                g_only({K * points(n, 1), K * points(n, 2), K * points(n, 3)}, {source, 1, 1},
-                       {hnd, size_.deep_water >= hnd ? hnd : -1}, cache_);
+            const Vec3 at = scaled({points(n, 1), points(n, 2), points(n, 3)}, parameters.K);
+            const GreenInfluence g = g_only(at, source, {}, parameters.water(), cache_);
             for (int b = 1; b <= size_.nbeta; ++b)
-                phi(n, ifreq, b) += g.G / K * sigma(p, b);
+                phi(n, ifreq, b) += g.G / parameters.K * sigma(p, b);
         }
     }
     return true;
