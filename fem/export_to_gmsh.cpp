@@ -48,22 +48,6 @@ double cosine_of_turn(std::int64_t k, std::int64_t n) {
     return std::cos(2 * std::numbers::pi * static_cast<double>(k) / static_cast<double>(n));
 }
 
-/// The line of one element: number, type, number of tags, tags, nodes.
-/// line  work  kept by the caller, so that no line allocates
-void write_element(std::int32_t number, std::int32_t type, std::span<const std::int32_t> tags,
-                   std::span<const std::int32_t> nodes, std::vector<std::int32_t>& line) {
-    line.assign({number, type, static_cast<std::int32_t>(tags.size())});
-    line.insert(line.end(), tags.begin(), tags.end());
-    line.insert(line.end(), nodes.begin(), nodes.end());
-    FormatItems items;
-    items.add(std::span<const std::int32_t>(line));
-    // Numbers of six digits would run into each other.
-    if (std::ranges::max(line) > 99999)
-        write_unit(unit_gmsh, "(50i11)", items);
-    else
-        write_unit(unit_gmsh, "(50i6)", items);
-}
-
 } // namespace
 
 void gmsh_write_format() {
@@ -89,35 +73,54 @@ void gmsh_end_elements() {
     delete_array(gmsh_eshift);
 }
 
-void gmsh_write_elements(Matrix<const std::int32_t> el, int id_row, int nodes, int type,
-                         std::span<const std::int32_t> tags) {
-    const std::int32_t shift = require_int(gmsh_eshift);
-    std::vector<std::int32_t> line;
-    for (int e = 1; e <= el.cols; ++e)
-        write_element(shift + (id_row > 0 ? el(id_row, e) : e), type, tags,
-                      el.col(e).first(as_size(nodes)), line);
+namespace {
+
+/// Gmsh's physical and geometrical entity: the two tags of an element.
+struct Entity {
+    std::int32_t physical, geometrical;
+};
+
+/// Line of one element: its number, Gmsh's type, the tags, the nodes.
+void write_element(std::int32_t number, int type, Entity entity,
+                   std::span<const std::int32_t> nodes) {
+    FormatItems items{number, type, 2, entity.physical, entity.geometrical, nodes};
+    // Numbers of six digits would run into each other.
+    if (std::max(number, std::ranges::max(nodes)) > 99999)
+        write_unit(unit_gmsh, "(50i11)", items);
+    else
+        write_unit(unit_gmsh, "(50i6)", items);
 }
 
-void gmsh_write_panels(Matrix<const std::int32_t> panels, std::span<const std::int32_t> tags) {
-    constexpr int gmsh_triangle = 2, gmsh_quadrilateral = 3;
+} // namespace
+
+void gmsh_write_elements(const ElementTable& table) {
+    const auto el = require_elements(table);
     const std::int32_t shift = require_int(gmsh_eshift);
-    std::vector<std::int32_t> line;
+    const auto number = [&](int e) { return table.number_row > 0 ? el(table.number_row, e) : e; };
+    const auto is_triangle = [&](int e) {
+        return table.gmsh_type == gmsh_quadrilateral && el(3, e) == el(4, e);
+    };
+    const auto write = [&](bool triangles, int type, int nodes) {
+        for (int e = 1; e <= el.cols; ++e)
+            if (is_triangle(e) == triangles)
+                write_element(shift + number(e), type, {99, 2}, el.col(e).first(as_size(nodes)));
+    };
+    write(false, table.gmsh_type, table.nodes);
+    write(true, gmsh_triangle, 3);
+    std::int32_t last = 0;
+    for (int e = 1; e <= el.cols; ++e)
+        last = std::max(last, number(e));
+    create_int_scalar(gmsh_eshift, shift + last);
+}
+
+void gmsh_write_panels(Matrix<const std::int32_t> panels, std::int32_t entity, int last) {
+    const std::int32_t shift = require_int(gmsh_eshift);
     for (int e = 1; e <= panels.cols; ++e) {
         const bool triangle = panels(3, e) == panels(4, e);
-        write_element(shift + panels(5, e), triangle ? gmsh_triangle : gmsh_quadrilateral, tags,
-                      panels.col(e).first(triangle ? 3 : 4), line);
+        write_element(shift + panels(5, e), triangle ? gmsh_triangle : gmsh_quadrilateral,
+                      {entity, entity}, panels.col(e).first(triangle ? 3 : 4));
     }
-}
-
-void gmsh_count_elements(int count) {
-    create_int_scalar(gmsh_eshift, require_int(gmsh_eshift) + count);
-}
-
-void gmsh_write_line_elements(Matrix<const std::int32_t> el) {
-    constexpr int two_node_line = 1;
-    constexpr std::int32_t tags[] = {99, 2}; // Gmsh's physical and geometrical entity
-    gmsh_write_elements(el, -1, 2, two_node_line, tags);
-    gmsh_count_elements(el.cols);
+    create_int_scalar(gmsh_eshift, shift + last);
 }
 
 void gmsh_write_node_data(int step, double time, const NodeSet& nodes, Matrix<const double> u) {

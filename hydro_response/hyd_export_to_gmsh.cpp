@@ -14,13 +14,6 @@ NodeSet node_set(PictureMesh& picture) {
     return {{picture.xyz.data(), 3, n}, picture.active, n, n};
 }
 
-/// The lines of one mesh; its panels keep their numbers, behind those of the mesh before.
-void write_panels(const DrawnPanels& panels, std::int32_t entity) {
-    const std::int32_t tags[] = {entity, entity};
-    gmsh_write_panels(panels.table(), tags);
-    gmsh_count_elements(panels.last);
-}
-
 /// False, after a message, when a panel has a node that the mesh does not define.
 bool nodes_defined(std::span<const std::int32_t> corners, std::span<const char> active) {
     const auto defined = [&](std::int32_t n) {
@@ -75,8 +68,8 @@ void write_picture_mesh(PictureMesh& picture) {
     gmsh_write_format();
     gmsh_write_nodes(node_set(picture));
     gmsh_begin_elements(picture.hull.table().cols + picture.sea.table().cols);
-    write_panels(picture.hull, 1);
-    write_panels(picture.sea, 2);
+    gmsh_write_panels(picture.hull.table(), 1, picture.hull.last);
+    gmsh_write_panels(picture.sea.table(), 2, picture.sea.last);
     gmsh_end_elements();
 }
 

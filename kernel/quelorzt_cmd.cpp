@@ -9,6 +9,7 @@
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_nodes.hpp"
 #include "hydro_response/hyd_export_to_graphics.hpp"
+#include "hydro_response/hyd_mooring.hpp"
 #include "hydro_response/hyd_response.hpp"
 #include "hydro_response/hyd_surf_elevation.hpp"
 #include "hydro_response/hyd_tf.hpp"
@@ -37,6 +38,7 @@ static constexpr std::initializer_list<Family> families = {
     hyd_surf_elevation_rows,
     hyd_vel_nodes_rows,
     hyd_export_to_graphics_rows,
+    hyd_mooring_rows,
 };
 
 /// Words whose commands are not built yet, by family.
@@ -48,7 +50,6 @@ static constexpr std::string_view planned[] = {
     "hyd_wave_spectra", "phyd_wave_spectra", "hyd_irregular",
     "hyd_wet",
     "hyd_energy",
-    "hyd_mooring_stiffness", "phyd_mooring_stiffness", "hyd_assign_mooring",
 };
 // clang-format on
 
