@@ -1,11 +1,14 @@
 // Elevation of the free surface and velocity of the water about a floating box, held against what
 // the field must satisfy.
 #include "../support/arrays.hpp"
+#include "hydro_analysis/influence_panels.hpp"
 #include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_modes.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_nodes.hpp"
+#include "hydro_response/field_potential.hpp"
 #include "hydro_response/hyd_vel_nodes.hpp"
+#include "hydro_response/source_files.hpp"
 
 #include <cmath>
 
@@ -172,6 +175,53 @@ TEST_F(FieldOfBox, water_is_incompressible) {
             size = std::max(size, std::abs(slope));
         }
         EXPECT_LT(std::abs(divergence), 0.01 * size);
+    }
+}
+
+TEST_F(FieldOfBox, velocity_converges_to_the_gradient_of_the_green_function) {
+    // The gradient comes from its own formulas in ggn. A central difference errs by del^2/6 of the
+    // third derivative, four times less for half the distance.
+    const std::vector<Vec3> points{{9, 4, -2}, {-3, 9, -5}};
+    const Complexes coarse = velocity(points, " del=0.4 incoming=0"),
+                    fine = velocity(points, " del=0.2 incoming=0");
+    const auto xyzc = elements<double>(hyd_xyzc), n = elements<double>(hyd_paneln),
+               area = elements<double>(hyd_panela);
+    const auto xr = elements<double>(hyd_xr), yr = elements<double>(hyd_yr),
+               zr = elements<double>(hyd_zr);
+    const auto kind = elements<std::int32_t>(hyd_paneltype);
+    const int np = static_cast<int>(area.size());
+    const PanelMesh mesh{{xyzc.data(), np, 3}, {n.data(), 3, np},  area, {xr.data(), np, 4},
+                         {yr.data(), np, 4},   {zr.data(), np, 4}, kind};
+    const InfluenceParameters parameters{omega * omega / 9.81, depth, 10, 40, 0};
+    const auto freq = elements<double>(".hyd_freq"), beta = elements<double>(".hyd_beta");
+    const auto q = elements<Complex8>(hyd_gencor);
+    std::vector<Complex4> rad(6 * area.size()), dif(2 * area.size());
+    ASSERT_TRUE(open_sources(radiation_file, "", {np, 6, freq, beta}, ""));
+    ASSERT_TRUE(open_sources(diffraction_file, "", {np, 1, freq, beta}, ""));
+    read_sources(radiation_file, {rad.data(), np, 6});
+    read_sources(diffraction_file, {dif.data(), np, 2});
+    close_all_units();
+    DepthCache cache;
+    for (std::size_t heading = 0; heading < 2; ++heading) {
+        Complexes sigma(dif.begin() + np * std::ptrdiff_t(heading),
+                        dif.begin() + np * std::ptrdiff_t(heading + 1));
+        add_radiation_sources(omega, {rad.data(), np, 6}, std::span(q).subspan(6 * heading, 6),
+                              sigma);
+        for (std::size_t k = 0; k < 6; ++k) {
+            Vec3 axis{};
+            axis[k % 3] = 1;
+            Complex8 gradient = 0;
+            for (int p = 1; p <= np; ++p)
+                gradient +=
+                    sigma[nth(p)] * ggn(scaled(points[k / 3], parameters.K), axis,
+                                        source_panel(mesh.panel(p), parameters.K, parameters.gauge),
+                                        {}, parameters.water(), cache)
+                                        .dGdn;
+            const double first = std::abs(coarse[6 * heading + k] - gradient),
+                         second = std::abs(fine[6 * heading + k] - gradient);
+            EXPECT_LT(second, 1e-4 * omega);
+            EXPECT_NEAR(first / second, 4, 0.1) << k;
+        }
     }
 }
 
