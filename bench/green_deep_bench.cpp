@@ -53,6 +53,15 @@ void batch(benchmark::State& state) {
     report(state);
 }
 
+void values(benchmark::State& state) {
+    Points points(state);
+    for (auto _ : state) {
+        deep_wave_values(points.R, points.Z, points.terms().re, points.terms().im);
+        benchmark::ClobberMemory();
+    }
+    report(state);
+}
+
 void images(benchmark::State& state) {
     Points points(state);
     const WaveTerms t = points.terms();
@@ -95,5 +104,6 @@ void sizes(benchmark::internal::Benchmark* b) {
 } // namespace
 
 BENCHMARK(batch)->Apply(sizes);
+BENCHMARK(values)->Apply(sizes);
 BENCHMARK(images)->Apply(sizes);
 BENCHMARK(plain_loop)->Apply(sizes);

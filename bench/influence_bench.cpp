@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "hydro_analysis/influence.hpp"
+#include "hydro_analysis/influence_field.hpp"
 #include "hydro_analysis/symmetry.hpp"
 #include "tests/support/panel_arrays.hpp"
 
@@ -69,8 +70,38 @@ void influence(benchmark::State& state) {
     state.counters["ratio"] = plain / each;
 }
 
+// The same of the free points of a square of the surface, 400 m wide, for comparison with the
+// matrices: potential alone, each point its own evaluation.
+void field(benchmark::State& state) {
+    const int symmetry = static_cast<int>(state.range(0));
+    const double depth = static_cast<double>(state.range(1));
+    const auto mesh = test::hemisphere_mesh(radius, rows, columns, symmetry);
+    const InfluenceParameters p = {K, depth, 10, 2.5, symmetry};
+    std::vector<Vec3> points;
+    for (int i = 0; i < 45; ++i)
+        for (int j = 0; j < 45; ++j)
+            points.push_back({-200 + 400.0 / 44 * i, -200 + 400.0 / 44 * j, 0});
+    DepthCache cache;
+    double total = 0;
+    int runs = 0;
+    for (auto _ : state) {
+        const double start = seconds();
+        benchmark::DoNotOptimize(
+            field_influence(mesh.view(), points, p, cache,
+                            [](int, auto alpha) { benchmark::DoNotOptimize(alpha[0](1, 1)); }));
+        total += seconds() - start;
+        ++runs;
+    }
+    const double pairs = static_cast<double>(points.size() * mesh.count()) * image_count(symmetry);
+    state.counters["ns_per_pair"] = total / (pairs * runs) * 1e9;
+}
+
 } // namespace
 
+BENCHMARK(field)
+    ->ArgNames({"symmetry", "depth"})
+    ->ArgsProduct({{0, 2}, {1000, 30}})
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(influence)
     ->ArgNames({"symmetry", "depth"})
     ->ArgsProduct({{0, 2}, {1000, 30}})

@@ -19,4 +19,9 @@ namespace quelor {
 void finite_wave_terms(std::span<const double> R, std::span<const double> d1,
                        std::span<const double> d2, const DepthCache& cache, const WaveTerms& out);
 
+/// The remainder without its gradient, to the same accuracy.
+void finite_wave_values(std::span<const double> R, std::span<const double> d1,
+                        std::span<const double> d2, const DepthCache& cache, double* re,
+                        double* im);
+
 } // namespace quelor

@@ -73,7 +73,7 @@ QUELOR_INLINE void polynomial_step(const double* c, double x, double t, Bivariat
 
 template <const auto& degrees, bool second, std::size_t columns, std::size_t... i>
 QUELOR_INLINE BivariateValue polynomial(const double (*c)[columns], double x, double t,
-                                         std::index_sequence<i...>) {
+                                        std::index_sequence<i...>) {
     BivariateValue sum;
     (polynomial_step<degrees[degrees.size() - 1 - i], second>(c[degrees.size() - 1 - i], x, t, sum),
      ...);

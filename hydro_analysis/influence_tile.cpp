@@ -123,6 +123,48 @@ QUELOR_INLINE void class_row_of(const PanelBlock& block, double area, const Pair
     }
 }
 
+template <bool finite>
+QUELOR_INLINE int far_potential_of(const PointBlock& block, const PanelBlock& row,
+                                   Reflection reflection, double twice_depth,
+                                   const double* __restrict re, double* __restrict G,
+                                   double* __restrict r_out) {
+    const double xs = reflection.x * row.x[0], ys = reflection.y * row.y[0], zs = row.z[0];
+    const double L = row.L[0];
+    const double* __restrict x = block.x, * __restrict y = block.y, * __restrict z = block.z;
+    std::int64_t near = 0;
+    QUELOR_INDEPENDENT
+    for (int j = 0; j < block.n; ++j) {
+        const double dx = x[j] - xs, dy = y[j] - ys, dz = z[j] - zs, sum_z = z[j] + zs;
+        const double R2 = dx * dx + dy * dy;
+        const double r = std::sqrt(R2 + dz * dz);
+        double potential = 1.0 / r + 1.0 / std::sqrt(R2 + sum_z * sum_z);
+        if constexpr (finite) {
+            const double bottom_z = sum_z + twice_depth;
+            potential += 1.0 / std::sqrt(R2 + bottom_z * bottom_z);
+        }
+        G[j] = re[j] + potential;
+        r_out[j] = r;
+        near += r <= L ? 1 : 0;
+    }
+    return static_cast<int>(near);
+}
+
+template <int ns>
+QUELOR_INLINE void class_potential_of(int n, double factor, const double* __restrict G,
+                                      const double* __restrict im, std::ptrdiff_t stride,
+                                      const double* __restrict sign, Complex4* __restrict alpha) {
+    QUELOR_INDEPENDENT
+    for (int j = 0; j < n; ++j) {
+        double real = 0, imaginary = 0;
+#pragma GCC unroll 4
+        for (int m = 0; m < ns; ++m) {
+            real += sign[m] * G[j + m * stride];
+            imaginary += sign[m] * im[j + m * stride];
+        }
+        alpha[j] = {static_cast<float>(factor * real), static_cast<float>(factor * imaginary)};
+    }
+}
+
 } // namespace
 
 QUELOR_CLONES
@@ -139,6 +181,22 @@ void class_row(const PanelBlock& block, double area, const PairValues& values,
     if (ns == 1) return class_row_of<1>(block, area, values, stride, sign, inverse_K, out);
     if (ns == 2) return class_row_of<2>(block, area, values, stride, sign, inverse_K, out);
     class_row_of<4>(block, area, values, stride, sign, inverse_K, out);
+}
+
+QUELOR_CLONES
+int far_potential(const PointBlock& block, const PanelBlock& row, Reflection reflection,
+                  double twice_depth, const double* re, double* G, double* r) {
+    if (twice_depth > 0)
+        return far_potential_of<true>(block, row, reflection, twice_depth, re, G, r);
+    return far_potential_of<false>(block, row, reflection, twice_depth, re, G, r);
+}
+
+QUELOR_CLONES
+void class_potential(int n, double factor, const double* G, const double* im, std::ptrdiff_t stride,
+                     int ns, const double* sign, Complex4* alpha) {
+    if (ns == 1) return class_potential_of<1>(n, factor, G, im, stride, sign, alpha);
+    if (ns == 2) return class_potential_of<2>(n, factor, G, im, stride, sign, alpha);
+    class_potential_of<4>(n, factor, G, im, stride, sign, alpha);
 }
 
 } // namespace quelor

@@ -78,4 +78,15 @@ void class_row(const PanelBlock& block, double area, const PairValues& values,
                std::ptrdiff_t stride, int ns, const double* sign, double inverse_K,
                const ClassRow& out);
 
+/// Potential alone at the points of the block for the first panel of the row, reflected, far field:
+/// re, the real part of the wave terms, plus the Rankine terms as in far_row. Returns how many
+/// points have r within the panel's length L; their values are to be replaced.
+int far_potential(const PointBlock& block, const PanelBlock& row, Reflection reflection,
+                  double twice_depth, const double* re, double* G, double* r);
+
+/// alpha = factor * sum over the images of sign (G + i im), n values; image m lies (m - 1) * stride
+/// further.
+void class_potential(int n, double factor, const double* G, const double* im, std::ptrdiff_t stride,
+                     int ns, const double* sign, Complex4* alpha);
+
 } // namespace quelor

@@ -86,6 +86,9 @@ TEST(DeepWave, the_batch_gives_the_bits_of_the_single_point) {
     const Points points = test_points();
     const Terms terms(points);
     std::vector<double> F(points.R.size()), Fr(F), Fz(F);
+    deep_wave_values(points.R, points.Z, F.data(), Fr.data());
+    EXPECT_EQ(F, terms.re);
+    EXPECT_EQ(Fr, terms.im);
     for (const bool with_image : {false, true}) {
         deep_images(points.R, points.Z, with_image, F.data(), Fr.data(), Fz.data());
         for (std::size_t i = 0; i < F.size(); ++i) {

@@ -40,6 +40,11 @@ Values evaluate(const Points& points, const DepthCache& cache) {
     finite_wave_terms(points.R, points.d1, points.d2, cache,
                       {row[0].data(), row[1].data(), row[2].data(), row[3].data(), row[4].data(),
                        row[5].data(), row[6].data(), row[7].data()});
+    std::vector<double> re(points.R.size()), im(re);
+    finite_wave_values(points.R, points.d1, points.d2, cache, re.data(), im.data());
+    for (std::size_t i = 0; i < re.size(); ++i)
+        EXPECT_TRUE((re[i] == row[0][i] && im[i] == row[4][i]) || std::isnan(re[i]))
+            << "without the gradient, R " << points.R[i];
     return values;
 }
 
