@@ -1,12 +1,19 @@
 #include "hydro_response/field_potential.hpp"
 
+#include "hydro_analysis/csolve.hpp"
+
+#include <vector>
+
 namespace quelor {
 
-void incoming_field(const IncomingWave& wave, double grav, Matrix<const double> points,
+void incoming_field(const IncomingWave& wave, double grav, std::span<const Vec3> points,
                     std::span<Complex8> phi) {
-    incoming_potential(wave, 0, points, {phi.data(), points.rows, 1});
-    for (Complex8& value : phi)
-        value *= Complex8(0, grav / wave.omega);
+    const double kc = wave.k * std::cos(wave.beta), ks = wave.k * std::sin(wave.beta);
+    for (std::size_t n = 0; n < points.size(); ++n) {
+        const auto [x, y, z] = points[n];
+        phi[n] =
+            Complex8(0, grav / wave.omega) * std::polar(depth_decay(wave, z), -(kc * x + ks * y));
+    }
 }
 
 void add_radiation_sources(double omega, Matrix<const Complex4> src, std::span<const Complex8> q,
@@ -18,33 +25,47 @@ void add_radiation_sources(double omega, Matrix<const Complex4> src, std::span<c
     }
 }
 
+InfluenceResult add_source_field(const PanelMesh& mesh, std::span<const Vec3> points,
+                                 const InfluenceParameters& parameters, DepthCache& cache,
+                                 Matrix<const Complex4> sigma, int ifreq, Array3<Complex8> phi) {
+    std::vector<Complex8> block; // potentials of the points of one call
+    const auto add_block = [&](int first, std::span<const Matrix<const Complex4>> alpha) {
+        const int n = alpha[0].rows;
+        block.resize(as_size(n) * as_size(sigma.cols));
+        const Matrix<Complex8> part{block.data(), n, sigma.cols};
+        multiply_mixed(alpha[0], sigma, part);
+        for (int b = 1; b <= sigma.cols; ++b)
+            for (int j = 1; j <= n; ++j)
+                phi(first + j - 1, ifreq, b) += part(j, b);
+    };
+    return field_influence(mesh, points, parameters, cache, add_block);
+}
+
 void elevation_from_potential(double omega, double grav, std::span<Complex8> phi) {
     for (Complex8& value : phi)
         value *= Complex8(0, -omega / grav);
 }
 
-int six_points(Matrix<const double> nodes, const Vec3& del, double depth, Matrix<double> six) {
+int six_points(std::span<const Vec3> nodes, const Vec3& del, double depth, std::span<Vec3> six) {
     int coincident = 0;
-    for (int n = 1; n <= nodes.cols; ++n)
-        for (int axis = 1; axis <= 3; ++axis) {
-            const int up = 6 * (n - 1) + 2 * axis - 1, down = up + 1;
-            for (int i = 1; i <= 3; ++i)
-                six(i, up) = six(i, down) = nodes(i, n);
-            const double above = nodes(axis, n) + del[nth(axis)];
-            const double below = nodes(axis, n) - del[nth(axis)];
-            if (axis != 3 || above <= 0) six(axis, up) = above;
-            if (axis != 3 || below >= -depth) six(axis, down) = below;
-            if (coincident == 0 && !(six(axis, up) > six(axis, down))) coincident = n;
+    for (std::size_t n = 0; n < nodes.size(); ++n)
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            Vec3 &up = six[6 * n + 2 * axis], &down = six[6 * n + 2 * axis + 1];
+            up = down = nodes[n];
+            const double above = nodes[n][axis] + del[axis], below = nodes[n][axis] - del[axis];
+            if (axis != 2 || above <= 0) up[axis] = above;
+            if (axis != 2 || below >= -depth) down[axis] = below;
+            if (coincident == 0 && !(up[axis] > down[axis])) coincident = static_cast<int>(n) + 1;
         }
     return coincident;
 }
 
-void velocity_from_potentials(Matrix<const double> six, std::span<const Complex8> phi,
+void velocity_from_potentials(std::span<const Vec3> six, std::span<const Complex8> phi,
                               Matrix<Complex8> velocity) {
     for (int n = 1; n <= velocity.cols; ++n)
-        for (int axis = 1; axis <= 3; ++axis) {
-            const int up = 6 * (n - 1) + 2 * axis - 1, down = up + 1;
-            velocity(axis, n) = (phi[nth(up)] - phi[nth(down)]) / (six(axis, up) - six(axis, down));
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            const std::size_t up = 6 * nth(n) + 2 * axis, down = up + 1;
+            velocity.col(n)[axis] = (phi[up] - phi[down]) / (six[up][axis] - six[down][axis]);
         }
 }
 

@@ -10,12 +10,12 @@
 #pragma once
 
 #include "hydro_analysis/incoming_wave.hpp"
-#include "numeric/vectors.hpp"
+#include "hydro_analysis/influence_field.hpp"
 
 namespace quelor {
 
-/// phi := phi_I at points (n,3).
-void incoming_field(const IncomingWave& wave, double grav, Matrix<const double> points,
+/// phi := phi_I at the points.
+void incoming_field(const IncomingWave& wave, double grav, std::span<const Vec3> points,
                     std::span<Complex8> phi);
 
 /// sigma := sigma + i omega sum over m of src(:,m) q(m), one heading.
@@ -23,17 +23,27 @@ void incoming_field(const IncomingWave& wave, double grav, Matrix<const double> 
 void add_radiation_sources(double omega, Matrix<const Complex4> src, std::span<const Complex8> q,
                            std::span<Complex8> sigma);
 
+/// phi(n,ifreq,b) := phi(n,ifreq,b) + sum over p of alpha(n,p) sigma(p,b), without symmetry: every
+/// pair of point and panel once, for all modes and headings. The products are in single precision,
+/// as the coefficients are, and added in double precision.
+/// sigma  in      (np,nbeta);   phi  in/out  (points,nfreq,nbeta)
+/// Nothing is added unless the status is `formed`.
+InfluenceResult add_source_field(const PanelMesh& mesh, std::span<const Vec3> points,
+                                 const InfluenceParameters& parameters, DepthCache& cache,
+                                 Matrix<const Complex4> sigma, int ifreq, Array3<Complex8> phi);
+
 /// phi := -(i omega/g) phi, the elevation of the surface.
 void elevation_from_potential(double omega, double grav, std::span<Complex8> phi);
 
-/// The six points about each node, x + dx, x - dx, y + dy, ...: the node itself where the point
-/// would lie above z = 0 or below z = -depth. Returns the first node, from 1, of which two points
-/// that belong together coincide, or 0. nodes   in   (3,n);   six  out  (3,6 n)
-int six_points(Matrix<const double> nodes, const Vec3& del, double depth, Matrix<double> six);
+/// The six points about each of n nodes, x + dx, x - dx, y + dy, ...: the node itself where the
+/// point would lie above z = 0 or below z = -depth. Returns the first node, from 1, of which two
+/// points that belong together coincide, or 0.
+/// six  out  6 n
+int six_points(std::span<const Vec3> nodes, const Vec3& del, double depth, std::span<Vec3> six);
 
 /// velocity(:,j) := difference of the potentials of each pair over their distance.
-/// six  in  (3,6 n) points;   phi  in  6 n potentials;   velocity  out  (3,n)
-void velocity_from_potentials(Matrix<const double> six, std::span<const Complex8> phi,
+/// six  in  6 n points;   phi  in  their potentials;   velocity  out  (3,n)
+void velocity_from_potentials(std::span<const Vec3> six, std::span<const Complex8> phi,
                               Matrix<Complex8> velocity);
 
 } // namespace quelor

@@ -15,6 +15,7 @@ namespace {
 
 constexpr FieldKind kind{
     .gauge = 1,
+    .points_per_node = 1,
     .incoming = "    Calculating surface elevation from incoming potential",
     .diffraction = "    Calculating surface elevation from diffraction potential",
     .radiation = "    Calculating surface elevation from radiation potential",
@@ -22,13 +23,11 @@ constexpr FieldKind kind{
     .radiation_size = " \n\tDimensions do not match in hyd_surf_rad_sp\n",
 };
 
-/// The nodes (n,3), all on z = 0, where the conditions of the free surface hold.
-std::vector<double> points_of(const NodeSet& nodes) {
-    std::vector<double> points(3 * as_size(nodes.count));
-    const Matrix<double> xyz{points.data(), nodes.count, 3};
+/// The nodes, all on z = 0, where the conditions of the free surface hold.
+std::vector<Vec3> points_of(const NodeSet& nodes) {
+    std::vector<Vec3> points;
     for (int n = 1; n <= nodes.count; ++n)
-        for (int i = 1; i <= 2; ++i)
-            xyz(n, i) = nodes.xyz(i, n);
+        points.push_back({nodes.xyz(1, n), nodes.xyz(2, n), 0});
     return points;
 }
 
@@ -44,8 +43,7 @@ void cmd_hyd_surf_elevation(std::string_view) {
     const auto& [nfreq, nbeta] = std::pair(field.size().nfreq, field.size().nbeta);
     const std::string work = "$hyd_surf_disp";
     const auto eta = create_array3<Complex8>(work, nodes.count, nfreq, nbeta);
-    const std::vector<double> points = points_of(nodes);
-    if (!field.potentials({points.data(), nodes.count, 3}, eta)) return delete_array(work);
+    if (!field.potentials(points_of(nodes), eta)) return delete_array(work);
     for (int b = 1; b <= nbeta; ++b)
         for (int f = 1; f <= nfreq; ++f)
             elevation_from_potential(field.freq()[nth(f)], field.size().grav,

@@ -25,6 +25,7 @@ namespace {
 /// jump by del. At 40 sides it is below what single precision leaves of the coefficients.
 constexpr FieldKind kind{
     .gauge = 16,
+    .points_per_node = 6,
     .incoming = "    Calculating velocity from incoming potential",
     .diffraction = "    Calculating velocity from diffraction potential",
     .radiation = "    Calculating velocity from radiation potential",
@@ -59,20 +60,12 @@ bool all_in_water(const NodeSet& nodes, double depth) {
     return true;
 }
 
-/// (n,3) of (3,n)
-std::vector<double> transposed(Matrix<const double> a) {
-    std::vector<double> t;
-    for (int i = 1; i <= a.rows; ++i)
-        for (int j = 1; j <= a.cols; ++j)
-            t.push_back(a(i, j));
-    return t;
-}
-
 /// The points about the nodes; empty after a message.
-std::vector<double> points_about(const NodeSet& nodes, const Vec3& del, double depth) {
-    std::vector<double> six(18 * as_size(nodes.count));
-    const int coincident =
-        six_points({nodes.xyz.data, 3, nodes.count}, del, depth, {six.data(), 3, 6 * nodes.count});
+std::vector<Vec3> points_about(const NodeSet& nodes, const Vec3& del, double depth) {
+    std::vector<Vec3> at, six(6 * as_size(nodes.count));
+    for (int n = 1; n <= nodes.count; ++n)
+        at.push_back(nodes.at(n));
+    const int coincident = six_points(at, del, depth, six);
     if (coincident == 0) return six;
     if (2 * del[2] > depth)
         print_both(" \n\tdelz is larger than the water is deep; command terminated\n");
@@ -93,23 +86,23 @@ void cmd_hyd_velocity(std::string_view) {
     if (nodes.count < 1) return print_both(" \n\tNumber nodes < 1\n");
     WaveField field(parts, kind);
     if (!field || !all_in_water(nodes, field.size().depth)) return;
-    const std::vector<double> six = points_about(nodes, del, field.size().depth);
+    const std::vector<Vec3> six = points_about(nodes, del, field.size().depth);
     if (six.empty()) return;
 
     print_both(" \n\n                    Fluid Velocitites\n");
     const int points = 6 * nodes.count, nfreq = field.size().nfreq, nbeta = field.size().nbeta;
     const std::string work = "$hyd_vel6pot";
     const auto phi = create_array3<Complex8>(work, points, nfreq, nbeta);
-    const std::vector<double> columns = transposed({six.data(), 3, points});
-    if (!field.potentials({columns.data(), points, 3}, phi)) return delete_array(work);
+    if (!field.potentials(six, phi)) return delete_array(work);
     std::ranges::copy(del, create_matrix<double>(hyd_vel_del, 3, 0).data);
-    std::ranges::copy(six, create_matrix<double>(hyd_vel6_xyz, 3, points).data);
+    const auto xyz = create_matrix<double>(hyd_vel6_xyz, 3, points);
+    for (int k = 1; k <= points; ++k)
+        std::ranges::copy(six[nth(k)], xyz.col(k).begin());
     Complex8* v = static_cast<Complex8*>(
         create_array(type_complex8, hyd_vel_nodes, {3, nodes.count, nfreq, nbeta}));
     for (int b = 1; b <= nbeta; ++b)
         for (int f = 1; f <= nfreq; ++f, v += std::ptrdiff_t{3} * nodes.count)
-            velocity_from_potentials({six.data(), 3, points}, {&phi(1, f, b), as_size(points)},
-                                     {v, 3, nodes.count});
+            velocity_from_potentials(six, {&phi(1, f, b), as_size(points)}, {v, 3, nodes.count});
     delete_array(hyd_vel6pot);
     keep ? move_array(work, hyd_vel6pot) : delete_array(work);
 }

@@ -89,7 +89,7 @@ static std::span<Complex8> column_of(Array3<Complex8> phi, int ifreq, int ibeta)
     return {&phi(1, ifreq, ibeta), as_size(phi.n1)};
 }
 
-void WaveField::add_incoming(int ifreq, Matrix<const double> points, Array3<Complex8> phi) const {
+void WaveField::add_incoming(int ifreq, std::span<const Vec3> points, Array3<Complex8> phi) const {
     const double omega = freq_[nth(ifreq)];
     const double k = hyd_wave_number(omega, size_.depth, size_.grav).k;
     const bool deep = k * size_.depth >= size_.deep_water;
@@ -98,47 +98,49 @@ void WaveField::add_incoming(int ifreq, Matrix<const double> points, Array3<Comp
                        column_of(phi, ifreq, b));
 }
 
-/// Strengths of the panels for each heading, of all modes and both kinds together.
-void WaveField::read_strengths(int ifreq, Matrix<Complex8> sigma) const {
-    std::vector<Complex4> storage(as_size(size_.np) * as_size(std::max(size_.nmode, size_.nbeta)));
-    std::ranges::fill(sigma.all(), Complex8{});
+/// Strengths (np,nbeta) of the panels, of all modes and both kinds together.
+std::vector<Complex4> WaveField::read_strengths(int ifreq) const {
+    std::vector<Complex4> record(as_size(size_.np) * as_size(std::max(size_.nmode, size_.nbeta)));
+    std::vector<Complex8> sum(as_size(size_.np) * as_size(size_.nbeta));
+    const Matrix<Complex8> sigma{sum.data(), size_.np, size_.nbeta};
     if (parts_.diffraction) {
         write_both("(a)", {kind_.diffraction});
-        const Matrix<Complex4> strengths{storage.data(), size_.np, size_.nbeta};
-        read_sources(diffraction_file, strengths);
-        std::ranges::copy(strengths.all(), sigma.data);
+        read_sources(diffraction_file, {record.data(), size_.np, size_.nbeta});
+        std::copy_n(record.begin(), sum.size(), sum.begin());
     }
     if (parts_.radiation) {
         write_both("(a)", {kind_.radiation});
-        const Matrix<Complex4> strengths{storage.data(), size_.np, size_.nmode};
+        const Matrix<Complex4> strengths{record.data(), size_.np, size_.nmode};
         read_sources(radiation_file, strengths);
         for (int b = 1; b <= size_.nbeta; ++b)
             add_radiation_sources(freq_[nth(ifreq)], strengths,
                                   {&gencor_(1, ifreq, b), as_size(size_.nmode)}, sigma.col(b));
     }
+    return {sum.begin(), sum.end()};
 }
 
-bool WaveField::add_sources(int ifreq, Matrix<const double> points, Array3<Complex8> phi) {
+void WaveField::report(const InfluenceResult& result) const {
+    if (result.status == InfluenceStatus::bad_point)
+        print_both(" \n\tNode " + std::to_string((result.point - 1) / kind_.points_per_node + 1) +
+                   " lies outside the water or too far away\n");
+    else
+        print_both(" \n\tThe panels have no influence coefficients; run hyd_analysis again\n");
+}
+
+bool WaveField::add_sources(int ifreq, std::span<const Vec3> points, Array3<Complex8> phi) {
     write_both("('    Calculating influence coefficients')");
-    std::vector<Complex8> storage(as_size(size_.np) * as_size(size_.nbeta));
-    const Matrix<Complex8> sigma{storage.data(), size_.np, size_.nbeta};
-    read_strengths(ifreq, sigma);
+    const std::vector<Complex4> sigma = read_strengths(ifreq);
     const double omega = freq_[nth(ifreq)];
     const InfluenceParameters parameters{omega * omega / size_.grav, size_.depth, size_.deep_water,
                                          kind_.gauge * size_.gauge, 0};
-    for (int p = 1; p <= size_.np; ++p) {
-        const SourcePanel source = source_panel(mesh_.panel(p), parameters.K, parameters.gauge);
-        for (int n = 1; n <= points.rows; ++n) {
-            const Vec3 at = scaled({points(n, 1), points(n, 2), points(n, 3)}, parameters.K);
-            const GreenInfluence g = g_only(at, source, {}, parameters.water(), cache_);
-            for (int b = 1; b <= size_.nbeta; ++b)
-                phi(n, ifreq, b) += g.G / parameters.K * sigma(p, b);
-        }
-    }
-    return true;
+    const InfluenceResult result = add_source_field(
+        mesh_, points, parameters, cache_, {sigma.data(), size_.np, size_.nbeta}, ifreq, phi);
+    if (result.status == InfluenceStatus::formed) return true;
+    report(result);
+    return false;
 }
 
-bool WaveField::potentials(Matrix<const double> points, Array3<Complex8> phi) {
+bool WaveField::potentials(std::span<const Vec3> points, Array3<Complex8> phi) {
     for (int f = 1; f <= size_.nfreq; ++f) {
         write_frequency_line(f, freq_[nth(f)]);
         if (parts_.incoming) {

@@ -4,15 +4,17 @@
 #pragma once
 
 #include "hydro_analysis/hyd_problem.hpp"
-#include "hydro_analysis/influence.hpp"
+#include "hydro_analysis/influence_panels.hpp"
 
 #include <string>
+#include <vector>
 
 namespace quelor {
 
 /// The words of one command, and how far its exact integrals reach.
 struct FieldKind {
-    double gauge;                                      ///< times `.hyd_gauge`
+    double gauge;        ///< times `.hyd_gauge`
+    int points_per_node; ///< leads from the number of a point to its node
     std::string_view incoming, diffraction, radiation; ///< lines of the trace
     std::string_view diffraction_size, radiation_size; ///< messages for files of other sizes
 };
@@ -42,16 +44,18 @@ public:
     const HydSize& size() const { return size_; }
     std::span<const double> freq() const { return freq_; }
 
-    /// Potentials of all frequencies and headings; true unless a message says what stood in the
-    /// way. points  in   (n,3), in the water phi     out  (n,nfreq,nbeta), zero on entry
-    bool potentials(Matrix<const double> points, Array3<Complex8> phi);
+    /// Potentials of all frequencies and headings. False, after a message, when a point has none.
+    /// points  in   n, in the water
+    /// phi     out  (n,nfreq,nbeta), zero on entry
+    bool potentials(std::span<const Vec3> points, Array3<Complex8> phi);
 
 private:
     void open_arrays();
     void open_files();
-    void add_incoming(int ifreq, Matrix<const double> points, Array3<Complex8> phi) const;
-    void read_strengths(int ifreq, Matrix<Complex8> sigma) const;
-    bool add_sources(int ifreq, Matrix<const double> points, Array3<Complex8> phi);
+    void add_incoming(int ifreq, std::span<const Vec3> points, Array3<Complex8> phi) const;
+    std::vector<Complex4> read_strengths(int ifreq) const;
+    bool add_sources(int ifreq, std::span<const Vec3> points, Array3<Complex8> phi);
+    void report(const InfluenceResult& result) const;
 
     FieldParts parts_;
     FieldKind kind_;

@@ -131,8 +131,8 @@ TEST_F(FieldOfBox, parts_add_up_and_serve_every_heading) {
             sum[i] += one[i];
     }
     ASSERT_EQ(all.size(), 4u);
-    for (std::size_t i = 0; i < all.size(); ++i)
-        EXPECT_LT(std::abs(all[i] - sum[i]), 1e-13);
+    for (std::size_t i = 0; i < all.size(); ++i) // the sums of strengths are rounded to single
+        EXPECT_LT(std::abs(all[i] - sum[i]), 1e-6);
     EXPECT_EQ(elevation(points, " incoming=0 diffraction=0 radiation=0"), Complexes(4));
 }
 
