@@ -14,6 +14,7 @@
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/finite.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -118,7 +119,25 @@ template <class T> Array3<const T> require_array3(std::string_view name, int n1,
     return as_array3<const T>(require_array(name, type_code<T>, {n1, n2, n3}));
 }
 
+/// False after a message, where the structure's mass, damping or stiffness holds other than
+/// numbers.
+bool check_finite_structure() {
+    for (const auto name : {hyd_mstr, hyd_cstr, hyd_kstr}) {
+        const ArrayRef ref = find_array(name);
+        if (!ref.is(type_real)) continue;
+        const auto values = as_span<const double>(ref);
+        const std::size_t at = first_not_finite(values), rows = as_size(ref.rows());
+        if (at == values.size()) continue;
+        print_both(" \n\t" + std::string(name) + "(" + std::to_string(at % rows + 1) + "," +
+                   std::to_string(at / rows + 1) +
+                   ") is not a finite number; define the matrix again\n");
+        return false;
+    }
+    return true;
+}
+
 void cmd_hyd_analysis_response(std::string_view) {
+    if (!check_finite_structure()) return;
     ResponseLoop loop{};
     loop.options = hyd_response_options();
     open_cor_file();
