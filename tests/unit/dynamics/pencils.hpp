@@ -5,16 +5,12 @@
 #include "fem/eqns.hpp"
 #include "fem/formkm.hpp"
 #include "kernel/dbfgen.hpp"
+#include "numeric/lapack.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <random>
 #include <vector>
-
-extern "C" void dsygv_(const std::int32_t* itype, const char* jobz, const char* uplo,
-                       const std::int32_t* n, double* a, const std::int32_t* lda, double* b,
-                       const std::int32_t* ldb, double* w, double* work, const std::int32_t* lwork,
-                       std::int32_t* info, std::size_t, std::size_t);
 
 namespace quelor {
 
