@@ -19,6 +19,8 @@ struct ResponseOptions {
     bool residual = false, symmetrize = false, eq = false;
 };
 ResponseOptions hyd_response_options();
+/// The line of the summaries on " symmetrize=".
+void write_symmetrize_setting(bool symmetrize);
 
 inline constexpr int unit_cor = 90;
 void open_cor_file();
@@ -30,6 +32,8 @@ void hyd_response_arrays(int nfreq, int nbeta, int nmode);
 /// and a rigid model's `hyd_kstr` are made zero when absent or of the wrong size.
 void hyd_check_structure(int nmodef, int nmode);
 
+/// Slice k of coefficients of all frequencies into a matrix of one.
+void copy_slice(Array3<const double> from, int k, Matrix<double> to);
 /// In place: a(i,j) and a(j,i) become their mean.
 void symmetrize_matrix(Matrix<double> a);
 

@@ -28,6 +28,13 @@ void zgetrs_(const char* trans, const std::int32_t* n, const std::int32_t* nrhs,
              std::complex<double>* b, const std::int32_t* ldb, std::int32_t* info,
              std::size_t trans_length);
 
+// a x = lambda b x (itype 1), a symmetric, b symmetric and positive definite, by one triangle of
+// each; jobz "V": a := vectors, x^T b x = 1; w := eigenvalues, ascending; b := its Cholesky factor.
+void dsygv_(const std::int32_t* itype, const char* jobz, const char* uplo, const std::int32_t* n,
+            double* a, const std::int32_t* lda, double* b, const std::int32_t* ldb, double* w,
+            double* work, const std::int32_t* lwork, std::int32_t* info, std::size_t jobz_length,
+            std::size_t uplo_length);
+
 // c := alpha op(a) op(b) + beta c, op(a) of m by k, op(b) of k by n.
 void dgemm_(const char* transa, const char* transb, const std::int32_t* m, const std::int32_t* n,
             const std::int32_t* k, const double* alpha, const double* a, const std::int32_t* lda,
