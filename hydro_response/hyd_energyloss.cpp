@@ -190,8 +190,8 @@ void calculate_balance(const Response& r, const EnergyOptions& options, Array3<d
                            [&](double k) { return 2 * r.hdamp * k; });
     for (int f = 1; f <= r.nfreq(); ++f) {
         const double omega = r.freq[nth(f)];
-        write_frequency_line(f, omega);
-        copy_slice(r.damp, f, damping.view);
+        write_wet_frequency_line(f, omega);
+        std::ranges::copy(r.damp.slice(f).all(), damping.view.data);
         if (options.symmetrize) symmetrize_matrix(damping.view);
         for (int b = 1; b <= r.nbeta(); ++b) {
             const auto q = r.motion(f, b);
@@ -244,7 +244,7 @@ void cmd_hyd_energy(std::string_view) {
     std::optional<FarField> far;
     if (options.farfield && !(far = find_far_field(r))) return;
     const auto dissipate = create_array3<double>(hyd_dissipate, r.nfreq(), 5, r.nbeta());
-    write_symmetrize_setting(options.symmetrize);
+    write_symmetrize_line(options.symmetrize);
     calculate_balance(r, options, dissipate);
     Matrix<double> energy;
     if (far) {

@@ -5,6 +5,7 @@
 #include "hydro_response/hyd_response.hpp"
 
 #include "hydro_analysis/csolve.hpp"
+#include "hydro_analysis/hyd_anal_main.hpp"
 #include "hydro_analysis/hyd_reports.hpp"
 #include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
@@ -39,12 +40,16 @@ void summary(const HydSize& size, bool symmetrize, std::span<const double> freq,
     write_both("(2x, 'Structural hysteretic damping (%), hdamp............', 0pf10.2,/)",
                {100 * require_real(hyd_hysdamp)});
     write_wave_lists(size, 1, freq, beta);
-    write_symmetrize_setting(symmetrize);
+    write_symmetrize_line(symmetrize);
 }
 
 /// Index of the largest modulus; the first of equals.
 std::size_t largest(std::span<const Complex8> v) {
     return as_size(std::ranges::max_element(v, {}, complex_modulus) - v.begin());
+}
+
+void copy_slice(Array3<const double> from, int k, Matrix<double> to) {
+    std::ranges::copy(from.slice(k).all(), to.all().begin());
 }
 
 /// Everything the loop reads and writes; views stay valid as no array is created inside it.
@@ -180,6 +185,13 @@ constexpr Command rows[] = {
 
 } // namespace
 
+bool hyd_check_green_function() {
+    if (!array_exists(grnfun)) create_int_scalar(grnfun, 0);
+    if (get_int(grnfun) == 0) return true;
+    print_both(" \n\t\tThis command is not implemented for this Green function\n");
+    return false;
+}
+
 ResponseOptions hyd_response_options() {
     ResponseOptions o;
     std::string text;
@@ -190,16 +202,16 @@ ResponseOptions hyd_response_options() {
     return o;
 }
 
-void write_symmetrize_setting(bool symmetrize) {
+void open_cor_file() {
+    fortopen_ext(unit_cor, ".cor", "UNKNOWN", "FORMATTED");
+    write_unit(unit_cor, "(10x,8('*'),' GENERALIZED COORDINATES ', 2x, 8('*'))");
+}
+
+void write_symmetrize_line(bool symmetrize) {
     if (symmetrize)
         write_both("(/, 'Added mass and hydrodynamic damping will be symmetrized.', /)");
     else
         write_both("(/, 'Added mass and hydrodynamic damping will not be symmetrized.', /)");
-}
-
-void open_cor_file() {
-    fortopen_ext(unit_cor, ".cor", "UNKNOWN", "FORMATTED");
-    write_unit(unit_cor, "(10x,8('*'),' GENERALIZED COORDINATES ', 2x, 8('*'))");
 }
 
 void hyd_response_arrays(int nfreq, int nbeta, int nmode) {
@@ -224,10 +236,6 @@ void hyd_check_structure(int nmodef, int nmode) {
     print_both(
         " \n\tStructural stiffness (hyd_kstr) not found or is the wrong size.\n\tIt will be created with zero stiffness.\n");
     create_matrix<double>(hyd_kstr, nmode, nmode);
-}
-
-void copy_slice(Array3<const double> from, int k, Matrix<double> to) {
-    std::ranges::copy(from.slice(k).all(), to.all().begin());
 }
 
 void symmetrize_matrix(Matrix<double> a) {

@@ -15,15 +15,20 @@ namespace quelor {
 inline constexpr std::string_view hyd_dynk = ".hyd_dynk";
 inline constexpr std::string_view hyd_rhs = ".hyd_rhs";
 
+/// False, after a message, when `.grnfun` selects a Green function other than 0; absent, it becomes
+/// 0.
+bool hyd_check_green_function();
+
 struct ResponseOptions {
     bool residual = false, symmetrize = false, eq = false;
 };
 ResponseOptions hyd_response_options();
-/// The line of the summaries on " symmetrize=".
-void write_symmetrize_setting(bool symmetrize);
 
 inline constexpr int unit_cor = 90;
 void open_cor_file();
+
+/// Whether the coefficients are symmetrised, as the summaries say it.
+void write_symmetrize_line(bool symmetrize);
 
 /// Deletes and creates `.hyd_dynk`, `.hyd_rhs` and `.hyd_gencor` (nmode,nfreq,nbeta).
 void hyd_response_arrays(int nfreq, int nbeta, int nmode);
@@ -32,8 +37,6 @@ void hyd_response_arrays(int nfreq, int nbeta, int nmode);
 /// and a rigid model's `hyd_kstr` are made zero when absent or of the wrong size.
 void hyd_check_structure(int nmodef, int nmode);
 
-/// Slice k of coefficients of all frequencies into a matrix of one.
-void copy_slice(Array3<const double> from, int k, Matrix<double> to);
 /// In place: a(i,j) and a(j,i) become their mean.
 void symmetrize_matrix(Matrix<double> a);
 

@@ -8,7 +8,6 @@
 #include "hydro_response/hyd_wet.hpp"
 
 #include "dynamics/eigval_jacobi.hpp"
-#include "hydro_analysis/hyd_anal_main.hpp"
 #include "hydro_analysis/hyd_reports.hpp"
 #include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
@@ -36,14 +35,6 @@ constexpr int unit_wet = 93;
 constexpr int jacobi_sweeps = 30;
 constexpr double jacobi_tolerance = 1e-12;
 constexpr double two_pi = 2 * std::numbers::pi;
-
-/// The Green function must be the one of index 0, which is set when none is.
-bool has_free_surface_function() {
-    if (!array_exists(grnfun)) create_int_scalar(grnfun, 0);
-    if (get_int(grnfun) == 0) return true;
-    print_both(" \n\t\tThis command is not implemented for this Green function\n");
-    return false;
-}
 
 struct WetOptions {
     double shift = 0, limit = 1e30; ///< eigenvalue shift; percent error
@@ -157,7 +148,7 @@ struct WetProblem {
 
 /// M = the symmetric part of A + Ms, K = K0 + shift M.
 void form_problem(const WetInputs& in, double shift, int index, const WetProblem& problem) {
-    copy_slice(in.addm, index, problem.M);
+    std::ranges::copy(in.addm.slice(index).all(), problem.M.data);
     symmetrize_matrix(problem.M);
     for (std::size_t i = 0; i < problem.M.all().size(); ++i) {
         double& M = problem.M.data[i];
@@ -220,8 +211,8 @@ void write_table_head() {
 void solve_wave_frequency(const WetInputs& in, const WetOptions& options, const Format& form,
                           int index, const WetProblem& problem, Found& found) {
     const double omega = in.freq[nth(index)];
-    write_frequency_line(index, omega);
-    write_frequency_line(unit_wet, index, omega);
+    write_wet_frequency_line(index, omega);
+    write_wet_frequency_line(unit_wet, index, omega);
     form_problem(in, options.shift, index, problem);
     if (!has_positive_diagonals(problem)) return;
     solve_pencil(problem.K, problem.M, problem.modes, problem.omega, jacobi_tolerance,
@@ -280,7 +271,7 @@ void solve_all(const WetInputs& in, const WetOptions& options) {
 }
 
 void cmd_hyd_wet(std::string_view) {
-    if (!has_free_surface_function()) return;
+    if (!hyd_check_green_function()) return;
     WetOptions options;
     if (!read_options(options)) return;
     fortopen_ext(unit_wet, ".wet", "UNKNOWN", "FORMATTED");
@@ -332,16 +323,16 @@ constexpr Command rows[] = {
 
 } // namespace
 
-void write_frequency_line(int unit, int index, double omega) {
+void write_wet_frequency_line(int unit, int index, double omega) {
     write_unit(
         unit,
         "(/, '    Wave frequency',i3, 4x, 'Omega = ', f6.4,' rad/sec', 4x,'Wave period = ',f5.2,' sec')",
         {index, omega, two_pi / omega});
 }
 
-void write_frequency_line(int index, double omega) {
-    write_frequency_line(unit_screen, index, omega);
-    write_frequency_line(unit_output, index, omega);
+void write_wet_frequency_line(int index, double omega) {
+    write_wet_frequency_line(unit_screen, index, omega);
+    write_wet_frequency_line(unit_output, index, omega);
 }
 
 std::span<const Command> hyd_wet_rows() {

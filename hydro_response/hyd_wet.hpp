@@ -16,8 +16,8 @@ inline constexpr std::string_view hyd_wet_freq_cumulate = ".hyd_wet_freq_cumulat
 inline constexpr std::string_view hyd_wet_modes_cumulate = ".hyd_wet_modes_cumulate";
 
 /// The line of one wave frequency on a unit, and on both.
-void write_frequency_line(int unit, int index, double omega);
-void write_frequency_line(int index, double omega);
+void write_wet_frequency_line(int unit, int index, double omega);
+void write_wet_frequency_line(int index, double omega);
 
 std::span<const Command> hyd_wet_rows();
 

@@ -16,7 +16,6 @@ hyd_wave nbeta=2 nfreq=4 -freq
 0 90
 .2 .5 1 2
 phyd_wave_spectra -spectrum
-hyd_irregular
 hyd_irregular tf
 inputc tf r=4 c=2
 1 0 0 2
@@ -29,16 +28,13 @@ dir extreme
 hyd_irregular tf extreme ext=ext file=none
 hyd_irregular tf tf
 dir tf
-input wrong r=1 c=2
-1 2
-hyd_irregular wrong extreme ext=ext
+hyd_irregular extreme wrong ext=ext
 input .hyd_freq r=4
 1
-2
-1.5
 3
+2
+4
 hyd_irregular tf tf ext=no
-phyd_wave_spectra
 hyd_wave_spectra #=1
 n=1 name=nosuch
 q
