@@ -52,8 +52,8 @@ Complex8 scattered_part(std::span<const double> area, std::span<const Complex8> 
 
 double group_velocity(double omega, double k, double depth) {
     const double x = 2 * k * depth;
-    // x/sinh x; beyond 80 it is nothing beside 1, and sinh would overflow.
-    const double shallow = x > 80 ? 0 : x / std::sinh(x);
+    // Beyond 80 x/sinh x is nothing beside 1, and sinh would overflow.
+    const double shallow = x > 80 || depth <= 0 ? 0 : x / std::sinh(x);
     return omega / (2 * k) * (1 + shallow);
 }
 

@@ -29,7 +29,7 @@ struct RadiatingHull {
     double rho, g;
 };
 
-/// Energy transport of linear waves: d(omega)/dk.
+/// Velocity of the energy of linear waves, d(omega)/dk; a depth not above 0 means deep water.
 double group_velocity(double omega, double k, double depth);
 
 /// Number of headings, evenly spaced, whose sum is the integral of |X|^2 to rounding: its

@@ -1,8 +1,6 @@
 // Command hyd_energy. Reads `.hyd_beta`, `.hyd_freq`, `.hyd_gencor`, `.hyd_damp`, `.hyd_fi`,
-// `.hyd_fd`, `hyd_kstr`, `.hyd_hysdamp`, and with -farfield `.hyd_potrad`, `.hyd_un`,
-// `.hyd_modesym`,
-// `.hyd_xyzc`, `.hyd_paneln`, `.hyd_panela` and the control values; writes `.hyd_dissipate`,
-// `.hyd_farfield`. Workspaces `$add_damp`, `$kh`.
+// `.hyd_fd`, `hyd_kstr`, `.hyd_hysdamp`, and with -farfield `.hyd_potrad`, the panels, modes and
+// control values; writes `.hyd_dissipate`, `.hyd_farfield`. Workspaces `$add_damp`, `$kh`.
 //
 // Over one period the force F at the displacement q does the work pi Im(q^H F), damping dissipates
 // omega pi q^H B q and hysteresis pi q^H (2 hdamp K) q.   Source: [Newman 1977, sec. 6.15, 6.17]
@@ -209,19 +207,24 @@ void calculate_balance(const Response& r, const EnergyOptions& options, Array3<d
 
 // --- report
 
+void write_heading(int b, double degrees_of_heading, bool far_field) {
+    if (far_field)
+        write_both(
+            "(//, 5x, 'Wave Heading', i4, ' at', f9.3,' degrees', //, 10x, 'Frequency', 11x, 'Total', 1x, 'Fluid+Structure', 5x, 'Fluid', 2x, 'Structure', 7x, 'Far Field', 2x, '% of Fluid')",
+            {b, degrees_of_heading});
+    else
+        write_both(
+            "(//, 5x, 'Wave Heading', i4, ' at', f9.3,' degrees', //, 10x, 'Frequency', 11x, 'Total', 1x, 'Fluid+Structure', 5x, 'Fluid', 2x, 'Structure')",
+            {b, degrees_of_heading});
+}
+
 /// `energy` (nfreq,nbeta) of the far field, if it was asked for, stands beside the table, with its
 /// percentage of the energy lost to the fluid.
 void write_report(const Response& r, int method, Array3<const double> dissipate,
                   Matrix<const double> energy) {
     write_both("(//, 5x, 'Energy Loss - Method', i2)", {method});
     for (int b = 1; b <= r.nbeta(); ++b) {
-        write_both(
-            "(//, 5x, 'Wave Heading', i4, ' at', f9.3,' degrees', //, 10x, 'Frequency', 11x, 'Total', 1x, 'Fluid+Structure', 5x, 'Fluid', 2x, 'Structure', $)",
-            {b, r.beta[nth(b)] * degrees});
-        if (energy)
-            write_both("(7x, 'Far Field', 2x, '% of Fluid')");
-        else
-            write_both("()");
+        write_heading(b, r.beta[nth(b)] * degrees, bool(energy));
         for (int f = 1; f <= r.nfreq(); ++f) {
             FormatItems items;
             for (int column = 1; column <= 5; ++column)
