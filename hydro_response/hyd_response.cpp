@@ -5,6 +5,7 @@
 #include "hydro_response/hyd_response.hpp"
 
 #include "hydro_analysis/csolve.hpp"
+#include "hydro_analysis/hyd_anal_main.hpp"
 #include "hydro_analysis/hyd_reports.hpp"
 #include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
@@ -40,10 +41,7 @@ void summary(const HydSize& size, bool symmetrize, std::span<const double> freq,
     write_both("(2x, 'Structural hysteretic damping (%), hdamp............', 0pf10.2,/)",
                {100 * require_real(hyd_hysdamp)});
     write_wave_lists(size, 1, freq, beta);
-    if (symmetrize)
-        write_both("(/, 'Added mass and hydrodynamic damping will be symmetrized.', /)");
-    else
-        write_both("(/, 'Added mass and hydrodynamic damping will not be symmetrized.', /)");
+    write_symmetrize_line(symmetrize);
 }
 
 /// Index of the largest modulus; the first of equals.
@@ -206,6 +204,13 @@ constexpr Command rows[] = {
 
 } // namespace
 
+bool hyd_check_green_function() {
+    if (!array_exists(grnfun)) create_int_scalar(grnfun, 0);
+    if (get_int(grnfun) == 0) return true;
+    print_both(" \n\t\tThis command is not implemented for this Green function\n");
+    return false;
+}
+
 ResponseOptions hyd_response_options() {
     ResponseOptions o;
     std::string text;
@@ -219,6 +224,13 @@ ResponseOptions hyd_response_options() {
 void open_cor_file() {
     fortopen_ext(unit_cor, ".cor", "UNKNOWN", "FORMATTED");
     write_unit(unit_cor, "(10x,8('*'),' GENERALIZED COORDINATES ', 2x, 8('*'))");
+}
+
+void write_symmetrize_line(bool symmetrize) {
+    if (symmetrize)
+        write_both("(/, 'Added mass and hydrodynamic damping will be symmetrized.', /)");
+    else
+        write_both("(/, 'Added mass and hydrodynamic damping will not be symmetrized.', /)");
 }
 
 void hyd_response_arrays(int nfreq, int nbeta, int nmode) {

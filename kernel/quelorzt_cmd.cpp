@@ -8,9 +8,13 @@
 #include "hydro_model/hyd_nodes.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_nodes.hpp"
+#include "hydro_response/hyd_energyloss.hpp"
+#include "hydro_response/hyd_irregular.hpp"
 #include "hydro_response/hyd_mooring.hpp"
 #include "hydro_response/hyd_response.hpp"
 #include "hydro_response/hyd_tf.hpp"
+#include "hydro_response/hyd_wave_spectra.hpp"
+#include "hydro_response/hyd_wet.hpp"
 #include "kernel/command.hpp"
 
 namespace quelor {
@@ -32,6 +36,10 @@ static constexpr std::initializer_list<Family> families = {
     hyd_analysis_rows,
     hyd_response_rows,
     hyd_tf_rows,
+    hyd_wave_spectra_rows,
+    hyd_irregular_rows,
+    hyd_wet_rows,
+    hyd_energy_rows,
     hyd_mooring_rows,
 };
 
@@ -41,9 +49,6 @@ static constexpr std::string_view planned[] = {
     "hyd_analysis_response_P", "hyd_postresponse_P",
     "hyd_analysis_response_drag",
     "hyd_postresponse", "hyd_modal_pressure",
-    "hyd_wave_spectra", "phyd_wave_spectra", "hyd_irregular",
-    "hyd_wet",
-    "hyd_energy",
     "hyd_surf_elevation",
     "hyd_velocity_nodes", "hyd_velocity_node_gen", "phyd_velocity_nodes", "hyd_velocity_node_tolerance",
     "hyd_velocity", "phyd_velocity",
