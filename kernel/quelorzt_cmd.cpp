@@ -9,11 +9,15 @@
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_nodes.hpp"
 #include "hydro_response/hyd_export_to_graphics.hpp"
+#include "hydro_response/hyd_energyloss.hpp"
+#include "hydro_response/hyd_irregular.hpp"
 #include "hydro_response/hyd_mooring.hpp"
 #include "hydro_response/hyd_response.hpp"
 #include "hydro_response/hyd_surf_elevation.hpp"
 #include "hydro_response/hyd_tf.hpp"
 #include "hydro_response/hyd_vel_nodes.hpp"
+#include "hydro_response/hyd_wave_spectra.hpp"
+#include "hydro_response/hyd_wet.hpp"
 #include "kernel/command.hpp"
 
 namespace quelor {
@@ -38,6 +42,10 @@ static constexpr std::initializer_list<Family> families = {
     hyd_surf_elevation_rows,
     hyd_vel_nodes_rows,
     hyd_export_to_graphics_rows,
+    hyd_wave_spectra_rows,
+    hyd_irregular_rows,
+    hyd_wet_rows,
+    hyd_energy_rows,
     hyd_mooring_rows,
 };
 
@@ -47,9 +55,6 @@ static constexpr std::string_view planned[] = {
     "hyd_analysis_response_P", "hyd_postresponse_P",
     "hyd_analysis_response_drag",
     "hyd_postresponse", "hyd_modal_pressure",
-    "hyd_wave_spectra", "phyd_wave_spectra", "hyd_irregular",
-    "hyd_wet",
-    "hyd_energy",
 };
 // clang-format on
 
