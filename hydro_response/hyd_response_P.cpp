@@ -164,7 +164,7 @@ void ground_motion_load(double omega, Matrix<const double> A, Matrix<const doubl
             inertia += A(i, j) * P[nth(j)];
             damping += B(i, j) * P[nth(j)];
         }
-        load[nth(i)] = {-inertia, damping / omega};
+        load[nth(i)] = {0 - inertia, damping / omega}; // no negative zero for an idle mode
     }
 }
 

@@ -15,6 +15,7 @@
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/finite.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -108,6 +109,10 @@ std::optional<DragArguments> read_arguments(const HydSize& size, int neq) {
     if (a.cd.empty()) return {};
     a.T = read_transformation(neq, size.nmode);
     if (a.T.empty()) return {};
+    if (!all_finite(a.cd) || !all_finite(a.T)) {
+        print_both(" \n\tDrag coefficients and transformation matrix must be finite numbers\n");
+        return {};
+    }
     get_int_par(" beta=", a.beta);
     get_real_par(" conv=", a.conv);
     get_int_par(" maxit=", a.maxit);

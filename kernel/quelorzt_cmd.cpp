@@ -8,9 +8,11 @@
 #include "hydro_model/hyd_nodes.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_nodes.hpp"
+#include "hydro_response/hyd_modal_pressure.hpp"
 #include "hydro_response/hyd_response.hpp"
 #include "hydro_response/hyd_response_P.hpp"
 #include "hydro_response/hyd_response_drag.hpp"
+#include "hydro_response/hyd_response_post.hpp"
 #include "hydro_response/hyd_tf.hpp"
 #include "kernel/command.hpp"
 
@@ -34,14 +36,14 @@ static constexpr std::initializer_list<Family> families = {
     hyd_response_rows,
     hyd_response_P_rows,
     hyd_response_drag_rows,
+    hyd_response_post_rows,
+    hyd_modal_pressure_rows,
     hyd_tf_rows,
 };
 
 /// Words whose commands are not built yet, by family.
 static constexpr std::string_view planned[] = {
     "hyd_close_files",
-    "hyd_postresponse_P",
-    "hyd_postresponse", "hyd_modal_pressure",
     "hyd_wave_spectra", "phyd_wave_spectra", "hyd_irregular",
     "hyd_wet",
     "hyd_energy",
