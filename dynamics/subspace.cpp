@@ -1,6 +1,7 @@
 // Starting vectors and projections of the subspace iteration.
 #include "dynamics/subspace.hpp"
 
+#include "numeric/blas_memory.hpp"
 #include "numeric/lapack.hpp"
 
 #include <algorithm>
@@ -13,6 +14,7 @@ namespace {
 
 /// c := op(a) b by BLAS; op transposes a when `trans` is "T".
 void multiply(const char* trans, Matrix<const double> a, Matrix<const double> b, Matrix<double> c) {
+    require_blas_memory();
     const double one = 1, zero = 0;
     const std::int32_t inner = b.rows;
     dgemm_(trans, "N", &c.rows, &c.cols, &inner, &one, a.data, &a.rows, b.data, &b.rows, &zero,

@@ -41,7 +41,7 @@ template <class T> Array3<const T> require_array3(std::string_view name, int n1,
 
 void cmd_hyd_analysis_response(std::string_view) {
     const ResponseOptions options = hyd_response_options();
-    open_cor_file();
+    const CorFile cor;
     const HydSize s = hyd_get_problem_size();
     const auto beta = require_vector<double>(hyd_beta, s.nbeta);
     const auto freq = require_vector<double>(hyd_freq, s.nfreq);
@@ -71,7 +71,6 @@ void cmd_hyd_analysis_response(std::string_view) {
         }
     }
     hyd_write_cor(freq, beta, as_array3<const Complex8>(find_array(hyd_gencor)));
-    close_unit(unit_cor);
 }
 
 constexpr Command rows[] = {
@@ -115,9 +114,12 @@ ResponseOptions hyd_response_options() {
     return o;
 }
 
-void open_cor_file() {
+CorFile::CorFile() {
     fortopen_ext(unit_cor, ".cor", "UNKNOWN", "FORMATTED");
     write_unit(unit_cor, "(10x,8('*'),' GENERALIZED COORDINATES ', 2x, 8('*'))");
+}
+CorFile::~CorFile() {
+    close_unit(unit_cor);
 }
 
 void write_summary_head(const HydSize& size, double hdamp) {

@@ -28,7 +28,14 @@ struct ResponseOptions {
 ResponseOptions hyd_response_options();
 
 inline constexpr int unit_cor = 90;
-void open_cor_file();
+/// `<project>.cor`, open while the object lives; it begins with its title.
+class CorFile {
+public:
+    CorFile();
+    ~CorFile();
+    CorFile(const CorFile&) = delete;
+    CorFile& operator=(const CorFile&) = delete;
+};
 
 /// The summary of a response command: its title, the counts of nodes and modes, the damping; and,
 /// behind the lists of headings and frequencies, whether the coefficients are symmetrised.

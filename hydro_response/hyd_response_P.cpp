@@ -119,9 +119,8 @@ void analyse(const ResponseOptions& options) {
 void cmd_hyd_analysis_response_P(std::string_view) {
     if (!hyd_check_green_function()) return;
     const ResponseOptions options = hyd_response_options();
-    open_cor_file();
+    const CorFile cor;
     analyse(options);
-    close_unit(unit_cor);
 }
 
 constexpr Command rows[] = {

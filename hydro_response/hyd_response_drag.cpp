@@ -349,7 +349,7 @@ void cmd_hyd_analysis_response_drag(std::string_view) {
     const auto nodes = find_wet_nodes(x, eqs, neq, s.depth);
     if (!nodes) return;
 
-    open_cor_file();
+    const CorFile cor;
     const double heading = beta[nth(arguments->beta)];
     write_summary(s, fluid.hdamp, *arguments, heading, freq, options.symmetrize);
     make_response_arrays(s);
@@ -361,7 +361,6 @@ void cmd_hyd_analysis_response_drag(std::string_view) {
         solve_frequencies(response, *arguments, freq, heading);
     }
     hyd_write_cor(freq, beta, as_array3<const Complex8>(find_array(hyd_gencor)));
-    close_unit(unit_cor);
 }
 
 constexpr Command rows[] = {

@@ -1,6 +1,7 @@
 #include "hydro_response/response_values.hpp"
 
 #include "hydro_analysis/symmetry.hpp"
+#include "numeric/blas_memory.hpp"
 #include "numeric/dense_products.hpp"
 #include "numeric/lapack.hpp"
 
@@ -29,7 +30,8 @@ void add_potential(Array3<const Complex8> phi, int ifreq, Matrix<Complex8> table
 
 void radiation_potential(Array3<const Complex8> potrad, Array3<const Complex8> q, int ifreq,
                          Matrix<Complex8> table) {
-    // Rows of a slice at one frequency lie n1 n2 apart.
+    require_blas_memory();
+    // Columns of a slice at one frequency lie n1 n2 apart.
     const std::int32_t rows_q = q.n1 * q.n2, rows_phi = potrad.n1 * potrad.n2;
     const Complex8 one = 1, zero = 0;
     zgemm_("T", "T", &table.rows, &table.cols, &potrad.n3, &one, &q(1, ifreq, 1), &rows_q,

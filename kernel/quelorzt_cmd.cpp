@@ -9,6 +9,7 @@
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_nodes.hpp"
 #include "hydro_response/hyd_modal_pressure.hpp"
+#include "hydro_response/hyd_mooring.hpp"
 #include "hydro_response/hyd_response.hpp"
 #include "hydro_response/hyd_response_P.hpp"
 #include "hydro_response/hyd_response_drag.hpp"
@@ -39,6 +40,7 @@ static constexpr std::initializer_list<Family> families = {
     hyd_response_post_rows,
     hyd_modal_pressure_rows,
     hyd_tf_rows,
+    hyd_mooring_rows,
 };
 
 /// Words whose commands are not built yet, by family.
@@ -50,7 +52,6 @@ static constexpr std::string_view planned[] = {
     "hyd_surf_elevation",
     "hyd_velocity_nodes", "hyd_velocity_node_gen", "phyd_velocity_nodes", "hyd_velocity_node_tolerance",
     "hyd_velocity", "phyd_velocity",
-    "hyd_mooring_stiffness", "phyd_mooring_stiffness", "hyd_assign_mooring",
     "hyd_export_graphics", "hyd_export_graphics_th",
 };
 // clang-format on
