@@ -15,6 +15,7 @@
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/finite.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -40,6 +41,7 @@ template <class T> Array3<const T> require_array3(std::string_view name, int n1,
 }
 
 void cmd_hyd_analysis_response(std::string_view) {
+    if (!check_finite_structure()) return;
     const ResponseOptions options = hyd_response_options();
     const CorFile cor;
     const HydSize s = hyd_get_problem_size();
@@ -102,6 +104,21 @@ bool hyd_check_green_function() {
     if (get_int(grnfun) == 0) return true;
     print_both(" \n\t\tThis command is not implemented for this Green function\n");
     return false;
+}
+
+bool check_finite_structure() {
+    for (const auto name : {hyd_mstr, hyd_cstr, hyd_kstr}) {
+        const ArrayRef ref = find_array(name);
+        if (!ref.is(type_real)) continue;
+        const auto values = as_span<const double>(ref);
+        const std::size_t at = first_not_finite(values), rows = as_size(ref.rows());
+        if (at == values.size()) continue;
+        print_both(" \n\t" + std::string(name) + "(" + std::to_string(at % rows + 1) + "," +
+                   std::to_string(at / rows + 1) +
+                   ") is not a finite number; define the matrix again\n");
+        return false;
+    }
+    return true;
 }
 
 ResponseOptions hyd_response_options() {

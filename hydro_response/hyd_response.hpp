@@ -22,6 +22,10 @@ inline constexpr std::string_view hyd_rhs = ".hyd_rhs";
 /// 0.
 bool hyd_check_green_function();
 
+/// False, after a message, when the mass, damping or stiffness of the structure holds other than
+/// numbers.
+bool check_finite_structure();
+
 struct ResponseOptions {
     bool residual = false, symmetrize = false, eq = false;
 };

@@ -93,6 +93,7 @@ void solve_frequency(MotionEquations& equations, int ifreq, double omega, bool e
 
 void analyse(const ResponseOptions& options) {
     if (!array_exists(hyd_coordaxs)) return not_found(hyd_coordaxs);
+    if (!check_finite_structure()) return;
     const HydSize s = hyd_get_problem_size();
     const auto P = find_load(s.nmode);
     if (P.empty()) return;

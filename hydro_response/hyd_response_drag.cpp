@@ -330,7 +330,7 @@ void cmd_hyd_analysis_response_drag(std::string_view) {
     const int neq = structural_equations();
     if (neq == 0) return;
     const auto arguments = read_arguments(s, neq);
-    if (!arguments) return;
+    if (!arguments || !check_finite_structure()) return;
     ResponseOptions options = hyd_response_options();
     options.residual = false;
 

@@ -8,6 +8,8 @@
 #include "hydro_model/hyd_nodes.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_nodes.hpp"
+#include "hydro_response/hyd_energyloss.hpp"
+#include "hydro_response/hyd_irregular.hpp"
 #include "hydro_response/hyd_modal_pressure.hpp"
 #include "hydro_response/hyd_mooring.hpp"
 #include "hydro_response/hyd_response.hpp"
@@ -15,6 +17,8 @@
 #include "hydro_response/hyd_response_drag.hpp"
 #include "hydro_response/hyd_response_post.hpp"
 #include "hydro_response/hyd_tf.hpp"
+#include "hydro_response/hyd_wave_spectra.hpp"
+#include "hydro_response/hyd_wet.hpp"
 #include "kernel/command.hpp"
 
 namespace quelor {
@@ -40,15 +44,16 @@ static constexpr std::initializer_list<Family> families = {
     hyd_response_post_rows,
     hyd_modal_pressure_rows,
     hyd_tf_rows,
+    hyd_wave_spectra_rows,
+    hyd_irregular_rows,
+    hyd_wet_rows,
+    hyd_energy_rows,
     hyd_mooring_rows,
 };
 
 /// Words whose commands are not built yet, by family.
 static constexpr std::string_view planned[] = {
     "hyd_close_files",
-    "hyd_wave_spectra", "phyd_wave_spectra", "hyd_irregular",
-    "hyd_wet",
-    "hyd_energy",
     "hyd_surf_elevation",
     "hyd_velocity_nodes", "hyd_velocity_node_gen", "phyd_velocity_nodes", "hyd_velocity_node_tolerance",
     "hyd_velocity", "phyd_velocity",
