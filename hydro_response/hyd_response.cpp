@@ -41,7 +41,7 @@ template <class T> Array3<const T> require_array3(std::string_view name, int n1,
 }
 
 void cmd_hyd_analysis_response(std::string_view) {
-    if (!hyd_check_finite_structure()) return;
+    if (!check_finite_structure()) return;
     const ResponseOptions options = hyd_response_options();
     const CorFile cor;
     const HydSize s = hyd_get_problem_size();
@@ -106,6 +106,21 @@ bool hyd_check_green_function() {
     return false;
 }
 
+bool check_finite_structure() {
+    for (const auto name : {hyd_mstr, hyd_cstr, hyd_kstr}) {
+        const ArrayRef ref = find_array(name);
+        if (!ref.is(type_real)) continue;
+        const auto values = as_span<const double>(ref);
+        const std::size_t at = first_not_finite(values), rows = as_size(ref.rows());
+        if (at == values.size()) continue;
+        print_both(" \n\t" + std::string(name) + "(" + std::to_string(at % rows + 1) + "," +
+                   std::to_string(at / rows + 1) +
+                   ") is not a finite number; define the matrix again\n");
+        return false;
+    }
+    return true;
+}
+
 ResponseOptions hyd_response_options() {
     ResponseOptions o;
     std::string text;
@@ -122,21 +137,6 @@ CorFile::CorFile() {
 }
 CorFile::~CorFile() {
     close_unit(unit_cor);
-}
-
-bool hyd_check_finite_structure() {
-    for (const auto name : {hyd_mstr, hyd_cstr, hyd_kstr}) {
-        const ArrayRef ref = find_array(name);
-        if (!ref.is(type_real)) continue;
-        const auto values = as_span<const double>(ref);
-        const std::size_t at = first_not_finite(values), rows = as_size(ref.rows());
-        if (at == values.size()) continue;
-        print_both(" \n\t" + std::string(name) + "(" + std::to_string(at % rows + 1) + "," +
-                   std::to_string(at / rows + 1) +
-                   ") is not a finite number; define the matrix again\n");
-        return false;
-    }
-    return true;
 }
 
 void write_summary_head(const HydSize& size, double hdamp) {

@@ -22,6 +22,10 @@ inline constexpr std::string_view hyd_rhs = ".hyd_rhs";
 /// 0.
 bool hyd_check_green_function();
 
+/// False, after a message, when the mass, damping or stiffness of the structure holds other than
+/// numbers.
+bool check_finite_structure();
+
 struct ResponseOptions {
     bool residual = false, symmetrize = false, eq = false;
 };
@@ -51,9 +55,6 @@ void hyd_response_arrays(int nfreq, int nbeta, int nmode);
 /// `hyd_mstr` must be (nmode,nmode), and `hyd_kstr` too when there are flexible modes; `hyd_cstr`
 /// and a rigid model's `hyd_kstr` are made zero when absent or of the wrong size.
 void hyd_check_structure(int nmodef, int nmode);
-
-/// False after a message where `hyd_mstr`, `hyd_cstr` or `hyd_kstr` holds other than numbers.
-bool hyd_check_finite_structure();
 
 /// In place: a(i,j) and a(j,i) become their mean.
 void symmetrize_matrix(Matrix<double> a);

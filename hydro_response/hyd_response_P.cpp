@@ -93,6 +93,7 @@ void solve_frequency(MotionEquations& equations, int ifreq, double omega, bool e
 
 void analyse(const ResponseOptions& options) {
     if (!array_exists(hyd_coordaxs)) return not_found(hyd_coordaxs);
+    if (!check_finite_structure()) return;
     const HydSize s = hyd_get_problem_size();
     const auto P = find_load(s.nmode);
     if (P.empty()) return;
@@ -117,7 +118,7 @@ void analyse(const ResponseOptions& options) {
 }
 
 void cmd_hyd_analysis_response_P(std::string_view) {
-    if (!hyd_check_green_function() || !hyd_check_finite_structure()) return;
+    if (!hyd_check_green_function()) return;
     const ResponseOptions options = hyd_response_options();
     const CorFile cor;
     analyse(options);

@@ -325,12 +325,12 @@ void solve_frequencies(DragResponse& response, const DragArguments& a, std::span
 }
 
 void cmd_hyd_analysis_response_drag(std::string_view) {
-    if (!hyd_check_green_function() || !hyd_check_finite_structure()) return;
+    if (!hyd_check_green_function()) return;
     const HydSize s = hyd_get_problem_size();
     const int neq = structural_equations();
     if (neq == 0) return;
     const auto arguments = read_arguments(s, neq);
-    if (!arguments) return;
+    if (!arguments || !check_finite_structure()) return;
     ResponseOptions options = hyd_response_options();
     options.residual = false;
 
@@ -381,7 +381,9 @@ constexpr Command rows[] = {
          "relative to the structure in that equation alone. There is no factor 8/(3 pi) in it: for "
          "the drag rho Cd A |w| w / 2 of a projected area A, arg1 holds 8/(3 pi) times "
          "rho Cd A / 2. The velocity of the water is that of the incoming wave at the structural "
-         "nodes on or below the still-water plane.\n\n"
+         "nodes on or below the still-water plane; restrained translations and those of nodal "
+         "constraints have none. Where the drag is most of the damping, the iteration swings about "
+         "its limit and needs many rounds.\n\n"
          "arg1\n\tVector of the coefficients cd, one for each structural equation, real or complex; "
          "of complex numbers the real parts count.\n"
          "arg2\n\tReal (neq,nmode): displacements of the structural equations in each mode.\n"
