@@ -17,7 +17,7 @@ struct Mesh {
     std::vector<double> xyzc, n, area;
     std::vector<std::int32_t> list;
 
-    WetPanels view() {
+    PanelMesh view() {
         const int np = static_cast<int>(added.size());
         for (auto* const v : {&xyzc, &n, &area, &xyzc})
             v->clear();
@@ -68,7 +68,7 @@ constexpr Reflection self{1, 1}, in_y{1, -1}, in_x{-1, 1}, in_both{-1, -1};
 
 std::array<double, 36> stiffness(Mesh mesh, const BodyFrame& frame, double zcg,
                                  std::vector<Reflection> copies = {self}) {
-    const WetPanels panels = mesh.view();
+    const PanelMesh panels = mesh.view();
     return rigid_stiffness(waterplane_sums(panels, mesh.list, frame, copies), zcg, rho, grav);
 }
 
@@ -135,7 +135,7 @@ TEST(Hydrostatics, body_axes_turned_by_90_degrees_exchange_surge_and_sway) {
 TEST(Hydrostatics, normals_are_the_nodal_motion_of_the_panel_centre_along_the_normal) {
     Mesh mesh;
     mesh.added = {{3, -2, -1.5, 0.48, -0.6, 0.64, 1}, {-4, 1, -0.2, 0, 0.8, 0.6, 1}};
-    const WetPanels panels = mesh.view();
+    const PanelMesh panels = mesh.view();
     const BodyFrame frame = body_frame(0.3, 0.7, -2, 35);
     for (const int p : mesh.list) {
         const auto& q = mesh.added[static_cast<std::size_t>(p - 1)];
@@ -153,7 +153,7 @@ TEST(Hydrostatics, normals_are_the_nodal_motion_of_the_panel_centre_along_the_no
 
 TEST(Hydrostatics, the_three_projections_give_the_volume_and_its_centre) {
     Mesh mesh = box_mesh({-2, 10, -3, 4, 5});
-    const WetPanels panels = mesh.view();
+    const PanelMesh panels = mesh.view();
     const VolumeSums sums = volume_sums(panels, mesh.list);
     const double volume = 12 * 7 * 5;
     const std::array<double, 3> centre{4, 0.5, -2.5};
