@@ -132,7 +132,7 @@ TEST(Hydrostatics, stiffness_is_the_work_of_the_pressure_in_the_rigid_modes) {
     for (int p = 0; p < 9; ++p)
         mesh.added.push_back({9 * value(random), 4 * value(random), -2 + value(random),
                               value(random), value(random), value(random), 2 + value(random)});
-    const WetPanels panels = mesh.view();
+    const PanelMesh panels = mesh.view();
     const BodyFrame frame = body_frame(0.3, 0.7, -2, 35);
     for (const int p : mesh.list) {
         const BodyPoint point = body_point(panels, p, frame);
