@@ -71,4 +71,13 @@ void incoming_normal_velocity(const IncomingWave& wave, int symmetry, int m,
     }
 }
 
+std::array<Complex8, 3> incoming_velocity(const IncomingWave& wave, double grav, const Vec3& x) {
+    const double c = std::cos(wave.beta), s = std::sin(wave.beta);
+    const double Zf = depth_decay(wave, x[2]);
+    // Zf' = k Zf tanh(k (z + depth)), in deep water k Zf
+    const double slope = wave.deep ? Zf : Zf * std::tanh(wave.k * (x[2] + wave.depth));
+    const Complex8 e = std::polar(grav * wave.k / wave.omega, -wave.k * (x[0] * c + x[1] * s));
+    return {c * Zf * e, s * Zf * e, Complex8(-e.imag(), e.real()) * slope};
+}
+
 } // namespace quelor

@@ -77,28 +77,6 @@ void write_picture_frame(PictureMesh& picture, int step, double time, Matrix<con
     gmsh_write_node_data(step, time, node_set(picture), u);
 }
 
-void modal_translations(std::span<const Matrix<const double>, 3> um, std::span<const Complex8> q,
-                        Matrix<Complex8> u) {
-    std::ranges::fill(u.all(), Complex8(0));
-    for (int m = 1; m <= static_cast<int>(q.size()); ++m)
-        for (int n = 1; n <= u.cols; ++n)
-            for (int i = 1; i <= 3; ++i)
-                u(i, n) += um[nth(i)](n, m) * q[nth(m)];
-}
-
-void pressure_amplitudes(const PanelPotentials& phi, int f, int b, std::span<const Complex8> q,
-                         double omega_rho, std::span<double> out) {
-    const int np = static_cast<int>(out.size());
-    std::vector<Complex8> total(out.size());
-    for (int p = 1; p <= np; ++p)
-        total[nth(p)] = phi.incoming(p, f, b) + phi.diffraction(p, f, b);
-    for (int m = 1; m <= static_cast<int>(q.size()); ++m)
-        for (int p = 1; p <= np; ++p)
-            total[nth(p)] += phi.radiation(p, f, m) * q[nth(m)];
-    for (int p = 1; p <= np; ++p)
-        out[nth(p)] = omega_rho * complex_modulus(total[nth(p)]);
-}
-
 void real_parts_at(Complex8 e, std::span<const Complex8> z, std::span<double> out) {
     for (std::size_t i = 0; i < z.size(); ++i)
         out[i] = z[i].real() * e.real() - z[i].imag() * e.imag() + 0.0;

@@ -41,26 +41,6 @@ void write_picture_mesh(PictureMesh& picture);
 /// One frame: translations (3, nodes) of the picture's nodes.
 void write_picture_frame(PictureMesh& picture, int step, double time, Matrix<const double> u);
 
-// --- kernels ------------------------------------------------------------------------------------
-
-/// u(:,n) = sum over the modes m of (umx, umy, umz)(n,m) q(m), for as many nodes as u has columns.
-/// umx, umy, umz  in   (nodes or more, nmode) translations of the modes
-/// q              in   nmode generalised coordinates
-/// u              out  (3, nodes)
-void modal_translations(std::span<const Matrix<const double>, 3> um, std::span<const Complex8> q,
-                        Matrix<Complex8> u);
-
-/// Modulus of the hydrodynamic pressure p = -i omega rho phi at the first panels of the potential
-/// arrays, phi = phi_I + phi_D + sum over the modes m of phi_m q(m).
-struct PanelPotentials {
-    Array3<const Complex8> incoming, diffraction; ///< (panels or more, nfreq, nbeta)
-    Array3<const Complex8> radiation;             ///< (the same, nfreq, nmode)
-};
-/// f, b  in   numbers of frequency and heading;   q  in  nmode generalised coordinates
-/// out   out  one value a panel
-void pressure_amplitudes(const PanelPotentials& phi, int f, int b, std::span<const Complex8> q,
-                         double omega_rho, std::span<double> out);
-
 /// Re(z e) of every number, without negative zeros: the instant at which exp(i omega t) is e.
 void real_parts_at(Complex8 e, std::span<const Complex8> z, std::span<double> out);
 

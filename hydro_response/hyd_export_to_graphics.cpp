@@ -3,12 +3,14 @@
 // `.hyd_surf_disp`; write a mesh file. Workspaces `$nodal_disp`, `$Gmsh_periods`.
 #include "hydro_response/hyd_export_to_graphics.hpp"
 
+#include "hydro_analysis/symmetry.hpp"
 #include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
 #include "hydro_model/hyd_modes.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_panel.hpp"
 #include "hydro_response/hyd_export_to_gmsh.hpp"
+#include "hydro_response/response_values.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/project.hpp"
@@ -125,30 +127,49 @@ std::span<const Complex8> find_elevation(const ExportRequest& request, int nodes
     return {};
 }
 
+/// The potentials of all headings at the images of the wet panels.
+struct PanelPotentials {
+    Array3<const Complex8> incoming, diffraction, radiation;
+};
+
+/// Pressures (nbeta, images of the panels) of one frequency.
+std::vector<Complex8> pressures_of(const PanelPotentials& phi, Array3<const Complex8> gencor,
+                                   int ifreq, double omega, double rho) {
+    std::vector<Complex8> values(as_size(gencor.n3) * as_size(phi.radiation.n1));
+    const Matrix<Complex8> table{values.data(), gencor.n3, phi.radiation.n1};
+    radiation_potential(phi.radiation, gencor, ifreq, table);
+    add_potential(phi.incoming, ifreq, table);
+    add_potential(phi.diffraction, ifreq, table);
+    potential_to_pressure(omega, rho, values);
+    return values;
+}
+
 /// Pressures of the drawn panels, 0 on those that are dry; none, after a message, when the
 /// potentials do not serve.
 void find_pressures(const ExportRequest& request, const DrawnPanels& hull, double omega,
                     Array3<const Complex8> gencor, WaveMotion& wave) {
     Inputs inputs;
     const int nfreq = gencor.n2, nbeta = gencor.n3;
+    const int images =
+        inputs.integer(hyd_num_wetpanels) * image_count(inputs.integer(hyd_symmetry));
     const PanelPotentials phi{
-        inputs.array3<Complex8>(hyd_potincm, any_size, nfreq, nbeta),
-        inputs.array3<Complex8>(hyd_potdiff, any_size, nfreq, nbeta),
-        inputs.array3<Complex8>(hyd_potrad, any_size, nfreq, gencor.n1),
+        inputs.array3<Complex8>(hyd_potincm, images, nfreq, nbeta),
+        inputs.array3<Complex8>(hyd_potdiff, images, nfreq, nbeta),
+        inputs.array3<Complex8>(hyd_potrad, images, nfreq, gencor.n1),
     };
     const auto map = inputs.vector<std::int32_t>(hyd_panel_map, hull.last);
-    const int np = inputs.integer(hyd_num_wetpanels);
     const double rho = inputs.real(hyd_fluid_rho);
-    if (!inputs || np < 1 || std::min({phi.incoming.n1, phi.diffraction.n1, phi.radiation.n1}) < np)
+    if (!inputs)
         return print_both(
             " \n\tThere are no potentials of these panels; the pressure is left out\n");
-    std::vector<double> amplitudes(as_size(np));
-    pressure_amplitudes(phi, request.freq, request.angle, wave.gencor, omega * rho, amplitudes);
+    const auto pressures = pressures_of(phi, gencor, request.freq, omega, rho);
+    const Matrix<const Complex8> table{pressures.data(), nbeta, phi.radiation.n1};
     const auto panels = hull.table();
     for (int i = 1; i <= panels.cols; ++i) {
         const int p = map[nth(panels(5, i))];
+        const bool wet = 1 <= p && p <= table.cols;
         wave.panels.push_back(panels(5, i));
-        wave.pressure.push_back(1 <= p && p <= np ? amplitudes[nth(p)] : 0.0);
+        wave.pressure.push_back(wet ? complex_modulus(table(request.angle, p)) : 0.0);
     }
 }
 
@@ -181,7 +202,7 @@ void write_wave(PictureMesh& picture, const ModeShapes& um, const WaveMotion& wa
     const Temporary<Complex8> moved("$nodal_disp", 3, nodes);
     const Temporary<double> times("$Gmsh_periods", wave.steps, 0);
     const Matrix<Complex8>& u = moved.view;
-    modal_translations(um, wave.gencor, {u.data, 3, picture.hull_nodes});
+    nodal_displacements(um, wave.gencor, u.all().first(3 * as_size(picture.hull_nodes)));
     for (int n = 1; n <= static_cast<int>(wave.elevation.size()); ++n)
         u(3, picture.hull_nodes + n) = wave.elevation[nth(n)];
     std::vector<double> frame(3 * as_size(nodes));

@@ -11,8 +11,12 @@
 #include "hydro_response/hyd_export_to_graphics.hpp"
 #include "hydro_response/hyd_energyloss.hpp"
 #include "hydro_response/hyd_irregular.hpp"
+#include "hydro_response/hyd_modal_pressure.hpp"
 #include "hydro_response/hyd_mooring.hpp"
 #include "hydro_response/hyd_response.hpp"
+#include "hydro_response/hyd_response_P.hpp"
+#include "hydro_response/hyd_response_drag.hpp"
+#include "hydro_response/hyd_response_post.hpp"
 #include "hydro_response/hyd_surf_elevation.hpp"
 #include "hydro_response/hyd_tf.hpp"
 #include "hydro_response/hyd_vel_nodes.hpp"
@@ -38,6 +42,10 @@ static constexpr std::initializer_list<Family> families = {
     hyd_genmodes_rows,
     hyd_analysis_rows,
     hyd_response_rows,
+    hyd_response_P_rows,
+    hyd_response_drag_rows,
+    hyd_response_post_rows,
+    hyd_modal_pressure_rows,
     hyd_tf_rows,
     hyd_surf_elevation_rows,
     hyd_vel_nodes_rows,
@@ -52,9 +60,6 @@ static constexpr std::initializer_list<Family> families = {
 /// Words whose commands are not built yet, by family.
 static constexpr std::string_view planned[] = {
     "hyd_close_files",
-    "hyd_analysis_response_P", "hyd_postresponse_P",
-    "hyd_analysis_response_drag",
-    "hyd_postresponse", "hyd_modal_pressure",
 };
 // clang-format on
 

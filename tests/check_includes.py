@@ -31,8 +31,8 @@ PATTERNS = (
                        " hydro_analysis/coefficients.* hydro_analysis/csolve.*"
                        " hydro_analysis/incoming_wave.* hydro_analysis/influence*.*"
                        " hydro_analysis/solve2.* hydro_analysis/symmetry.hpp"
-                       " hydro_response/field_potential.*"
-                       " hydro_response/far_field.* hydro_response/wave_spectra.*"
+                       " hydro_response/drag.* hydro_response/far_field.* hydro_response/field_potential.*"
+                       " hydro_response/response_values.* hydro_response/wave_spectra.*"
                        " elements/bar.* elements/frame.* elements/plane_beam.*"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
     ("service", "kernel/* solvers/matrix.* matrix/blocks.* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"

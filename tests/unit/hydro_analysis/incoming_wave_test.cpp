@@ -49,7 +49,7 @@ TEST(IncomingWave, class_sums_are_the_signed_sums_over_the_images) {
         }
 }
 
-TEST(IncomingWave, normal_velocity_is_the_derivative_of_the_potential) {
+TEST(IncomingWave, velocities_are_the_derivatives_of_the_potential) {
     // Central differences of step 1e-5: errors of 1e-10 from the step and from rounding.
     constexpr std::array<double, 6> normals{0.6, -0.48, 0.64, 0, 0.8, -0.6};
     for (const double depth : {4.0, 1e4})
@@ -66,6 +66,10 @@ TEST(IncomingWave, normal_velocity_is_the_derivative_of_the_potential) {
                 };
                 const Complex8 slope = (along(1e-5) - along(-1e-5)) / 2e-5;
                 EXPECT_LT(std::abs(h[static_cast<std::size_t>(p - 1)] + slope), 1e-8) << depth << m;
+                const auto v =
+                    incoming_velocity(w, g, {sx * xyzc(p, 1), sy * xyzc(p, 2), xyzc(p, 3)});
+                EXPECT_LT(std::abs(sx * n[0] * v[0] + sy * n[1] * v[1] + n[2] * v[2] - slope), 1e-8)
+                    << depth << m;
             }
         }
 }
