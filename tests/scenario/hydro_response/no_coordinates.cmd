@@ -1,4 +1,0 @@
-box
-filein box.txt -noecho
-hyd_postresponse_P
-hyd_postresponse -potential
