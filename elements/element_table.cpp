@@ -29,6 +29,12 @@ static constexpr ElementRow unused(int slot) {
     return planned(slot, {}, "unused");
 }
 
+/// A type that takes no part in nonlinear solutions.
+static constexpr ElementRow without_forces(ElementRow row) {
+    row.internal_forces = false;
+    return row;
+}
+
 std::span<const ElementRow, element_slots> element_rows() {
     static const std::array<ElementRow, element_slots> rows{{
         {1, "ntruss", "large displacement truss", ntruss_element, ntruss_help(), pntruss_help(),
@@ -41,12 +47,12 @@ std::span<const ElementRow, element_slots> element_rows() {
         planned(5, "cable", "elastic catenary cable"),
         planned(6, "d2l3to9", "2-D, linear elastic"),
         planned(7, "d2ltri", "2-D, linear elastic triangular"),
-        {8, "min3s", "Mindlin 3-D triangular, linear shell", min3s_element, min3s_help(),
-         pmin3s_help(), min3s_table},
-        {9, "min5s", "Mindlin 3-D quadrilateral, linear shell", min5s_element, min5s_help(),
-         pmin5s_help(), min5s_table},
-        {10, "min4t", "quadrilateral, linear, Mindlin shell", min4t_element, min4t_help(),
-         pmin4t_help(), min4t_table},
+        without_forces({8, "min3s", "Mindlin 3-D triangular, linear shell", min3s_element,
+                        min3s_help(), pmin3s_help(), min3s_table}),
+        without_forces({9, "min5s", "Mindlin 3-D quadrilateral, linear shell", min5s_element,
+                        min5s_help(), pmin5s_help(), min5s_table}),
+        without_forces({10, "min4t", "quadrilateral, linear, Mindlin shell", min4t_element,
+                        min4t_help(), pmin4t_help(), min4t_table}),
         planned(11, "d1l234", "1-D, linear, elastic"),
         planned(12, "smth1q", "1-D quadratic smoothing"),
         planned(13, "smth1c", "1-D cubic smoothing"),
@@ -61,18 +67,18 @@ std::span<const ElementRow, element_slots> element_rows() {
         planned(22, "biot1d234", "1-D element for linear, elastic consolidation"),
         planned(23, "d1l234v2", "1-D, linear, elastic, v.2"),
         planned(24, "biot2d3to9", "2-D element for linear, elastic consolidation"),
-        {25, "min6", "linear, triangular Mindlin plate", min6_element, min6_help(), pmin6_help(),
-         min6_table},
-        {26, "isomin6", "linear, triangular Mindlin plate", isomin6_element, isomin6_help(),
-         pisomin6_help()},
+        without_forces({25, "min6", "linear, triangular Mindlin plate", min6_element, min6_help(),
+                        pmin6_help(), min6_table}),
+        without_forces({26, "isomin6", "linear, triangular Mindlin plate", isomin6_element,
+                        isomin6_help(), pisomin6_help()}),
         planned(27, "iFEM2D", "2-D, 3 to 9 node element for nonlinear iFEM"),
         {28, "interface", "quadrilateral (and triangular) interface", interface_element,
          interface_help(), pinterface_help(), interface_table},
         {29, "truss", "linear truss", truss_element, truss_help(), ptruss_help(),
          drawn_truss(truss_kind)},
         planned(30, "stiff2n", "linear elastic 2-node stiffness"),
-        {31, "shell3", "Mindlin triangular, linear flat shell", shell3_element, shell3_help(),
-         pshell3_help()},
+        without_forces({31, "shell3", "Mindlin triangular, linear flat shell", shell3_element,
+                        shell3_help(), pshell3_help()}),
         unused(32),
         unused(33),
         unused(34),

@@ -168,10 +168,12 @@ QuadMatrix by_corners(const QuadShell& s, std::size_t part, const ShellMatrix& l
 double shear_factor(const QuadShell& s, std::size_t part, const ShellParts& of_part, double c_s,
                     int version) {
     if (version == relax_triangles) return shell_relaxation(of_part, c_s, 0).shear;
-    const auto sum = [&](const ShellMatrix& k) {
-        return rotation_trace(by_corners(s, part, k), s.quad.normal);
+    const auto sum = [&](int first, const auto& k) {
+        ShellMatrix whole;
+        add_part(whole, first, 1, k);
+        return rotation_trace(by_corners(s, part, whole), s.quad.normal);
     };
-    return relaxation(c_s, sum(of_part.shear), sum(of_part.bending));
+    return relaxation(c_s, sum(shell_w, of_part.shear), sum(shell_thx, of_part.bending));
 }
 
 using QuadList = std::array<std::int32_t, 24>;

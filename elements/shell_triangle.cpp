@@ -224,19 +224,20 @@ SmallMatrix<2, 15> bubble_amplitudes(const SmallMatrix<with_bubbles>& k) {
     return amplitude;
 }
 
-void add_curved_membrane(ShellMatrix& k, const ShellTriangle& t, const SmallMatrix<3>& d) {
+SmallMatrix<15> condensed_membrane(const ShellTriangle& t, const SmallMatrix<3>& d) {
     const auto full = curved_membrane(t, d);
     const auto amplitude = bubble_amplitudes(full);
+    SmallMatrix<15> k;
     for (int j = 1; j <= 15; ++j)
         for (int i = 1; i <= 15; ++i)
-            k(i, j) += full(i, j) + full(i, 16) * amplitude(1, j) + full(i, 17) * amplitude(2, j);
+            k(i, j) = full(i, j) + full(i, 16) * amplitude(1, j) + full(i, 17) * amplitude(2, j);
+    return k;
 }
 
-/// k(first + i, first + j) += f part(i, j)
-template <int N> void add_part(ShellMatrix& k, int first, double f, const SmallMatrix<N>& part) {
-    for (int j = 1; j <= N; ++j)
-        for (int i = 1; i <= N; ++i)
-            k(first + i, first + j) += f * part(i, j);
+template <int M, int N> void add_times(SmallMatrix<M>& k, double f, const SmallMatrix<N>& part) {
+    static_assert(M >= N);
+    for (std::size_t i = 0; i < part.a.size(); ++i)
+        k.a[i] += f * part.a[i];
 }
 
 Vec3 membrane_strain(const ShellTriangle& t, const ShellSection& s, const ShellVector& u,
@@ -258,33 +259,36 @@ ShellParts shell_parts(const ShellTriangle& t, const ShellSection& s) {
     // Exact for the square of the shear strains, which are linear.
     static const auto points = triangle_rule(3);
     ShellParts parts;
-    add_part(parts.bending, shell_thx, t.area, congruent(s.bending, curvature(t)));
+    add_times(parts.bending, t.area, congruent(s.bending, curvature(t)));
     for (const TrianglePoint& p : points)
-        add_part(parts.shear, shell_w, p.weight * t.area,
-                 congruent(s.shear, shear_strain(t, {p.l1, p.l2, p.l3})));
-    if (t.curved())
-        add_curved_membrane(parts.membrane, t, s.membrane);
-    else
-        add_part(parts.membrane, shell_u, t.area, congruent(s.membrane, flat_strain(t)));
+        add_times(parts.shear, p.weight * t.area,
+                  congruent(s.shear, shear_strain(t, {p.l1, p.l2, p.l3})));
+    if (t.curved()) {
+        parts.membrane = condensed_membrane(t, s.membrane);
+    } else {
+        parts.membrane.rows = parts.membrane.cols = 6;
+        add_times(parts.membrane, t.area, congruent(s.membrane, flat_strain(t)));
+    }
     return parts;
 }
 
 ShellRelaxation shell_relaxation(const ShellParts& parts, double c_s, double c_m) {
-    const auto sum = [](const ShellMatrix& k) {
+    const auto sum = [](const auto& k, int first) {
         double total = 0;
-        for (int i = shell_thx + 1; i <= shell_thz; ++i)
+        for (int i = first + 1; i <= k.rows; ++i)
             total += k(i, i);
         return total;
     };
-    const double bending = sum(parts.bending);
-    return {relaxation(c_s, sum(parts.shear), bending),
-            relaxation(c_m, sum(parts.membrane), bending)};
+    const double bending = sum(parts.bending, 0);
+    return {relaxation(c_s, sum(parts.shear, shell_thx - shell_w), bending),
+            relaxation(c_m, sum(parts.membrane, shell_thx), bending)};
 }
 
 ShellMatrix shell_stiffness(const ShellParts& parts, const ShellRelaxation& phi, double drill) {
-    ShellMatrix k = parts.bending;
-    for (std::size_t i = 0; i < k.a.size(); ++i)
-        k.a[i] += phi.shear * parts.shear.a[i] + phi.membrane * parts.membrane.a[i];
+    ShellMatrix k;
+    add_part(k, shell_thx, 1, parts.bending);
+    add_part(k, shell_w, phi.shear, parts.shear);
+    add_part(k, shell_u, phi.membrane, parts.membrane);
     double least = k(1, 1);
     for (int i = 2; i <= shell_thz; ++i)
         least = std::min(least, k(i, i));
@@ -297,33 +301,33 @@ ShellMatrix shell_stiffness(const ShellParts& parts, const ShellRelaxation& phi,
 
 namespace {
 
-/// Place, by component, of degree of freedom i counted node by node; both from 0.
-constexpr std::size_t by_component(std::size_t i) {
-    return i % 6 * 3 + i / 6;
+/// Place, node by node, of degree of freedom i counted by component; both from 0.
+constexpr std::size_t by_node(std::size_t i) {
+    return i % 3 * 6 + i / 3;
 }
 
 } // namespace
 
 ShellMatrix min3s_transform(const ShellMatrix& k, const LocalAxes& axes) {
-    ShellMatrix by_node;
+    ShellMatrix nodes;
     for (std::size_t j = 0; j < shell_dofs; ++j)
         for (std::size_t i = 0; i < shell_dofs; ++i)
-            by_node.a[i + shell_dofs * j] = k.a[by_component(i) + shell_dofs * by_component(j)];
-    return to_global(by_node, axes);
+            nodes.a[by_node(i) + shell_dofs * by_node(j)] = k.a[i + shell_dofs * j];
+    return to_global(nodes, axes);
 }
 
 ShellVector min3s_transform(const ShellVector& f, const LocalAxes& axes) {
-    ShellVector by_node;
+    ShellVector nodes;
     for (std::size_t i = 0; i < shell_dofs; ++i)
-        by_node[i] = f[by_component(i)];
-    return to_global(by_node, axes);
+        nodes[by_node(i)] = f[i];
+    return to_global(nodes, axes);
 }
 
 ShellVector shell_to_local(const ShellVector& u, const LocalAxes& axes) {
-    const ShellVector by_node = to_local(u, axes);
+    const ShellVector nodes = to_local(u, axes);
     ShellVector local;
     for (std::size_t i = 0; i < shell_dofs; ++i)
-        local[by_component(i)] = by_node[i];
+        local[i] = nodes[by_node(i)];
     return local;
 }
 

@@ -67,10 +67,19 @@ ShellDeflection deflection_at(const ShellTriangle& t, const ShellPoint& l);
 
 // --- stiffness ----------------------------------------------------------------------------------
 
-/// The three parts, not relaxed, without the drilling terms.
+/// The three parts, not relaxed: bending by thx and thy, shear by w, thx and thy, membrane by u and
+/// v or, of a curved element, by u, v, w, thx and thy.
 struct ShellParts {
-    ShellMatrix bending, shear, membrane;
+    SmallMatrix<6> bending;
+    SmallMatrix<9> shear;
+    SmallMatrix<15> membrane;
 };
+/// k += f part, at the degrees of freedom behind `first`.
+template <int N> void add_part(ShellMatrix& k, int first, double f, const SmallMatrix<N>& part) {
+    for (int j = 1; j <= part.cols; ++j)
+        for (int i = 1; i <= part.rows; ++i)
+            k(first + i, first + j) += f * part(i, j);
+}
 ShellParts shell_parts(const ShellTriangle& t, const ShellSection& s);
 
 /// Factors of the shear and the membrane part.
