@@ -1,5 +1,6 @@
 // The element table: one row a slot. Nothing else in the program spells the names of the elements.
 #include "elements/beam3d.hpp"
+#include "elements/cable.hpp"
 #include "elements/interface_elem.hpp"
 #include "elements/min3s.hpp"
 #include "elements/min4t.hpp"
@@ -10,6 +11,7 @@
 #include "fem/elemutil.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_panel.hpp"
+#include "hydro_response/mooring_cable.hpp"
 
 #include <algorithm>
 
@@ -44,7 +46,8 @@ std::span<const ElementRow, element_slots> element_rows() {
          beam3d_table},
         {4, "nbeam2d", "large displacement, elastic 2D beam", nbeam2d_element, nbeam2d_help(),
          pnbeam2d_help()},
-        planned(5, "cable", "elastic catenary cable"),
+        {5, "cable", "elastic catenary cable", cable_element, cable_help(), pcable_help(),
+         cable_table},
         planned(6, "d2l3to9", "2-D, linear elastic"),
         planned(7, "d2ltri", "2-D, linear elastic triangular"),
         without_forces({8, "min3s", "Mindlin 3-D triangular, linear shell", min3s_element,
@@ -85,7 +88,8 @@ std::span<const ElementRow, element_slots> element_rows() {
         unused(35),
         {36, "hyd_panel", "hydrodynamic panel", hyd_panel_element, hyd_panel_help(),
          phyd_panel_help()},
-        planned(37, "hyd_mooring_line", "mooring line"),
+        {37, "hyd_mooring_line", "mooring line", hyd_mooring_line_element, hyd_mooring_line_help(),
+         phyd_mooring_line_help()},
         {38, "hyd_surf_panel", "free surface panel", hyd_surf_panel_element, hyd_surf_panel_help(),
          phyd_surf_panel_help()},
         unused(39),

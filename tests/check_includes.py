@@ -31,6 +31,8 @@ PATTERNS = (
                        " hydro_analysis/coefficients.* hydro_analysis/csolve.*"
                        " hydro_analysis/incoming_wave.* hydro_analysis/influence*.*"
                        " hydro_analysis/solve2.* hydro_analysis/symmetry.hpp"
+                       " hydro_response/drag.* hydro_response/far_field.* hydro_response/response_values.*"
+                       " hydro_response/wave_spectra.*"
                        " elements/bar.* elements/frame.* elements/plane_beam.*"
                        " elements/local_axes.hpp elements/shell_section.* elements/shell_triangle.*"
                        " elements/shell_forces.* elements/shell_quad.* elements/plate6.*"),
