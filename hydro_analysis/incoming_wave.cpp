@@ -61,7 +61,7 @@ void incoming_normal_velocity(const IncomingWave& wave, int symmetry, int m,
                               Matrix<const double> xyzc, Matrix<const double> n,
                               std::span<Complex8> h) {
     const double c = std::cos(wave.beta), s = std::sin(wave.beta);
-    const double sign_x = image_sign_x(symmetry, m), sign_y = image_sign_y(symmetry, m);
+    const auto [sign_x, sign_y] = reflection_of(symmetry, m);
     for (int p = 1; p <= xyzc.rows; ++p) {
         const double x = sign_x * xyzc(p, 1), y = sign_y * xyzc(p, 2);
         const double nx = sign_x * n(1, p), ny = sign_y * n(2, p);

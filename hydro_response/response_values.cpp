@@ -9,14 +9,14 @@
 
 namespace quelor {
 
-void nodal_displacements(const std::array<Matrix<const double>, 6>& modes,
-                         std::span<const Complex8> q, std::span<Complex8> disp) {
+void nodal_displacements(std::span<const Matrix<const double>> modes, std::span<const Complex8> q,
+                         std::span<Complex8> disp) {
     std::ranges::fill(disp, Complex8{});
     for (std::size_t c = 0; c < modes.size(); ++c)
         for (int m = 1; m <= modes[c].cols; ++m) {
             const auto mode = modes[c].col(m);
             for (std::size_t n = 0; n < mode.size(); ++n)
-                disp[6 * n + c] += mode[n] * q[nth(m)];
+                disp[modes.size() * n + c] += mode[n] * q[nth(m)];
         }
 }
 

@@ -7,15 +7,13 @@
 
 #include "numeric/types.hpp"
 
-#include <array>
-
 namespace quelor {
 
-/// Translations and rotations of all nodes: disp(6 (n - 1) + c) = sum over m of modes[c](n,m) q(m),
-/// m rising.
-/// modes  in  six of (nnode,nmode);  q  in  nmode;  disp  out  6 nnode
-void nodal_displacements(const std::array<Matrix<const double>, 6>& modes,
-                         std::span<const Complex8> q, std::span<Complex8> disp);
+/// Displacements of all nodes, a component a table of modes: disp(c (n - 1) + i) = sum over m of
+/// modes[i](n,m) q(m), m rising, for c tables: translations and rotations, or translations alone.
+/// modes  in  c of (nnode,nmode);  q  in  nmode;  disp  out  c nnode
+void nodal_displacements(std::span<const Matrix<const double>> modes, std::span<const Complex8> q,
+                         std::span<Complex8> disp);
 
 /// The copies of a panel in the order in which reports list them: itself; single symmetry y < 0;
 /// double symmetry x > 0 y < 0, x < 0 y > 0, x < 0 y < 0. Their images in potential arrays.

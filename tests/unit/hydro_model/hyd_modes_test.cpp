@@ -111,44 +111,49 @@ TEST_F(HydModes, reflected_bodies_have_the_stiffness_of_bodies_with_a_mesh_of_th
                 stiffness_of({{6, 11, -4, 4, 3, 4, 8}, {-11, -6, -4, 4, 3, 4, 8}}, row), tolerance);
 }
 
-TEST_F(HydModes,
-       rigid_motion_given_as_flexible_modes_has_the_normals_and_stiffness_of_rigid_modes) {
-    for (const int symmetry : {0, 1}) {
+// The centre of gravity at the origin of the body: no weight term.
+TEST_F(HydModes, rigid_motion_given_as_flexible_modes_is_that_of_the_rigid_modes) {
+    constexpr std::array parities{"0 1", "1 0", "0 0", "1 0", "0 1", "1 1"}; // odd: 1
+    for (const int symmetry : {0, 1, 2}) {
         MeshText mesh;
-        if (symmetry == 0) mesh.add({-8, 12, -4, 4, 3, 4, 8});
-        if (symmetry == 1) mesh.add({-8, 12, 0, 4, 3, 4, 4}, false, true);
-        run("hyd_parameters h=50 nmodef=3 symmetry=" + std::to_string(symmetry));
-        run("hyd_coordaxs xb=1 zb=-1"); // centre of gravity at the origin: no weight term
+        mesh.add({symmetry == 2 ? 0.0 : -8, 12, symmetry == 0 ? -4.0 : 0, 4, 3, 4, 8},
+                 symmetry == 2, symmetry > 0);
+        run("hyd_parameters h=50 nmodef=6 symmetry=" + std::to_string(symmetry));
+        run("hyd_coordaxs zb=-1");
         make_mesh(mesh);
         run("hyd_rigid_modes");
-        const auto xyz = matrix(hyd_xyz);
-        std::ostringstream heave, roll, pitch;
-        heave << "7 0 0\n";
-        roll << "8 1 0\n";
-        pitch << "9 0 1\n";
-        for (int n = 1; n <= xyz.cols; ++n) {
-            const double dx = xyz(1, n) - 1, dy = xyz(2, n), dz = xyz(3, n) + 1;
-            heave << n << " 0 0 1\n";
-            roll << n << " 0 " << -dz << ' ' << dy << " 1\n";
-            pitch << n << ' ' << dz << " 0 " << -dx << " 0 1\n";
-        }
-        run("hyd_flex_modes", heave.str() + "\n\n" + roll.str() + "\n" + pitch.str() + "\n");
-
-        const auto un = matrix(hyd_un), uz = matrix(hyd_uz), kf = matrix(hyd_kf);
-        for (int m = 3; m <= 5; ++m)
-            for (int p = 1; p <= un.cols; ++p) {
-                EXPECT_NEAR(un(m + 4, p), un(m, p), 1e-13);
-                EXPECT_NEAR(uz(m + 4, p), uz(m, p), 1e-13);
+        std::ostringstream records;
+        for (std::size_t m = 0; m < 6; ++m) {
+            records << m + 7 << ' ' << parities[m] << '\n';
+            for (int n = 1; n <= 4 * mesh.panel_count(); ++n) {
+                records << n;
+                for (const auto name : nodal_mode_arrays)
+                    records << ' ' << matrix(name)(n, static_cast<int>(m) + 1);
+                records << '\n';
             }
+            records << '\n';
+        }
+        run("hyd_flex_modes", records.str());
+        const auto un = matrix(hyd_un), uz = matrix(hyd_uz), kf = matrix(hyd_kf);
+        const auto code = as_matrix<std::int32_t>(find_array(hyd_modesym));
+        for (int m = 1; m <= 6; ++m) {
+            EXPECT_EQ(code(m + 6), code(m)) << m;
+            for (int p = 1; p <= un.cols; ++p) {
+                EXPECT_NEAR(un(m + 6, p), un(m, p), 1e-13);
+                EXPECT_NEAR(uz(m + 6, p), uz(m, p), 1e-13);
+            }
+        }
         for (int i = 3; i <= 5; ++i)
             for (int j = 3; j <= 5; ++j) {
-                EXPECT_NEAR(kf(i + 4, j + 4), kf(i, j), 1e-12 * kf(5, 5));
-                EXPECT_NEAR(kf(i, j + 4), kf(i, j), 1e-12 * kf(5, 5));
+                EXPECT_NEAR(kf(i + 6, j + 6), kf(i, j), 1e-12 * kf(5, 5));
+                EXPECT_NEAR(kf(i, j + 6), kf(i, j), 1e-12 * kf(5, 5));
+                EXPECT_TRUE(code(i) == code(j) || kf(i + 6, j + 6) == 0);
             }
-        EXPECT_NEAR(kf(7, 8), 0, symmetry == 1 ? 0 : 1e-12 * kf(5, 5)); // symmetric, antisymmetric
+        const auto before = reals(hyd_kf); // and from the arrays as they are, without records
+        kf(9, 9) = -1;
+        run("hyd_flex_modes -noread");
+        EXPECT_EQ(reals(hyd_kf), before);
     }
-    const auto codes = as_span<const std::int32_t>(find_array(hyd_modesym));
-    EXPECT_EQ(std::vector(codes.begin(), codes.end()), (std::vector{1, 2, 1, 2, 1, 2, 1, 2, 1}));
 }
 
 TEST_F(HydModes, mode_shapes_of_the_structure_skip_the_rigid_columns_and_follow_constraints) {
