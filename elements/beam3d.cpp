@@ -4,7 +4,6 @@
 
 #include "elements/element_family.hpp"
 #include "elements/frame.hpp"
-#include "fem/export_to_gmsh.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
@@ -53,24 +52,8 @@ void read_beam_material(Matrix<double> mp, int number) {
     cdense = -1;
     get_real_par("cbar=", cdense);
     if (!(cdense < 0)) fill_three(cdense, beam_damping);
-}
-
-/// Exactly m records; a repeated number counts.
-void read_beam_materials(int m) {
-    const auto mp = create_matrix<double>(beam3d_mp, m, beam3d_columns);
-    for (int record = 1; record <= m; ++record) {
-        std::int32_t number = 0;
-        next_record("Enter material data\n");
-        get_int_par("m=", number);
-        require_number(number, m, beam3d_bad_material);
-        read_beam_material(mp, number);
-        std::array<double, beam3d_columns> row{};
-        for (int c = 1; c <= beam3d_columns; ++c)
-            row[nth(c)] = mp(number, c);
-        require_finite(row, "material " + std::to_string(number));
-        if (mp(number, beam_g) == 0 && (mp(number, beam_asy) != 0 || mp(number, beam_asz) != 0))
-            shutdown_with(" \n\tA shear area of BEAM3D needs the shear modulus g\n");
-    }
+    if (mp(number, beam_g) == 0 && (mp(number, beam_asy) != 0 || mp(number, beam_asz) != 0))
+        shutdown_with(" \n\tA shear area of BEAM3D needs the shear modulus g\n");
 }
 
 // --- element records ----------------------------------------------------------------------------
@@ -102,6 +85,12 @@ std::optional<BeamRecord> next_beam_record() {
     return r;
 }
 
+/// The input tension fills both ends.
+void set_beam_tension(Matrix<double> st, int e, double tension) {
+    st(1, e) = 0 - tension;
+    st(7, e) = tension;
+}
+
 void store_beam_record(const BeamRecord& r, int materials, Matrix<std::int32_t> el,
                        Matrix<double> st) {
     if (r.n < 1 || r.gen < 0 || std::int64_t{r.n} + r.gen > el.cols)
@@ -124,6 +113,43 @@ void store_beam_record(const BeamRecord& r, int materials, Matrix<std::int32_t> 
     }
 }
 
+/// Local axes of element e; the fatal path when its third node does not set them.
+LocalAxes axes_of(Matrix<const std::int32_t> el, Matrix<const double> x, int e) {
+    const Vec3 p1 = element_node(x, el(1, e));
+    const std::int32_t code = el(5, e);
+    Vec3 toward3{};
+    if (code >= 1)
+        toward3 = difference(element_node(x, code), p1);
+    else if (code >= -3 && code <= -1)
+        toward3[nth(-code)] = -1;
+    const LocalAxes axes = frame_axes(difference(element_node(x, el(2, e)), p1), toward3);
+    if (vector_length(axes[1]) == 0)
+        shutdown_with(" \n\tNode 3 of BEAM3D element number " + std::to_string(e) +
+                      " does not give the element's local axes\n");
+    return axes;
+}
+
+/// Checks nodes, lengths and third nodes, sets the lengths and stores the group code; the fatal
+/// path when one is not possible.
+void finish_beams() {
+    const ArrayRef nodes = find_array(xyz);
+    if (!nodes.is(type_real)) shutdown_with(" \n\tGlobal coordinates not found\n");
+    const auto el = as_matrix<std::int32_t>(find_array(beam3d_el));
+    check_element_nodes(title, el, 2);
+    const auto x = as_matrix<const double>(nodes);
+    const auto len = as_span<double>(find_array(beam3d_len));
+    for (int e = 1; e <= el.cols; ++e)
+        len[nth(e)] =
+            vector_length(difference(element_node(x, el(2, e)), element_node(x, el(1, e))));
+    require_finite(len, "the element lengths");
+    check_element_lengths(title, len);
+    for (int e = 1; e <= el.cols; ++e) {
+        if (el(5, e) >= 1) node_coordinates(el(5, e)); // must be defined
+        axes_of(el, x, e);
+    }
+    set_element_group(beam3d_slot, 1);
+}
+
 void read_beams() {
     const auto [m, n] = read_element_counts();
     if (!count_is_possible(title, m, 1) || !count_is_possible(title, n, 0)) return;
@@ -131,7 +157,9 @@ void read_beams() {
     for (const auto name : {beam3d_el, beam3d_mp, beam3d_len, beam3d_st, beam3d_trial, beam3d_kg})
         delete_array(name);
     create_int_scalar(beam3d_kg, kg ? 1 : 0);
-    read_beam_materials(m);
+    const auto mp = create_matrix<double>(beam3d_mp, m, beam3d_columns);
+    read_materials(mp, "Enter material data\n", beam3d_bad_material,
+                   [&](int number) { read_beam_material(mp, number); });
     Matrix<std::int32_t> el;
     Matrix<double> st;
     if (n > 0) {
@@ -142,7 +170,7 @@ void read_beams() {
     while (const auto record = next_beam_record())
         store_beam_record(*record, m, el, st);
     if (n > 0)
-        finish_beams(1);
+        finish_beams();
     else
         set_element_group(beam3d_slot, 0); // nothing to be processed until a cylinder is made
 }
@@ -196,22 +224,6 @@ double length_of(const BeamModel& m, int e) {
     return length;
 }
 
-/// Local axes of element e; the fatal path when its third node does not set them.
-FrameAxes axes_of(Matrix<const std::int32_t> el, Matrix<const double> x, int e) {
-    const Vec3 p1 = element_node(x, el(1, e));
-    const std::int32_t code = el(5, e);
-    Vec3 toward3{};
-    if (code >= 1)
-        toward3 = difference(element_node(x, code), p1);
-    else if (code >= -3 && code <= -1)
-        toward3[nth(-code)] = -1;
-    const FrameAxes axes = frame_axes(difference(element_node(x, el(2, e)), p1), toward3);
-    if (vector_length(axes[1]) == 0)
-        shutdown_with(" \n\tNode 3 of BEAM3D element number " + std::to_string(e) +
-                      " does not give the element's local axes\n");
-    return axes;
-}
-
 /// Stiffness in local axes, with the tension of the state when there is a geometric stiffness.
 SmallMatrix<12> local_stiffness(const BeamModel& m, Matrix<const double> st, int e) {
     const double length = length_of(m, e);
@@ -224,17 +236,6 @@ using BeamList = std::array<std::int32_t, 12>;
 
 // --- matrices -----------------------------------------------------------------------------------
 
-void beam_column_heights() {
-    const BeamModel m = open_beams();
-    const Equations equations = open_equations();
-    ColumnHeights heights = open_column_heights(equations);
-    BeamList list;
-    for (int e = 1; e <= m.el.cols; ++e) {
-        element_equations(equations, m.nodes(e), all_six, list);
-        add_column_heights(heights, list);
-    }
-}
-
 void beam_stiffness() {
     const BeamModel m = open_beams();
     const auto x = require_coordinates();
@@ -243,9 +244,9 @@ void beam_stiffness() {
     GlobalMatrix global = open_stiffness(equations);
     BeamList list;
     for (int e = 1; e <= m.el.cols; ++e) {
-        const FrameAxes axes = axes_of(m.el, x, e);
+        const LocalAxes axes = axes_of(m.el, x, e);
         element_equations(equations, m.nodes(e), all_six, list);
-        add_stiffness(global, list, frame_to_global(local_stiffness(m, st, e), axes).view());
+        add_stiffness(global, list, to_global(local_stiffness(m, st, e), axes).view());
     }
 }
 
@@ -293,12 +294,12 @@ void beam_trial_state() {
     BeamList list;
     std::array<double, 12> ue{};
     for (int e = 1; e <= m.el.cols; ++e) {
-        const FrameAxes axes = axes_of(m.el, x, e);
+        const LocalAxes axes = axes_of(m.el, x, e);
         element_equations(equations, m.nodes(e), all_six, list);
         element_displacements(u, list, ue);
-        const auto force = product(local_stiffness(m, st, e), frame_to_local(ue, axes));
+        const auto force = product(local_stiffness(m, st, e), to_local(ue, axes));
         std::ranges::copy(force, trial.col(e).begin());
-        add_internal_force(internal, list, frame_to_global(force, axes));
+        add_internal_force(internal, list, to_global(force, axes));
     }
 }
 
@@ -352,38 +353,26 @@ void print_beam_state(std::string_view array) {
     }
 }
 
-void export_beams() {
-    const auto el = element_matrix<std::int32_t>(beam3d_missing, beam3d_el, 6, any_size);
-    gmsh_write_elements(el, 6, 2, 1, std::array{99, 2});
-    gmsh_count_elements(largest_in_row(el, 6));
-}
-
 } // namespace
 
-// --- services of the generation -----------------------------------------------------------------
+// --- service of the generation ------------------------------------------------------------------
 
-void set_beam_tension(Matrix<double> st, int e, double tension) {
-    st(1, e) = 0 - tension;
-    st(7, e) = tension;
-}
-
-void finish_beams(int first) {
-    const ArrayRef nodes = find_array(xyz);
-    if (!nodes.is(type_real)) shutdown_with(" \n\tGlobal coordinates not found\n");
-    const auto el = as_matrix<std::int32_t>(find_array(beam3d_el));
-    check_element_nodes(title, el, 2);
-    const auto x = as_matrix<const double>(nodes);
-    const auto len = as_span<double>(find_array(beam3d_len));
-    for (int e = first; e <= el.cols; ++e)
-        len[nth(e)] =
-            vector_length(difference(element_node(x, el(2, e)), element_node(x, el(1, e))));
-    require_finite(len, "the element lengths");
-    check_element_lengths(title, len);
-    for (int e = first; e <= el.cols; ++e) {
-        if (el(5, e) >= 1) node_coordinates(el(5, e)); // must be defined
-        axes_of(el, x, e);
+void append_beams(std::span<const BeamElement> elements) {
+    const int extra = static_cast<int>(elements.size());
+    const auto el = append_columns<std::int32_t>(beam3d_el, 6, extra);
+    const auto st = append_columns<double>(beam3d_st, 12, extra);
+    create_matrix<double>(beam3d_len, el.cols, 0);
+    delete_array(beam3d_trial);
+    const int before = el.cols - extra;
+    const std::int32_t last_id = largest_in_row(el, 6);
+    for (int k = 1; k <= extra; ++k) {
+        const BeamElement& beam = elements[nth(k)];
+        const std::array row{beam.nodes[0], beam.nodes[1], beam.mat,
+                             beam.print,    beam.node3,    last_id + k};
+        std::ranges::copy(row, el.col(before + k).begin());
+        set_beam_tension(st, before + k, beam.tension);
     }
-    set_element_group(beam3d_slot, 1);
+    finish_beams();
 }
 
 // --- protocol -----------------------------------------------------------------------------------
@@ -394,7 +383,7 @@ void beam3d_element(Request request) {
     case Task::input:
         return has_flag(" -cylinder") ? generate_cylinder() : read_beams();
     case Task::column_heights:
-        return beam_column_heights();
+        return add_all_column_heights(open_beams().el, 2, all_six);
     case Task::connectivity:
         return elem_conn0(element_matrix<std::int32_t>(beam3d_missing, beam3d_el, 6, any_size), 2);
     case Task::stiffness:
@@ -416,8 +405,6 @@ void beam3d_element(Request request) {
         return print_beam_state(beam3d_st);
     case Task::print_trial_state:
         return print_beam_state(trial_or_state(beam3d_trial, beam3d_st));
-    case Task::mesh_export:
-        return export_beams();
     default:
         return; // no work for a beam
     }

@@ -1,7 +1,7 @@
 // `beam3d`, the linear two-node beam in space (slot 3).
 #pragma once
 
-#include "fem/elemutil.hpp"
+#include "fem/export_to_gmsh.hpp"
 #include "numeric/vectors.hpp"
 
 namespace quelor {
@@ -41,15 +41,24 @@ enum Beam3dColumn {
 };
 inline constexpr int beam3d_columns = 19;
 inline constexpr std::string_view beam3d_missing = " \n\tBEAM3D element information not found\n";
+inline constexpr ElementTable beam3d_table{.name = beam3d_el,
+                                           .missing = beam3d_missing,
+                                           .nodes = 2,
+                                           .gmsh_type = gmsh_line,
+                                           .number_row = 6};
 inline constexpr std::string_view beam3d_none = " \n\tNo BEAM3D element information found\n";
 inline constexpr std::string_view beam3d_bad_material =
     " \n\tBEAM3D material number out of range\n";
 
-/// The input tension fills both ends.
-void set_beam_tension(Matrix<double> st, int e, double tension);
-/// Checks nodes, lengths and third nodes of the elements from `first` on, sets their lengths, and
-/// stores the group code. The fatal path when one is not possible.
-void finish_beams(int first);
+/// An element to be appended.
+struct BeamElement {
+    std::array<std::int32_t, 2> nodes{};
+    std::int32_t mat = 0, print = 0, node3 = 0;
+    double tension = 0;
+};
+/// Appends elements; their ID numbers follow the largest one in use. Nodes, lengths and third nodes
+/// are checked as by the input.
+void append_beams(std::span<const BeamElement> elements);
 /// `beam3d -cylinder`: beams along an axis, a skin of `interface` elements around them, and the
 /// rigid links between their nodes.
 void generate_cylinder();

@@ -1,11 +1,17 @@
 // The element table: one row a slot. Nothing else in the program spells the names of the elements.
 #include "elements/beam3d.hpp"
+#include "elements/cable.hpp"
 #include "elements/interface_elem.hpp"
+#include "elements/min3s.hpp"
+#include "elements/min4t.hpp"
+#include "elements/min5s.hpp"
+#include "elements/min6.hpp"
 #include "elements/nbeam2d.hpp"
 #include "elements/truss.hpp"
 #include "fem/elemutil.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_panel.hpp"
+#include "hydro_response/mooring_cable.hpp"
 
 #include <algorithm>
 
@@ -18,25 +24,38 @@ static constexpr ElementRow planned(int slot, std::string_view alias, std::strin
             .kind = kind,
             .routine = nullptr,
             .help = {},
-            .print_help = {}};
+            .print_help = {},
+            .table = {}};
 }
 static constexpr ElementRow unused(int slot) {
     return planned(slot, {}, "unused");
 }
 
+/// A type that takes no part in nonlinear solutions.
+static constexpr ElementRow without_forces(ElementRow row) {
+    row.internal_forces = false;
+    return row;
+}
+
 std::span<const ElementRow, element_slots> element_rows() {
     static const std::array<ElementRow, element_slots> rows{{
-        {1, "ntruss", "large displacement truss", ntruss_element, ntruss_help(), pntruss_help()},
+        {1, "ntruss", "large displacement truss", ntruss_element, ntruss_help(), pntruss_help(),
+         drawn_truss(ntruss_kind)},
         planned(2, "spring", "nonlinear, elastic spring"),
-        {3, "beam3d", "linear, 3-D beam", beam3d_element, beam3d_help(), pbeam3d_help()},
+        {3, "beam3d", "linear, 3-D beam", beam3d_element, beam3d_help(), pbeam3d_help(),
+         beam3d_table},
         {4, "nbeam2d", "large displacement, elastic 2D beam", nbeam2d_element, nbeam2d_help(),
          pnbeam2d_help()},
-        planned(5, "cable", "elastic catenary cable"),
+        {5, "cable", "elastic catenary cable", cable_element, cable_help(), pcable_help(),
+         cable_table},
         planned(6, "d2l3to9", "2-D, linear elastic"),
         planned(7, "d2ltri", "2-D, linear elastic triangular"),
-        planned(8, "min3s", "Mindlin 3-D triangular, linear shell"),
-        planned(9, "min5s", "Mindlin 3-D quadrilateral, linear shell"),
-        planned(10, "min4t", "quadrilateral, linear, Mindlin shell"),
+        without_forces({8, "min3s", "Mindlin 3-D triangular, linear shell", min3s_element,
+                        min3s_help(), pmin3s_help(), min3s_table}),
+        without_forces({9, "min5s", "Mindlin 3-D quadrilateral, linear shell", min5s_element,
+                        min5s_help(), pmin5s_help(), min5s_table}),
+        without_forces({10, "min4t", "quadrilateral, linear, Mindlin shell", min4t_element,
+                        min4t_help(), pmin4t_help(), min4t_table}),
         planned(11, "d1l234", "1-D, linear, elastic"),
         planned(12, "smth1q", "1-D quadratic smoothing"),
         planned(13, "smth1c", "1-D cubic smoothing"),
@@ -51,22 +70,26 @@ std::span<const ElementRow, element_slots> element_rows() {
         planned(22, "biot1d234", "1-D element for linear, elastic consolidation"),
         planned(23, "d1l234v2", "1-D, linear, elastic, v.2"),
         planned(24, "biot2d3to9", "2-D element for linear, elastic consolidation"),
-        planned(25, "min6", "linear, triangular Mindlin plate"),
-        planned(26, "isomin6", "linear, triangular Mindlin plate"),
+        without_forces({25, "min6", "linear, triangular Mindlin plate", min6_element, min6_help(),
+                        pmin6_help(), min6_table}),
+        without_forces({26, "isomin6", "linear, triangular Mindlin plate", isomin6_element,
+                        isomin6_help(), pisomin6_help()}),
         planned(27, "iFEM2D", "2-D, 3 to 9 node element for nonlinear iFEM"),
         {28, "interface", "quadrilateral (and triangular) interface", interface_element,
-         interface_help(), pinterface_help()},
-        {29, "truss", "linear truss", truss_element, truss_help(), ptruss_help()},
+         interface_help(), pinterface_help(), interface_table},
+        {29, "truss", "linear truss", truss_element, truss_help(), ptruss_help(),
+         drawn_truss(truss_kind)},
         planned(30, "stiff2n", "linear elastic 2-node stiffness"),
-        planned(31, "shell3",
-                "Mindlin 3-D triangular, linear shell with membrane and shear relaxations"),
+        without_forces({31, "shell3", "Mindlin triangular, linear flat shell", shell3_element,
+                        shell3_help(), pshell3_help()}),
         unused(32),
         unused(33),
         unused(34),
         unused(35),
         {36, "hyd_panel", "hydrodynamic panel", hyd_panel_element, hyd_panel_help(),
          phyd_panel_help()},
-        planned(37, "hyd_mooring_line", "mooring line"),
+        {37, "hyd_mooring_line", "mooring line", hyd_mooring_line_element, hyd_mooring_line_help(),
+         phyd_mooring_line_help()},
         {38, "hyd_surf_panel", "free surface panel", hyd_surf_panel_element, hyd_surf_panel_help(),
          phyd_surf_panel_help()},
         unused(39),

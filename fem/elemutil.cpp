@@ -3,6 +3,7 @@
 #include "fem/elemutil.hpp"
 
 #include "fem/assembly.hpp"
+#include "fem/export_to_gmsh.hpp"
 #include "fem/nodes.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
@@ -24,8 +25,17 @@ void set_element_group(int slot, int code) {
     as_span<std::int32_t>(find_array(elem_grp))[nth(slot)] = code;
 }
 
+Matrix<const std::int32_t> require_elements(const ElementTable& table) {
+    const ArrayRef ref = find_array(table.name);
+    const int rows = std::max({table.nodes, table.number_row, table.face_row});
+    if (!ref.is(type_integer) || ref.ndim() > 2 || ref.rows() < rows) shutdown_with(table.missing);
+    return as_matrix<const std::int32_t>(ref);
+}
+
 void call_element(int slot, Request request) {
     const ElementRow& row = element_rows()[nth(slot)];
+    if (row.table.gmsh_type != 0 && task_of(request) == Task::mesh_export)
+        return gmsh_write_elements(row.table);
     if (row.routine) return row.routine(request);
     // The backslashes of this text are characters of it.
     if (row.alias.empty()) return print_both(" \\nElement is unused.\\n");
@@ -60,6 +70,16 @@ void elem_call(Request request, int source) {
     if (source == 0 && task_of(request) == Task::column_heights) constraint_column_heights();
 }
 
+void name_types_without_forces() {
+    const ArrayRef ref = find_array(elem_grp);
+    if (!ref.is(type_integer) || ref.size() != element_slots) return;
+    const auto codes = as_span<std::int32_t>(ref);
+    for (const ElementRow& row : element_rows())
+        if (codes[nth(row.slot)] != 0 && !row.internal_forces)
+            print_both(" \n\tElements of type " + std::string(row.alias) +
+                       " form no internal forces and do not resist the loads of nsolve\n");
+}
+
 static void cmd_elem_grp(std::string_view) {
     std::int32_t slot = 0;
     std::int32_t code = 0;
@@ -72,16 +92,6 @@ static void cmd_elem_grp(std::string_view) {
 // --- nodes of elements --------------------------------------------------------------------------
 
 namespace {
-
-void put_coordinates(Matrix<const double> x, std::span<const std::int32_t> nodes, double* out,
-                     std::ptrdiff_t node_step, std::ptrdiff_t axis_step) {
-    for (const std::int32_t n : nodes) {
-        if (n > x.cols) shutdown_with(" \n\tNode number out of range\n");
-        for (int axis = 0; axis < 3; ++axis)
-            out[axis * axis_step] = n < 1 ? 0 : x(axis + 1, n);
-        out += node_step;
-    }
-}
 
 void check_nodes(std::string_view name, Matrix<const std::int32_t> el, int nodes, int lowest) {
     const int highest = get_int(num_nodes);
@@ -114,16 +124,6 @@ void check_nodes(std::string_view name, Matrix<const std::int32_t> el, int nodes
 }
 
 } // namespace
-
-void element_coordinates(Matrix<const double> x, std::span<const std::int32_t> nodes,
-                         Matrix<double> out) {
-    put_coordinates(x, nodes, out.data, 3, 1);
-}
-
-void element_coordinates_transposed(Matrix<const double> x, std::span<const std::int32_t> nodes,
-                                    Matrix<double> out) {
-    put_coordinates(x, nodes, out.data, 1, out.rows);
-}
 
 void check_element_nodes(std::string_view name, Matrix<const std::int32_t> el, int nodes) {
     check_nodes(name, el, nodes, 0);

@@ -3,12 +3,14 @@
 
 #include <algorithm>
 
+#include "numeric/blas_memory.hpp"
 #include "numeric/lapack.hpp"
 #include "numeric/vecmath.hpp"
 
 namespace quelor {
 
 int csolve_factor_sp(Matrix<Complex4> a, std::span<std::int32_t> ipiv) {
+    require_blas_memory();
     std::int32_t info = 0;
     cgetrf_(&a.rows, &a.rows, a.data, &a.rows, ipiv.data(), &info);
     return info;
@@ -22,6 +24,7 @@ void csolve_solve_sp(Matrix<const Complex4> a, Matrix<Complex4> b,
 }
 
 int csolve_factor(Matrix<Complex8> a, std::span<std::int32_t> ipiv) {
+    require_blas_memory();
     std::int32_t info = 0;
     zgetrf_(&a.rows, &a.rows, a.data, &a.rows, ipiv.data(), &info);
     return info;

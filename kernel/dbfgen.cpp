@@ -2,6 +2,8 @@
 // Knows nothing of commands or the console; the wrappers that print are in arrays.cpp.
 #include "kernel/dbfgen.hpp"
 
+#include "kernel/memory.hpp"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -9,7 +11,6 @@
 #include <map>
 #include <new>
 #include <sys/mman.h>
-#include <sys/sysinfo.h>
 #include <utility>
 #include <vector>
 
@@ -93,13 +94,10 @@ std::uint64_t checked_byte_size(std::int32_t type, std::span<const std::int32_t>
     return bytes;
 }
 
-/// Whether a block would make the database larger than the memory of the machine. The system grants
-/// pages before it has them and ends a program that then uses them; a creation that fails is told.
+/// Whether a block would take more memory than there is. The system grants pages before it has them
+/// and ends a program that then uses them; a creation that fails is told.
 bool exceeds_memory(std::uint64_t bytes) {
-    struct sysinfo machine {};
-    if (bytes < huge_pages_from || sysinfo(&machine) != 0) return false;
-    const std::uint64_t memory = (machine.totalram + machine.totalswap) * machine.mem_unit;
-    return bytes > memory || db_memory() > memory - bytes;
+    return bytes >= checked_memory_from && bytes > available_memory();
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "numeric/blas_memory.hpp"
 #include "numeric/lapack.hpp"
 #include "numeric/vecmath.hpp"
 
@@ -17,10 +18,12 @@ struct Factors {
 
 void gemm(const Factors& f, double alpha, const double* a, const double* b, double beta,
           double* c) {
+    require_blas_memory();
     dgemm_(f.op, "N", &f.m, &f.n, &f.k, &alpha, a, &f.lda, b, &f.ldb, &beta, c, &f.ldc, 1, 1);
 }
 void gemm(const Factors& f, Complex8 alpha, const Complex8* a, const Complex8* b, Complex8 beta,
           Complex8* c) {
+    require_blas_memory();
     zgemm_(f.op, "N", &f.m, &f.n, &f.k, &alpha, a, &f.lda, b, &f.ldb, &beta, c, &f.ldc, 1, 1);
 }
 

@@ -18,7 +18,7 @@ struct Mesh {
     std::vector<double> xyzc, n, area;
     std::vector<std::int32_t> list;
 
-    WetPanels view() {
+    PanelMesh view() {
         const int np = static_cast<int>(added.size());
         for (auto* const v : {&xyzc, &n, &area, &xyzc})
             v->clear();
@@ -67,7 +67,7 @@ Mesh box_mesh(const Box& b) {
 constexpr double rho = 1025, grav = 9.80665;
 
 std::array<double, 36> stiffness(Mesh mesh, const BodyFrame& frame, double zcg) {
-    const WetPanels panels = mesh.view();
+    const PanelMesh panels = mesh.view();
     const Reflection self{1, 1};
     return rigid_stiffness(waterplane_sums(panels, mesh.list, frame, {&self, 1}), zcg, rho, grav);
 }
@@ -114,7 +114,7 @@ TEST(Hydrostatics, stiffness_is_the_work_of_the_pressure_in_the_rigid_modes) {
     for (int p = 0; p < 9; ++p)
         mesh.added.push_back({9 * value(random), 4 * value(random), -2 + value(random),
                               value(random), value(random), value(random), 2 + value(random)});
-    const WetPanels panels = mesh.view();
+    const PanelMesh panels = mesh.view();
     const BodyFrame frame = body_frame(0.3, 0.7, -2, 35);
     for (const int p : mesh.list) {
         const BodyPoint point = body_point(panels, p, frame);
@@ -135,7 +135,7 @@ TEST(Hydrostatics, stiffness_is_the_work_of_the_pressure_in_the_rigid_modes) {
 TEST(Hydrostatics, normals_are_the_nodal_motion_of_the_panel_centre_along_the_normal) {
     Mesh mesh;
     mesh.added = {{3, -2, -1.5, 0.48, -0.6, 0.64, 1}, {-4, 1, -0.2, 0, 0.8, 0.6, 1}};
-    const WetPanels panels = mesh.view();
+    const PanelMesh panels = mesh.view();
     const BodyFrame frame = body_frame(0.3, 0.7, -2, 35);
     for (const int p : mesh.list) {
         const auto& q = mesh.added[static_cast<std::size_t>(p - 1)];
@@ -153,7 +153,7 @@ TEST(Hydrostatics, normals_are_the_nodal_motion_of_the_panel_centre_along_the_no
 
 TEST(Hydrostatics, the_three_projections_give_the_volume_and_its_centre) {
     Mesh mesh = box_mesh({-2, 10, -3, 4, 5});
-    const WetPanels panels = mesh.view();
+    const PanelMesh panels = mesh.view();
     const VolumeSums sums = volume_sums(panels, mesh.list);
     const double volume = 12 * 7 * 5;
     const std::array<double, 3> centre{4, 0.5, -2.5};
