@@ -149,6 +149,8 @@ TEST(RankineIntegral, has_the_closed_form_at_the_centre_of_a_square) {
     EXPECT_NEAR(ggnsing({1, 1, -1 + 1e-7}, square).gradient[2], -2 * pi, 1e-6) << "from the fluid";
     EXPECT_NEAR(ggnsing({1, 1, -1 - 1e-7}, square).gradient[2], 2 * pi, 1e-6) << "from the body";
     EXPECT_EQ(ggnsing({2.1, 1, -1}, square).gradient[2], 0);
+    for (const Vec3& border : {Vec3{0, 0.5, -1}, {1, 2, -1}, {2, 2, -1}}) // belongs to the panel
+        EXPECT_EQ(ggnsing(border, square).gradient[2], -2 * pi);
 }
 
 TEST(RankineIntegral, of_an_image_is_that_of_the_mirrored_corners) {

@@ -125,6 +125,7 @@ TEST_F(HydFatal, mode_commands_stop_with_the_message_of_what_does_not_fit) {
     create_matrix<std::int32_t>(".node_eqs", 6, 4)(1, 1) = 1;
     create_int_scalar(".#eqs", 3);
     expect_fatal({shapes.before, shapes.command, "", "mode shapes has too few columns"});
+    create_matrix<std::int32_t>(hyd_paneltype, 1, 0);
     for (const auto name : {hyd_xr, hyd_yr, hyd_zr})
         create_matrix<double>(name, 1, 4);
     expect_fatal(
