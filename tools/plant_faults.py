@@ -24,13 +24,14 @@ import argparse
 import os
 import pathlib
 import re
+import resource
 import shutil
 import subprocess
 import sys
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-TIME_LIMIT = 300  # seconds for a test program: a fault may well make it run for ever
+TIME_LIMIT = 120  # seconds of processor time for a test: a fault may well make it run for ever
 
 
 class Fault:
@@ -122,15 +123,16 @@ class Copy:
             if problem:
                 raise RuntimeError(problem)
             built.add(target)
-            try:
-                done = subprocess.run(["nice", *command], cwd=self.build, capture_output=True,
-                                      timeout=TIME_LIMIT, check=False)
-            except subprocess.TimeoutExpired:
-                return f"{called(command)} (no end)"
+            done = subprocess.run(["nice", *command], cwd=self.build, capture_output=True, check=False,
+                                  stdin=subprocess.DEVNULL, preexec_fn=limit_time)
             if done.returncode:
                 failed = re.search(rb"\[  FAILED  \] ([\w./]+)", done.stdout)
                 return called(command) + (" " + failed[1].decode() if failed else "")
         return ""
+
+
+def limit_time():
+    resource.setrlimit(resource.RLIMIT_CPU, (TIME_LIMIT, TIME_LIMIT))
 
 
 def called(command):

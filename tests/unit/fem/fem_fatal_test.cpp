@@ -51,6 +51,9 @@ protected:
 
 TEST_F(FemFatal, nodes_dofs_and_patterns_out_of_range) {
     const Fault faults[] = {
+        {{}, "nodes #=3", "1e300 0 0 0\n", "Invalid node number"},
+        {{}, "nodes", "n=6 x=2\n", "Node number out of range"},
+        {{}, "nodes", "n=2 x=nan\n", "Coordinates of node 2 are not finite numbers"},
         {{}, "mass", "n=3 m=1\n", "Illegal assignment of mass to inactive node"},
         {{}, "mass", "n=-2147483648 m=1\n", "Illegal assignment of mass"},
         {{}, "mass", "n=1 m=nan\n", "not a finite number"},

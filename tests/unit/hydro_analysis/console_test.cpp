@@ -3,6 +3,7 @@
 
 #include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
+#include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
 
 #include <cmath>
@@ -15,14 +16,18 @@ namespace {
 class AnalysisCommand : public Session {
 protected:
     /// One frequency of 1.5 rad/s at 60 degrees in a depth of 5: K h = 1.15, k h = 1.32.
+    static std::string analysis(const std::string& parameters, const std::string& modes,
+                                const std::string& options = {}) {
+        return "hyd_parameters h=5 symmetry=1 " + parameters +
+               "\nhyd_coordaxs\nhyd_wave -freq\n60\n1.5\nhyd_nodes #=8\n1 -2\n2 -2 1\n3 -2 0 -1\n"
+               "4 -2 1 -1\n5 2\n6 2 1\n7 2 0 -1\n8 2 1 -1\n\n"
+               "hyd_panel n=4\n1 3 7 8 4\n2 4 8 6 2\n3 7 5 6 8\n4 3 4 2 1\n\n" +
+               modes + "\nhyd_analysis " + options + "\n";
+    }
     static void analyse(const std::string& parameters, const std::string& modes,
                         const std::string& options = {}) {
         db_clear();
-        type("hyd_parameters h=5 symmetry=1 " + parameters +
-             "\nhyd_coordaxs\nhyd_wave -freq\n60\n1.5\n"
-             "hyd_nodes #=8\n1 -2\n2 -2 1\n3 -2 0 -1\n4 -2 1 -1\n5 2\n6 2 1\n7 2 0 -1\n8 2 1 -1\n\n"
-             "hyd_panel n=4\n1 3 7 8 4\n2 4 8 6 2\n3 7 5 6 8\n4 3 4 2 1\n\n" +
-             modes + "\nhyd_analysis " + options + "\n");
+        type(analysis(parameters, modes, options));
     }
     static std::vector<Complex8> potentials(std::string_view name) {
         const auto all = as_span<Complex8>(find_array(name));
@@ -62,6 +67,27 @@ TEST_F(AnalysisCommand, as_many_iterations_as_panels_give_the_direct_solution) {
     analyse("", "hyd_rigid_modes\nzeroc .hyd_iter_work r=4 c=9", "tol=1e-6");
     for (std::size_t i = 0; i < 6; ++i) // the matrices have single precision
         EXPECT_NEAR(std::abs(potentials(hyd_fd)[i] - direct[i]), 0, 1e-5 * std::abs(direct[2]));
+}
+
+TEST_F(AnalysisCommand, what_cannot_be_solved_takes_the_fatal_path) {
+    testing::FLAGS_gtest_death_test_style = "fast";
+    set_project_name("job");
+    const std::string rigid = "hyd_rigid_modes\n";
+    const std::array<std::string, 3> faults[] = {
+        {rigid, "#added_freqs=1001", "A maximum of 1000 frequencies can be added"},
+        {rigid, "#added_freqs=1\n.5", "Cannot add frequencies without first running"},
+        {rigid + "hyd_analysis", "#added_freqs=2 -periods\n5 0", "must be greater than 0"},
+        {rigid + "hyd_analysis", "#added_freqs=1 -source\n.5", "opening source strength files"},
+        {rigid + "zeroc .hyd_iter_work r=4 c=8", "tol=1e-6", "needs at least 9 columns"},
+        {rigid + "zeroc .hyd_iter_work r=4 c=9", "tol=1e-30", "Iterative solver did not converge"},
+        {rigid + "hyd_panel n=5\n1 3 7 8 4\n2 4 8 6 2\n3 7 5 6 8\n4 3 4 2 1\n5 3 4 2 1\n\n" + rigid,
+         "", "panel equations have no finite solution"},
+        {rigid + "zeroi .hyd_modesym r=6 v=3", "", "Symmetry code error in .hyd_modesym"},
+        {rigid + "hyd_analysis\nzero .hyd_addm r=6 c=5 t=1", "#added_freqs=1\n2",
+         ".hyd_addm of the earlier analysis does not fit"}};
+    for (const auto& [modes, options, message] : faults)
+        EXPECT_EXIT((detach(), give_input(analysis("", modes, options)), obey()),
+                    testing::ExitedWithCode(0), message);
 }
 
 } // namespace quelor

@@ -65,6 +65,7 @@ TEST_F(HydFatal, control_input_out_of_range_stops_with_its_message) {
         {{}, "hyd_parameters kh=9", "", "A positive water depth must be given"},
         {{}, "hyd_parameters h=nan", "", "A positive water depth must be given"},
         {{}, "hyd_parameters h=9 grav=0", "", "grav and rho must be greater than 0"},
+        {{}, "hyd_parameters h=9 gauge=nan", "", "gauge and hdamp must be numbers"},
         {{}, "hyd_coordaxs", "", ".hyd_nbodies not found"},
         {{start}, "hyd_coordaxs body=3", "", "Body number > number of bodies"},
         {{start}, "hyd_coordaxs xb=inf", "", "Coordinates and angles must be numbers"},
@@ -118,6 +119,18 @@ TEST_F(HydFatal, mode_commands_stop_with_the_message_of_what_does_not_fit) {
     };
     for (const Fault& fault : faults)
         expect_fatal(fault);
+    create_matrix<double>("shapes", 3, 6);
+    const Fault shapes{{one, axes, rigid}, "hyd_flex_modes shapes", "", ".node_eqs, not found"};
+    expect_fatal(shapes);
+    create_matrix<std::int32_t>(".node_eqs", 6, 4)(1, 1) = 1;
+    create_int_scalar(".#eqs", 3);
+    expect_fatal({shapes.before, shapes.command, "", "mode shapes has too few columns"});
+    for (const auto name : {hyd_xr, hyd_yr, hyd_zr})
+        create_matrix<double>(name, 1, 4);
+    expect_fatal(
+        {{one, axes, rigid}, "hyd_flex_modes", "7 0 0\n\n", "Nodes of a panel out of range"});
+    create_matrix<double>(hyd_psi, 6, 7);
+    expect_fatal({{one}, "hyd_genmodes", "", "hyd_psi must be \\(nmode,nmode\\)"});
     create_matrix<double>(hyd_psi, 7, 7);
     create_matrix<double>(hyd_mstr, 6, 7);
     expect_fatal({{one}, "hyd_genmodes", "", "hyd_mstr must be \\(nmode,nmode\\)"});

@@ -1,3 +1,0 @@
-box
-filein box.txt -noecho
-hyd_analysis #added_freqs=1001
