@@ -53,11 +53,20 @@ void batch(benchmark::State& state) {
     report(state);
 }
 
+void values(benchmark::State& state) {
+    Points points(state);
+    for (auto _ : state) {
+        deep_wave_values(points.R, points.Z, points.terms().re, points.terms().im);
+        benchmark::ClobberMemory();
+    }
+    report(state);
+}
+
 void images(benchmark::State& state) {
     Points points(state);
     const WaveTerms t = points.terms();
     for (auto _ : state) {
-        deep_images(points.R, points.Z, true, t.f1, t.f2, t.f3);
+        deep_images(points.R, points.Z, true, t.re, t.re_R, t.re_1);
         benchmark::ClobberMemory();
     }
     report(state);
@@ -68,15 +77,15 @@ void plain_loop(benchmark::State& state) {
     const WaveTerms t = points.terms();
     for (auto _ : state) {
         for (std::size_t i = 0; i < points.R.size(); ++i) {
-            const auto f = infred_f(points.R[i], points.Z[i], 2);
+            const auto f = infred_f(points.R[i], points.Z[i], SurfaceTerms::none);
             const auto b = spfn_bessel(points.R[i]);
             const double wave = 2 * std::numbers::pi * std::exp(-points.Z[i]);
-            t.f1[i] = f.F;
-            t.f2[i] = f.Fr;
-            t.f3[i] = t.f7[i] = f.Fz;
-            t.g1[i] = -wave * b.j0;
-            t.g2[i] = wave * b.j1;
-            t.g3[i] = t.g7[i] = wave * b.j0;
+            t.re[i] = f.F;
+            t.re_R[i] = f.Fr;
+            t.re_1[i] = t.re_2[i] = f.Fz;
+            t.im[i] = -wave * b.j0;
+            t.im_R[i] = wave * b.j1;
+            t.im_1[i] = t.im_2[i] = wave * b.j0;
         }
         benchmark::ClobberMemory();
     }
@@ -95,5 +104,6 @@ void sizes(benchmark::internal::Benchmark* b) {
 } // namespace
 
 BENCHMARK(batch)->Apply(sizes);
+BENCHMARK(values)->Apply(sizes);
 BENCHMARK(images)->Apply(sizes);
 BENCHMARK(plain_loop)->Apply(sizes);

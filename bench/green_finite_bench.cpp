@@ -52,14 +52,27 @@ void batch(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * points);
 }
 
+void values(benchmark::State& state) {
+    const double h = 1.5;
+    const DepthCache cache = prepare_depth(h);
+    const Band p = band(state, h);
+    std::vector<double> re(points), im(points);
+    for (auto _ : state) {
+        finite_wave_values(p.R, p.d1, p.d2, cache, re.data(), im.data());
+        benchmark::DoNotOptimize(re.data());
+    }
+    state.SetItemsProcessed(state.iterations() * points);
+}
+
 void scalar(benchmark::State& state) {
     const double h = 1.5;
     DepthCache cache = prepare_depth(h);
     const Band p = band(state, h);
-    std::array<Complex8, 8> f;
+    GreenValue f;
     for (auto _ : state)
         for (std::size_t i = 0; i < points; ++i) {
-            benchmark::DoNotOptimize(finred_f(p.R[i], p.d1[i], p.d2[i], h, 2, 1, cache, f));
+            benchmark::DoNotOptimize(finred_f(p.R[i], p.d1[i], p.d2[i], h, SurfaceTerms::none,
+                                              BottomTerm::removed, cache, f));
             benchmark::DoNotOptimize(f);
         }
     state.SetItemsProcessed(state.iterations() * points);
@@ -71,6 +84,7 @@ void setup_of_a_depth(benchmark::State& state) {
 }
 
 BENCHMARK(batch)->Args({0, 5})->Args({5, 6})->Args({5, 10})->Args({10, 20})->Args({20, 100});
+BENCHMARK(values)->Args({0, 5})->Args({5, 6})->Args({5, 10})->Args({10, 20})->Args({20, 100});
 BENCHMARK(scalar)->Args({0, 5})->Args({5, 6})->Args({5, 10})->Args({10, 20})->Args({20, 100});
 BENCHMARK(setup_of_a_depth)->Arg(1)->Arg(15)->Arg(100);
 

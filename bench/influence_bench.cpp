@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "hydro_analysis/influence.hpp"
+#include "hydro_analysis/influence_field.hpp"
 #include "hydro_analysis/symmetry.hpp"
 #include "tests/support/panel_arrays.hpp"
 
@@ -22,25 +23,19 @@ double seconds() { // of processor time
 
 // Seconds a pair and image by one call of ggn each.
 double scalar_time(const PanelMesh& mesh, const InfluenceParameters& p) {
-    const int np = mesh.xyzc.rows, ns = image_count(p.symmetry);
-    const double hnd = p.K * p.depth;
-    const GreenWater water = {hnd, p.deep_water_limit >= hnd ? hnd : -1};
+    const int np = mesh.np(), ns = image_count(p.symmetry);
     DepthCache cache;
     std::vector<SourcePanel> sources;
     for (int i = 1; i <= np; ++i)
-        sources.push_back(source_panel(mesh, i, p.K, p.gauge));
+        sources.push_back(source_panel(mesh.panel(i), p.K, p.gauge));
     int count = 0;
     const double start = seconds();
     for (std::ptrdiff_t pair = 0; pair < std::ptrdiff_t{np} * np; pair += 97) {
         const int i = static_cast<int>(pair / np), j = static_cast<int>(pair % np) + 1;
-        const FieldPoint field = {
-            {p.K * mesh.xyzc(j, 1), p.K * mesh.xyzc(j, 2), p.K * mesh.xyzc(j, 3)},
-            {mesh.n(1, j), mesh.n(2, j), mesh.n(3, j)}};
-        for (int m = 1; m <= ns; ++m, ++count) {
-            const PanelSource source = {sources[static_cast<std::size_t>(i)],
-                                        image_sign_x(p.symmetry, m), image_sign_y(p.symmetry, m)};
-            benchmark::DoNotOptimize(ggn(field, source, water, cache));
-        }
+        const Vec3 at = scaled(mesh.centroid(j), p.K), n = mesh.normal(j);
+        for (int m = 1; m <= ns; ++m, ++count)
+            benchmark::DoNotOptimize(
+                ggn(at, n, sources[as_size(i)], reflection_of(p.symmetry, m), p.water(), cache));
     }
     return (seconds() - start) / count;
 }
@@ -75,8 +70,38 @@ void influence(benchmark::State& state) {
     state.counters["ratio"] = plain / each;
 }
 
+// The same of the free points of a square of the surface, 400 m wide, for comparison with the
+// matrices: potential alone, each point its own evaluation.
+void field(benchmark::State& state) {
+    const int symmetry = static_cast<int>(state.range(0));
+    const double depth = static_cast<double>(state.range(1));
+    const auto mesh = test::hemisphere_mesh(radius, rows, columns, symmetry);
+    const InfluenceParameters p = {K, depth, 10, 2.5, symmetry};
+    std::vector<Vec3> points;
+    for (int i = 0; i < 45; ++i)
+        for (int j = 0; j < 45; ++j)
+            points.push_back({-200 + 400.0 / 44 * i, -200 + 400.0 / 44 * j, 0});
+    DepthCache cache;
+    double total = 0;
+    int runs = 0;
+    for (auto _ : state) {
+        const double start = seconds();
+        benchmark::DoNotOptimize(
+            field_influence(mesh.view(), points, p, cache,
+                            [](int, auto alpha) { benchmark::DoNotOptimize(alpha[0](1, 1)); }));
+        total += seconds() - start;
+        ++runs;
+    }
+    const double pairs = static_cast<double>(points.size() * mesh.count()) * image_count(symmetry);
+    state.counters["ns_per_pair"] = total / (pairs * runs) * 1e9;
+}
+
 } // namespace
 
+BENCHMARK(field)
+    ->ArgNames({"symmetry", "depth"})
+    ->ArgsProduct({{0, 2}, {1000, 30}})
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(influence)
     ->ArgNames({"symmetry", "depth"})
     ->ArgsProduct({{0, 2}, {1000, 30}})

@@ -24,9 +24,11 @@ namespace {
 
 // --- starting vectors ----------------------------------------------------------------------------
 
+constexpr std::int64_t first_seed = 1;
+
 /// The last number of the random series, which goes on from run to run.
 std::int64_t& random_state() {
-    static std::int64_t x = 1;
+    static std::int64_t x = first_seed;
     return x;
 }
 
@@ -253,6 +255,10 @@ void set_start_vectors(const EigvalOptions& options, const Pencil& pencil, Matri
 }
 
 } // namespace
+
+void reset_random_series() {
+    random_state() = first_seed;
+}
 
 bool iterate_subspace(const EigvalOptions& options, const Pencil& pencil, Matrix<double> x,
                       std::span<double> lambda) {

@@ -14,8 +14,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numbers>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -23,7 +21,6 @@ namespace quelor {
 
 namespace {
 
-constexpr std::int32_t most_steps = 100'000; // more is a slip of the pen
 constexpr std::int32_t not_given = std::numeric_limits<std::int32_t>::min();
 
 /// Elements that will write their lines: those of the active types.
@@ -70,8 +67,7 @@ ShapeRequest read_shape_request() {
 
 /// Columns and steps of the request; false after a message.
 bool choose_cases(ShapeRequest& request, Shapes& shapes) {
-    if (request.steps != not_given && (request.steps < 1 || request.steps > most_steps))
-        return print_both(" \n\tNumber of steps must be in the range 1 to 100000\n"), false;
+    if (request.steps != not_given && !gmsh_steps_in_range(request.steps)) return false;
     if (request.steps != not_given && request.case_number == not_given) {
         print_both(" \n\tCase to animate is not specified, but steps is specified");
         print_both(" \n\tSetting case to 1");
@@ -91,22 +87,11 @@ bool choose_cases(ShapeRequest& request, Shapes& shapes) {
 
 /// Times of the columns or frames, 1, 2, ... by default; false after a message.
 bool choose_times(const ShapeRequest& request, Shapes& shapes) {
-    const int count = shapes.steps > 0 ? shapes.steps : shapes.u.cols;
-    if (request.times.empty()) {
-        for (int i = 1; i <= count; ++i)
-            shapes.times.push_back(i);
-        return true;
-    }
-    const ArrayRef ref = find_array_2d(request.times);
-    if (!ref.is(type_real)) return print_both(" \n\tVector with \"times\" not found\n"), false;
-    if (ref.size() != count)
-        return print_both(shapes.steps > 0
-                              ? " \n\tSize of times vector must be equal to steps\n"
-                              : " \n\tSize of times vector must be equal to columns in .disp\n"),
-               false;
-    const auto times = as_span<const double>(ref);
-    shapes.times.assign(times.begin(), times.end());
-    return true;
+    shapes.times = gmsh_step_times(
+        request.times, shapes.steps > 0 ? shapes.steps : shapes.u.cols,
+        shapes.steps > 0 ? " \n\tSize of times vector must be equal to steps\n"
+                         : " \n\tSize of times vector must be equal to columns in .disp\n");
+    return !shapes.times.empty();
 }
 
 double longest_side(const NodeSet& nodes) {
@@ -179,18 +164,12 @@ void write_shape(const NodeSet& nodes, const Shapes& shapes, int column, double 
     gmsh_write_node_data(step, time, nodes, u);
 }
 
-/// cos(2 pi k / n), exact at the quarters of a turn.
-double cosine_of_turn(std::int64_t k, std::int64_t n) {
-    constexpr double quarters[] = {1, 0, -1, 0};
-    if (4 * k % n == 0) return quarters[4 * k / n % 4];
-    return std::cos(2 * std::numbers::pi * static_cast<double>(k) / static_cast<double>(n));
-}
-
 /// The frames are one full cycle: frame i is the shape at the phase 2 pi (i - 1) / steps.
 void write_shapes(const NodeSet& nodes, const Shapes& shapes) {
     for (int i = 1; i <= shapes.steps; ++i)
-        write_shape(nodes, shapes, shapes.first, shapes.scale * cosine_of_turn(i - 1, shapes.steps),
-                    i, shapes.times[nth(i)]);
+        write_shape(nodes, shapes, shapes.first,
+                    shapes.scale * phase_of_turn(i - 1, shapes.steps).real(), i,
+                    shapes.times[nth(i)]);
     if (shapes.steps > 0) return;
     for (int j = shapes.first; j <= shapes.last; ++j)
         write_shape(nodes, shapes, j, shapes.scale, j - shapes.first + 1, shapes.times[nth(j)]);
@@ -205,17 +184,9 @@ void write_elements() {
     gmsh_end_elements();
 }
 
-/// True when a flag of the command line names another target than Gmsh.
-bool other_target() {
-    constexpr std::string_view flags[] = {"-Gmsh", "-deformed", "-autoscale"};
-    std::istringstream words{std::string(record_text())};
-    for (std::string word; words >> word;)
-        if (word.starts_with('-') && std::ranges::find(flags, word) == std::end(flags)) return true;
-    return false;
-}
-
 void cmd_export_graphics(std::string_view) {
-    if (other_target()) return print_both(" \n\t\tExport to target not supported\n");
+    constexpr std::string_view flags[] = {"-Gmsh", "-deformed", "-autoscale"};
+    if (!gmsh_is_target(flags)) return print_both(" \n\t\tExport to target not supported\n");
     const ShapeRequest request = read_shape_request();
     std::string name;
     get_char_par(" file=", name, 133);

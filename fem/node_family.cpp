@@ -68,7 +68,7 @@ bool all_in_range(std::span<const std::int32_t> nodes, int limit) {
 void NodeSet::define(int n, const Vec3& p) {
     for (int i = 1; i <= 3; ++i)
         xyz(i, n) = p[nth(i)];
-    active[nth(n)] = 'A';
+    if (!active.empty()) active[nth(n)] = 'A';
     count = std::max(count, n);
 }
 
@@ -77,14 +77,18 @@ NodeSet open_nodes(const NodeKind& kind) {
     if (total < 1) return print_both(" \n\tNumber nodes < 1\n"), NodeSet{};
     const ArrayRef xyz = find_array(kind.xyz);
     if (!xyz.is(type_real)) return print_both(" \n\tCoordinate array not found\n"), NodeSet{};
-    const ArrayRef active = find_array(kind.active);
-    if (!active.is(type_character))
-        return print_both(" \n\tActive node array not found\n"), NodeSet{};
-
+    std::span<char> active;
+    if (!kind.active.empty()) {
+        const ArrayRef ref = find_array(kind.active);
+        if (!ref.is(type_character))
+            return print_both(" \n\tActive node array not found\n"), NodeSet{};
+        active = as_span<char>(ref);
+    }
     const int count = std::max(get_int(kind.count), 0);
-    if (xyz.rows() != 3 || xyz.cols() < total || active.size() < total || count > total)
+    const bool marks_missing = !kind.active.empty() && active.size() < as_size(total);
+    if (xyz.rows() != 3 || xyz.cols() < total || marks_missing || count > total)
         return print_both(" \n\tNodal arrays do not agree in size\n"), NodeSet{};
-    return {as_matrix<double>(xyz), as_span<char>(active), count, total};
+    return {as_matrix<double>(xyz), active, count, total};
 }
 
 void new_nodes(const NodeKind& kind, int total) {
@@ -93,7 +97,8 @@ void new_nodes(const NodeKind& kind, int total) {
     create_int_scalar(kind.total, total);
     create_int_scalar(kind.count, 0);
     create_matrix<double>(kind.xyz, 3, total);
-    std::ranges::fill(create_matrix<char>(kind.active, total, 0).all(), ' ');
+    if (!kind.active.empty())
+        std::ranges::fill(create_matrix<char>(kind.active, total, 0).all(), ' ');
 }
 
 bool node_in_range(int n, int limit) {
@@ -204,7 +209,7 @@ NodeRange read_node_range(int count) {
 void print_nodes(const NodeKind& kind) {
     const ArrayRef xyz = find_array(kind.xyz);
     if (!xyz.is(type_real)) return print_both(" \n\tCoordinate array not found\n");
-    if (!find_array(kind.active).is(type_character))
+    if (!kind.active.empty() && !find_array(kind.active).is(type_character))
         return print_both(" \n\tActive node array not found\n");
     const NodeSet set = open_nodes(kind);
     if (!set) return;
@@ -279,6 +284,10 @@ void replace_all(std::string& text, std::string_view mark, std::string_view by) 
 
 std::string family_text(std::string_view text, const NodeKind& kind) {
     std::string result(text);
+    if (kind.active.empty()) {
+        replace_all(result, ", $active(#) with A for a defined node", "");
+        replace_all(result, ", $active", "");
+    }
     replace_all(result, "@", kind.prefix);
     replace_all(result, "%", kind.meaning);
     replace_all(result, "$xyz", kind.xyz);

@@ -18,20 +18,21 @@ struct NodeKind {
     std::string_view prefix;  ///< of its commands: "hyd_" for `hyd_nodes`, `phyd_nodes`
     std::string_view meaning; ///< for the help texts: "nodes of the panel mesh"
     std::string_view xyz;     ///< real (3, total): coordinates
-    std::string_view active;  ///< character (total): 'A' for a defined node, blank otherwise
-    std::string_view count;   ///< integer: highest defined node number
-    std::string_view total;   ///< integer: highest node number that may be used
+    std::string_view active;  ///< character (total): 'A' for a defined node, blank otherwise;
+                             ///< without a name every node up to the count is defined
+    std::string_view count;                  ///< integer: highest defined node number
+    std::string_view total;                  ///< integer: highest node number that may be used
     std::span<const std::string_view> stale; ///< arrays that a new list makes invalid
 };
 
 /// The arrays of a list, checked against each other: numbers 1..total are safe to use.
 struct NodeSet {
     Matrix<double> xyz;
-    std::span<char> active;
+    std::span<char> active; ///< empty: all nodes up to the count are defined
     int count = 0, total = 0;
 
     explicit operator bool() const { return static_cast<bool>(xyz); }
-    bool is_active(int n) const { return active[nth(n)] == 'A'; }
+    bool is_active(int n) const { return active.empty() || active[nth(n)] == 'A'; }
     Vec3 at(int n) const { return {xyz(1, n), xyz(2, n), xyz(3, n)}; }
     void define(int n, const Vec3& p);
 };

@@ -21,7 +21,7 @@ constexpr std::size_t cells = 16;
 constexpr std::size_t room = block + cells * lanes;
 
 struct Workspace {
-    alignas(64) std::array<double, room> R, Z, F, Fr, Fz, g1, g2;
+    alignas(64) std::array<double, room> R, Z, F, Fr, Fz, im, im_R;
     alignas(64) std::array<std::uint32_t, room> source; ///< place in the block of a sorted point
     alignas(64) std::array<std::uint64_t, block> cell;
     std::array<std::uint32_t, cells + 1> start;
@@ -83,55 +83,70 @@ void sort_points(std::size_t n, const double* R, const double* Z, Workspace& w) 
         }
 }
 
-QUELOR_INLINE void store(Workspace& w, std::size_t i, const DeepValue& v, double e) {
+/// Without the gradient the compiler leaves out of the form all that serves it alone.
+template <bool gradient> QUELOR_INLINE void store(Workspace& w, std::size_t i, const DeepValue& v) {
     w.F[i] = v.F;
+    if constexpr (!gradient) return;
     w.Fr[i] = v.Fr;
     w.Fz[i] = v.Fz;
-    w.g1[i] = -2.0 * std::numbers::pi * v.j0 * e;
-    w.g2[i] = 2.0 * std::numbers::pi * v.j1 * e;
 }
 
-template <class T> QUELOR_INLINE void log_cell(Workspace& w, std::size_t c) {
+template <bool gradient>
+QUELOR_INLINE void store_wave(Workspace& w, std::size_t i, const DeepValue& v, double e) {
+    w.im[i] = -2.0 * std::numbers::pi * v.j0 * e;
+    if constexpr (gradient) w.im_R[i] = 2.0 * std::numbers::pi * v.j1 * e;
+}
+
+template <bool gradient, class T> QUELOR_INLINE void log_cell(Workspace& w, std::size_t c) {
     for (std::size_t i = w.start[c]; i < w.start[c + 1]; ++i) {
         const double e = vec_exp(-w.Z[i]);
-        store(w, i, deep_log_form<T>(w.R[i], w.Z[i], e), e);
+        const DeepValue v = deep_log_form<T>(w.R[i], w.Z[i], e);
+        store<gradient>(w, i, v);
+        store_wave<gradient>(w, i, v, e);
     }
 }
 
-template <class T, class H> QUELOR_INLINE void local_cell(Workspace& w, std::size_t c) {
+template <bool gradient, class T, class H>
+QUELOR_INLINE void local_cell(Workspace& w, std::size_t c) {
     for (std::size_t i = w.start[c]; i < w.start[c + 1]; ++i) {
         const double e = vec_exp(-w.Z[i]);
-        store(w, i, deep_local_form<T, H>(w.R[i], w.Z[i], e), e);
+        const DeepValue v = deep_local_form<T, H>(w.R[i], w.Z[i], e);
+        store<gradient>(w, i, v);
+        store_wave<gradient>(w, i, v, e);
     }
 }
 
-template <class T, class S> QUELOR_INLINE void steep_cell(Workspace& w, std::size_t c) {
-    for (std::size_t i = w.start[c]; i < w.start[c + 1]; ++i) {
-        const DeepValue v = deep_steep_form<T, S>(w.R[i], w.Z[i]);
-        w.F[i] = v.F;
-        w.Fr[i] = v.Fr;
-        w.Fz[i] = v.Fz;
-    }
+template <bool gradient, class T, class S>
+QUELOR_INLINE void steep_cell(Workspace& w, std::size_t c) {
+    for (std::size_t i = w.start[c]; i < w.start[c + 1]; ++i)
+        store<gradient>(w, i, deep_steep_form<T, S>(w.R[i], w.Z[i]));
+}
+
+template <bool gradient> QUELOR_INLINE void all_cells(Workspace& w) {
+    using namespace deep_tables;
+    log_cell<gradient, LogNear>(w, 0);
+    log_cell<gradient, LogDeep>(w, 1);
+    steep_cell<gradient, Steep0, Steep0R>(w, 2);
+    steep_cell<gradient, Steep1, Steep1R>(w, 3);
+    steep_cell<gradient, Steep2, Steep2R>(w, 4);
+    steep_cell<gradient, Steep0, Steep0R>(w, 5);
+    steep_cell<gradient, Steep1, Steep1R>(w, 6);
+    steep_cell<gradient, Steep2, Steep2R>(w, 7);
+    local_cell<gradient, LocalNear0, HankelNear>(w, 8);
+    local_cell<gradient, LocalNear1, HankelNear>(w, 9);
+    local_cell<gradient, LocalNear2, HankelNear>(w, 10);
+    local_cell<gradient, LocalNear3, HankelNear>(w, 11);
+    local_cell<gradient, LocalFar0, HankelFar>(w, 12);
+    local_cell<gradient, LocalFar1, HankelFar>(w, 13);
+    local_cell<gradient, LocalFar2, HankelFar>(w, 14);
+    local_cell<gradient, LocalFar3, HankelFar>(w, 15);
 }
 
 QUELOR_CLONES void evaluate_cells(Workspace& w) {
-    using namespace deep_tables;
-    log_cell<LogNear>(w, 0);
-    log_cell<LogDeep>(w, 1);
-    steep_cell<Steep0, Steep0R>(w, 2);
-    steep_cell<Steep1, Steep1R>(w, 3);
-    steep_cell<Steep2, Steep2R>(w, 4);
-    steep_cell<Steep0, Steep0R>(w, 5);
-    steep_cell<Steep1, Steep1R>(w, 6);
-    steep_cell<Steep2, Steep2R>(w, 7);
-    local_cell<LocalNear0, HankelNear>(w, 8);
-    local_cell<LocalNear1, HankelNear>(w, 9);
-    local_cell<LocalNear2, HankelNear>(w, 10);
-    local_cell<LocalNear3, HankelNear>(w, 11);
-    local_cell<LocalFar0, HankelFar>(w, 12);
-    local_cell<LocalFar1, HankelFar>(w, 13);
-    local_cell<LocalFar2, HankelFar>(w, 14);
-    local_cell<LocalFar3, HankelFar>(w, 15);
+    all_cells<true>(w);
+}
+QUELOR_CLONES void evaluate_values(Workspace& w) {
+    all_cells<false>(w);
 }
 
 /// The imaginary part of the steep cells, whose real part needs no Bessel function. Beyond R = 10
@@ -140,31 +155,28 @@ QUELOR_CLONES void steep_waves(Workspace& w) {
     for (std::size_t i = w.start[2]; i < w.start[5]; ++i) {
         const double R = w.R[i], wave = 2.0 * std::numbers::pi * vec_exp(-w.Z[i]);
         const SmallBessel b = small_bessel(R * R);
-        w.g1[i] = -wave * (1.0 - R * R * b.j0_rest);
-        w.g2[i] = wave * R * b.j1_by_x;
+        w.im[i] = -wave * (1.0 - R * R * b.j0_rest);
+        w.im_R[i] = wave * R * b.j1_by_x;
     }
     for (std::size_t i = w.start[5]; i < w.start[8]; ++i) {
         const double wave = 2.0 * std::numbers::pi * vec_exp(-w.Z[i]);
         const Bessel b = large_bessel<deep_tables::HankelNear>(w.R[i], 1.0 / w.R[i]);
-        w.g1[i] = -wave * b.j0;
-        w.g2[i] = wave * b.j1;
+        w.im[i] = -wave * b.j0;
+        w.im_R[i] = wave * b.j1;
     }
 }
 
-void put_back(const Workspace& w, double* F, double* Fr, double* Fz) {
-    for (std::size_t i = 0; i < w.start[cells]; ++i) {
-        const std::uint32_t to = w.source[i];
-        F[to] = w.F[i];
-        Fr[to] = w.Fr[i];
-        Fz[to] = w.Fz[i];
-    }
-}
+/// Sorted values and where they go.
+struct Sorted {
+    const std::array<double, room>& values;
+    double* out;
+};
 
-void put_back_waves(const Workspace& w, double* g1, double* g2) {
+template <std::size_t n> void put_back(const Workspace& w, const Sorted (&arrays)[n]) {
     for (std::size_t i = 0; i < w.start[cells]; ++i) {
         const std::uint32_t to = w.source[i];
-        g1[to] = w.g1[i];
-        g2[to] = w.g2[i];
+        for (const auto& [values, out] : arrays)
+            out[to] = values[i];
     }
 }
 
@@ -178,12 +190,13 @@ void clear_meetings(std::size_t n, const double* R, const double* Z,
 }
 
 /// What deep water has twice.
-QUELOR_CLONES void copy_twins(std::size_t n, const double* f3, const double* g1,
-                              double* __restrict f7, double* __restrict g3, double* __restrict g7) {
+QUELOR_CLONES void copy_twins(std::size_t n, const double* re_1, const double* im,
+                              double* __restrict re_2, double* __restrict im_1,
+                              double* __restrict im_2) {
     for (std::size_t i = 0; i < n; ++i) {
-        f7[i] = f3[i];
-        g3[i] = -g1[i];
-        g7[i] = -g1[i];
+        re_2[i] = re_1[i];
+        im_1[i] = -im[i];
+        im_2[i] = -im[i];
     }
 }
 
@@ -206,15 +219,33 @@ void deep_wave_terms(std::span<const double> R, std::span<const double> Z, const
     for (std::size_t first = 0; first < R.size(); first += block) {
         const std::size_t n = std::min(block, R.size() - first);
         const double *r = R.data() + first, *z = Z.data() + first;
-        double *f1 = out.f1 + first, *f2 = out.f2 + first, *f3 = out.f3 + first;
-        double *g1 = out.g1 + first, *g2 = out.g2 + first;
+        double *re = out.re + first, *re_R = out.re_R + first, *re_1 = out.re_1 + first;
+        double *im = out.im + first, *im_R = out.im_R + first;
         sort_points(n, r, z, w);
         evaluate_cells(w);
         steep_waves(w);
-        put_back(w, f1, f2, f3);
-        put_back_waves(w, g1, g2);
-        if (w.meetings > 0) clear_meetings(n, r, z, {f1, f2, f3, g1, g2});
-        copy_twins(n, f3, g1, out.f7 + first, out.g3 + first, out.g7 + first);
+        put_back(w, {{w.F, re}, {w.Fr, re_R}, {w.Fz, re_1}});
+        put_back(w, {{w.im, im}, {w.im_R, im_R}});
+        if (w.meetings > 0) clear_meetings(n, r, z, {re, re_R, re_1, im, im_R});
+        copy_twins(n, re_1, im, out.re_2 + first, out.im_1 + first, out.im_2 + first);
+    }
+}
+
+void deep_wave_values(std::span<const double> R, std::span<const double> Z, double* re,
+                      double* im) {
+    assert(R.size() == Z.size());
+    Workspace w;
+    for (std::size_t first = 0; first < R.size(); first += block) {
+        const std::size_t n = std::min(block, R.size() - first);
+        const double *r = R.data() + first, *z = Z.data() + first;
+        sort_points(n, r, z, w);
+        evaluate_values(w);
+        put_back(w, {{w.F, re + first}});
+        if (w.meetings > 0) clear_meetings(n, r, z, {re + first});
+        if (im == nullptr) continue;
+        steep_waves(w);
+        put_back(w, {{w.im, im + first}});
+        if (w.meetings > 0) clear_meetings(n, r, z, {im + first});
     }
 }
 
@@ -227,7 +258,7 @@ void deep_images(std::span<const double> R, std::span<const double> Z, bool with
         const double *r = R.data() + first, *z = Z.data() + first;
         sort_points(n, r, z, w);
         evaluate_cells(w);
-        put_back(w, F + first, Fr + first, Fz + first);
+        put_back(w, {{w.F, F + first}, {w.Fr, Fr + first}, {w.Fz, Fz + first}});
         if (w.meetings > 0) clear_meetings(n, r, z, {F + first, Fr + first, Fz + first});
         if (with_image) add_images(n, r, z, F + first, Fr + first, Fz + first);
     }

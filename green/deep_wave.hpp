@@ -13,8 +13,11 @@ namespace quelor {
 /// R    in   n horizontal distances, 0 <= R <= 1e8
 /// Z    in   n sums of the two depths, 0 <= Z <= 1e8
 /// out  out  eight arrays of n values; none may overlap the input
-/// R = 0 gives the limits, so f2 = g2 = 0. A pair with R + Z below 1e-8 gives zeros.
+/// R = 0 gives the limits, so re_R = im_R = 0. A pair with R + Z below 1e-8 gives zeros.
 void deep_wave_terms(std::span<const double> R, std::span<const double> Z, const WaveTerms& out);
+
+/// The remainder without its gradient, the same bits as from deep_wave_terms. `im` may be null.
+void deep_wave_values(std::span<const double> R, std::span<const double> Z, double* re, double* im);
 
 /// F, dF/dR and dF/dZ alone, n values each. With `with_image` the image 1/rho, rho^2 = R^2 + Z^2,
 /// and its derivatives are added, which is the form that the images of finite depth need.

@@ -25,7 +25,10 @@ constexpr int classes = evanescent_modes + 1;
 constexpr int room = block_size + classes * lanes;
 using Row = double[room];
 
-/// A sorted block; f1 to f7 and g1 to g7 as in WaveTerms. All counts are whole groups of lanes.
+/// What is wanted of the points.
+enum class Wanted { value, value_and_gradient };
+
+/// A sorted block; re to re_2 and im to im_2 as in WaveTerms. All counts are whole groups of lanes.
 struct Block {
     int n = 0, series = 0;     // places; those of the series come first
     int served[classes] = {};  // places that mode m serves, at [m]
@@ -34,7 +37,7 @@ struct Block {
     alignas(64) Row inverse, inverse_root; // 1/R and R^(-1/2); for the polynomials Z in `inverse`
     alignas(64) Row b, d;                  // derivatives in B and D
     alignas(64) Row j0, j1, y0, y1;        // at k0 R
-    alignas(64) Row f1, f2, f3, f7, g1, g2, g3, g7;
+    alignas(64) Row re, re_R, re_1, re_2, im, im_R, im_1, im_2;
 };
 
 /// Modes of the series, 0 for the points below R = h/2 and for what is not a number.
@@ -70,8 +73,23 @@ void sort_block(const double* R, const double* d1, const double* d2, int n, cons
     }
 }
 
+/// The sum of the series at one place. Without the gradient the compiler leaves out of its terms
+/// all that serves it alone.
+template <Wanted wanted> QUELOR_INLINE SeparatedField load_sum(const Block& block, int i) {
+    if constexpr (wanted == Wanted::value) return {.v = block.re[i]};
+    return {.v = block.re[i], .r = block.re_R[i], .b = block.b[i], .d = block.d[i]};
+}
+template <Wanted wanted>
+QUELOR_INLINE void store_sum(const SeparatedField& sum, int i, Block& block) {
+    block.re[i] = sum.v;
+    if constexpr (wanted == Wanted::value) return;
+    block.re_R[i] = sum.r;
+    block.b[i] = sum.b;
+    block.d[i] = sum.d;
+}
+
 /// Mode m of the series, added to the first `count` points.
-template <int degree>
+template <Wanted wanted, int degree>
 QUELOR_INLINE void add_mode_to_block(const BesselKTable<degree>& table, double k, double half_c,
                                      double h, int count, Block& block) {
     const double inverse_root_k = 1.0 / std::sqrt(k);
@@ -79,17 +97,14 @@ QUELOR_INLINE void add_mode_to_block(const BesselKTable<degree>& table, double k
         const double d1 = block.d1[i], d2 = block.d2[i];
         const finite_core::SeriesPoint point{block.R[i], 2.0 * h - d1 - d2, d1 - d2,
                                              block.inverse[i], block.inverse_root[i]};
-        SeparatedField sum{block.f1[i], block.f2[i], block.b[i], block.d[i]};
+        SeparatedField sum = load_sum<wanted>(block, i);
         finite_core::add_mode<false>(table, k, half_c, inverse_root_k, point, sum);
-        block.f1[i] = sum.v;
-        block.f2[i] = sum.r;
-        block.b[i] = sum.b;
-        block.d[i] = sum.d;
+        store_sum<wanted>(sum, i, block);
     }
 }
 
 /// The Rankine terms with their sign reversed, from which the sum of the modes starts.
-QUELOR_CLONES void start_series(double h, Block& block) {
+template <Wanted wanted> QUELOR_INLINE void start_series(double h, Block& block) {
     const int count = block.series;
     for (int i = 0; i < count; ++i) {
         const double R = block.R[i], d1 = block.d1[i], d2 = block.d2[i];
@@ -97,72 +112,76 @@ QUELOR_CLONES void start_series(double h, Block& block) {
         finite_core::add_rankine_d<false>(-1.0, R, d1 - d2, sum);
         finite_core::add_rankine_b<false>(-1.0, R, d1 + d2, -1.0, sum);
         finite_core::add_rankine_b<false>(-1.0, R, 2.0 * h - d1 - d2, 1.0, sum);
-        block.f1[i] = sum.v;
-        block.f2[i] = sum.r;
-        block.b[i] = sum.b;
-        block.d[i] = sum.d;
+        store_sum<wanted>(sum, i, block);
         block.inverse[i] = 1.0 / R;
         block.inverse_root[i] = 1.0 / std::sqrt(R);
     }
 }
 
-QUELOR_CLONES void add_modes(const DepthCache& cache, Block& block) {
+template <Wanted wanted> QUELOR_INLINE void add_modes(const DepthCache& cache, Block& block) {
     for (int m = 1; m <= evanescent_modes && block.served[m] > 0; ++m) {
         const auto i = nth(m);
         const double k = cache.roots.k[i], half_c = 0.5 * cache.roots.c[i];
         const int count = block.served[m];
         finite_core::with_bessel_table(
             m, [&](const auto& table) __attribute__((always_inline)) {
-                add_mode_to_block(table, k, half_c, cache.h, count, block);
+                add_mode_to_block<wanted>(table, k, half_c, cache.h, count, block);
             });
     }
 }
 
 /// Imaginary part of point i; returns the amplitude of its propagating wave.
+template <Wanted wanted>
 QUELOR_INLINE finite_core::WaveAmplitude imaginary_part(const DepthCache& cache, int i,
                                                         Block& block) {
     const auto w = finite_core::wave_amplitude(block.d1[i], block.d2[i], cache);
-    block.g1[i] = w.a * block.j0[i];
-    block.g2[i] = -cache.roots.k0 * w.a * block.j1[i];
-    block.g3[i] = w.a1 * block.j0[i];
-    block.g7[i] = w.a2 * block.j0[i];
+    block.im[i] = w.a * block.j0[i];
+    if constexpr (wanted == Wanted::value) return w;
+    block.im_R[i] = -cache.roots.k0 * w.a * block.j1[i];
+    block.im_1[i] = w.a1 * block.j0[i];
+    block.im_2[i] = w.a2 * block.j0[i];
     return w;
 }
 
 /// The propagating wave: the imaginary part of every point, and of the series the last real term.
-QUELOR_CLONES void add_propagating_wave(const DepthCache& cache, Block& block) {
+template <Wanted wanted>
+QUELOR_INLINE void add_propagating_wave(const DepthCache& cache, Block& block) {
     for (int i = 0; i < block.series; ++i) {
-        const auto w = imaginary_part(cache, i, block);
+        const auto w = imaginary_part<wanted>(cache, i, block);
+        block.re[i] += w.a * block.y0[i];
+        if constexpr (wanted == Wanted::value) continue;
         const double b = block.b[i], d = block.d[i];
-        block.f1[i] += w.a * block.y0[i];
-        block.f2[i] -= cache.roots.k0 * w.a * block.y1[i];
-        block.f3[i] = w.a1 * block.y0[i] + d - b;
-        block.f7[i] = w.a2 * block.y0[i] - d - b;
+        block.re_R[i] -= cache.roots.k0 * w.a * block.y1[i];
+        block.re_1[i] = w.a1 * block.y0[i] + d - b;
+        block.re_2[i] = w.a2 * block.y0[i] - d - b;
     }
     for (int i = block.series; i < block.n; ++i)
-        imaginary_part(cache, i, block);
+        imaginary_part<wanted>(cache, i, block);
 }
 
-/// Adds the polynomials to the deep-water function, which stands in f1, f2 and f3.
+/// Adds the polynomials to the deep-water function, which stands in re, re_R and re_1.
 /// The local copy shows the compiler that no coefficient changes with what the loop stores.
-QUELOR_CLONES void add_polynomials(const DepthCache& shared, Block& block) {
+template <Wanted wanted>
+QUELOR_INLINE void add_polynomials(const DepthCache& shared, Block& block) {
     const DepthCache cache = shared;
     const double inverse_h = 1.0 / cache.h;
     const int end = block.n;
     for (int i = block.series; i < end; ++i) {
-        const double d1 = block.d1[i], d2 = block.d2[i], deep = block.f3[i];
+        const double d1 = block.d1[i], d2 = block.d2[i];
         const SeparatedField smooth =
             finite_core::smooth_part<false>(cache, inverse_h, block.R[i], d1, d2);
-        block.f1[i] += smooth.v;
-        block.f2[i] += smooth.r;
-        block.f3[i] = deep - smooth.b + smooth.d;
-        block.f7[i] = deep - smooth.b - smooth.d;
+        block.re[i] += smooth.v;
+        if constexpr (wanted == Wanted::value) continue;
+        const double deep = block.re_1[i];
+        block.re_R[i] += smooth.r;
+        block.re_1[i] = deep - smooth.b + smooth.d;
+        block.re_2[i] = deep - smooth.b - smooth.d;
     }
 }
 
 /// Bessel functions of one range of x = k0 R, from <= x < to, for one group of points; Y0 and Y1
 /// for the series only. What is not a number counts to every range.
-template <bool series, class Function>
+template <bool series, Wanted wanted, class Function>
 QUELOR_INLINE void bessel_range(double k0, double from, double to, int start, Block& block,
                                 const Function& function) {
     for (int i = start; i < start + lanes; ++i) {
@@ -170,17 +189,17 @@ QUELOR_INLINE void bessel_range(double k0, double from, double to, int start, Bl
         const bool outside = x < from || x >= to;
         const Bessel bessel = function(x >= to ? to : above);
         block.j0[i] = outside ? block.j0[i] : bessel.j0;
+        if constexpr (series) block.y0[i] = outside ? block.y0[i] : bessel.y0;
+        if constexpr (wanted == Wanted::value) continue;
         block.j1[i] = outside ? block.j1[i] : bessel.j1;
-        if constexpr (series) {
-            block.y0[i] = outside ? block.y0[i] : bessel.y0;
-            block.y1[i] = outside ? block.y1[i] : bessel.y1;
-        }
+        if constexpr (series) block.y1[i] = outside ? block.y1[i] : bessel.y1;
     }
 }
 
 /// The Bessel functions of one group from the three ranges of the tables. Through the sort most
 /// groups lie in one range.
-template <bool series> QUELOR_INLINE void bessel_group(double k0, int start, Block& block) {
+template <bool series, Wanted wanted>
+QUELOR_INLINE void bessel_group(double k0, int start, Block& block) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     bool near = false, middle = false, far = false;
     for (int i = start; i < start + lanes; ++i) {
@@ -190,35 +209,54 @@ template <bool series> QUELOR_INLINE void bessel_group(double k0, int start, Blo
         far |= x >= 10.0;
     }
     if (near)
-        bessel_range<series>(
+        bessel_range<series, wanted>(
             k0, 0.0, 4.0, start, block,
             [](double x) __attribute__((always_inline)) { return finite_core::near_bessel(x); });
     if (middle)
-        bessel_range<series>(
+        bessel_range<series, wanted>(
             k0, 4.0, 10.0, start, block, [](double x) __attribute__((always_inline)) {
                 return large_bessel<deep_tables::HankelNear>(x, 1.0 / x);
             });
     if (far)
-        bessel_range<series>(
+        bessel_range<series, wanted>(
             k0, 10.0, infinity, start, block, [](double x) __attribute__((always_inline)) {
                 return large_bessel<deep_tables::HankelFar>(x, 1.0 / x);
             });
 }
 
-QUELOR_CLONES void bessel_functions(double k0, Block& block) {
+template <Wanted wanted> QUELOR_INLINE void bessel_functions(double k0, Block& block) {
     for (int start = 0; start < block.series; start += lanes)
-        bessel_group<true>(k0, start, block);
+        bessel_group<true, wanted>(k0, start, block);
     for (int start = block.series; start < block.n; start += lanes)
-        bessel_group<false>(k0, start, block);
+        bessel_group<false, wanted>(k0, start, block);
 }
 
-/// Deep-water function of the points below R = h/2, into f1, f2 and f3.
-void deep_part(Block& block) {
-    for (int i = block.series; i < block.n; ++i)
+/// The modes of the series, and the propagating wave of all points.
+template <Wanted wanted> QUELOR_INLINE void all_modes(const DepthCache& cache, Block& block) {
+    bessel_functions<wanted>(cache.roots.k0, block);
+    start_series<wanted>(cache.h, block);
+    add_modes<wanted>(cache, block);
+    add_propagating_wave<wanted>(cache, block);
+}
+QUELOR_CLONES void evaluate_modes(Wanted wanted, const DepthCache& cache, Block& block) {
+    if (wanted == Wanted::value) return all_modes<Wanted::value>(cache, block);
+    all_modes<Wanted::value_and_gradient>(cache, block);
+}
+
+QUELOR_CLONES void evaluate_polynomials(Wanted wanted, const DepthCache& cache, Block& block) {
+    if (wanted == Wanted::value) return add_polynomials<Wanted::value>(cache, block);
+    add_polynomials<Wanted::value_and_gradient>(cache, block);
+}
+
+/// Deep-water function of the points below R = h/2, into re, re_R and re_1.
+void deep_part(Wanted wanted, Block& block) {
+    const int first = block.series;
+    for (int i = first; i < block.n; ++i)
         block.inverse[i] = block.d1[i] + block.d2[i];
-    const auto count = as_size(block.n - block.series);
-    deep_images({&block.R[block.series], count}, {&block.inverse[block.series], count}, false,
-                &block.f1[block.series], &block.f2[block.series], &block.f3[block.series]);
+    const auto count = as_size(block.n - first);
+    const std::span<const double> R(&block.R[first], count), Z(&block.inverse[first], count);
+    if (wanted == Wanted::value) return deep_wave_values(R, Z, &block.re[first], nullptr);
+    deep_images(R, Z, false, &block.re[first], &block.re_R[first], &block.re_1[first]);
 }
 
 /// Copies one sorted row to its places in the batch.
@@ -231,40 +269,55 @@ void scatter(const Block& block, const Row& row, double* out) {
 void clear_coincident(Block& block) {
     for (int i = block.series; i < block.n; ++i)
         if (block.R[i] + block.d1[i] + block.d2[i] < 1e-8)
-            for (Row* row : {&block.f1, &block.f2, &block.f3, &block.f7, &block.g1, &block.g2,
-                             &block.g3, &block.g7})
+            for (Row* row : {&block.re, &block.re_R, &block.re_1, &block.re_2, &block.im,
+                             &block.im_R, &block.im_1, &block.im_2})
                 (*row)[i] = 0.0;
 }
 
-void evaluate_block(const DepthCache& cache, Block& block) {
-    bessel_functions(cache.roots.k0, block);
-    start_series(cache.h, block);
-    add_modes(cache, block);
-    add_propagating_wave(cache, block);
+void evaluate_block(Wanted wanted, const DepthCache& cache, Block& block) {
+    evaluate_modes(wanted, cache, block);
     if (block.series == block.n) return;
-    deep_part(block);
-    add_polynomials(cache, block);
+    deep_part(wanted, block);
+    evaluate_polynomials(wanted, cache, block);
     clear_coincident(block);
+}
+
+/// Calls put_back(block, start) with every evaluated block of the batch, which begins at `start`.
+template <class PutBack>
+void for_blocks(Wanted wanted, std::span<const double> R, std::span<const double> d1,
+                std::span<const double> d2, const DepthCache& cache, const PutBack& put_back) {
+    Block block;
+    for (std::size_t start = 0; start < R.size(); start += block_size) {
+        const auto n = static_cast<int>(std::min<std::size_t>(block_size, R.size() - start));
+        sort_block(&R[start], &d1[start], &d2[start], n, cache, block);
+        evaluate_block(wanted, cache, block);
+        put_back(block, start);
+    }
 }
 
 } // namespace
 
 void finite_wave_terms(std::span<const double> R, std::span<const double> d1,
                        std::span<const double> d2, const DepthCache& cache, const WaveTerms& out) {
-    Block block;
-    for (std::size_t start = 0; start < R.size(); start += block_size) {
-        const auto n = static_cast<int>(std::min<std::size_t>(block_size, R.size() - start));
-        sort_block(&R[start], &d1[start], &d2[start], n, cache, block);
-        evaluate_block(cache, block);
-        scatter(block, block.f1, out.f1 + start);
-        scatter(block, block.f2, out.f2 + start);
-        scatter(block, block.f3, out.f3 + start);
-        scatter(block, block.f7, out.f7 + start);
-        scatter(block, block.g1, out.g1 + start);
-        scatter(block, block.g2, out.g2 + start);
-        scatter(block, block.g3, out.g3 + start);
-        scatter(block, block.g7, out.g7 + start);
-    }
+    for_blocks(Wanted::value_and_gradient, R, d1, d2, cache, [&](const Block& block, auto start) {
+        scatter(block, block.re, out.re + start);
+        scatter(block, block.re_R, out.re_R + start);
+        scatter(block, block.re_1, out.re_1 + start);
+        scatter(block, block.re_2, out.re_2 + start);
+        scatter(block, block.im, out.im + start);
+        scatter(block, block.im_R, out.im_R + start);
+        scatter(block, block.im_1, out.im_1 + start);
+        scatter(block, block.im_2, out.im_2 + start);
+    });
+}
+
+void finite_wave_values(std::span<const double> R, std::span<const double> d1,
+                        std::span<const double> d2, const DepthCache& cache, double* re,
+                        double* im) {
+    for_blocks(Wanted::value, R, d1, d2, cache, [&](const Block& block, auto start) {
+        scatter(block, block.re, re + start);
+        scatter(block, block.im, im + start);
+    });
 }
 
 } // namespace quelor

@@ -14,9 +14,14 @@ namespace quelor {
 /// cache   in   prepare_depth(h), status found
 /// out     out  eight arrays of n values; none may overlap the input
 /// Lengths are times omega^2/g. Errors below 1e-9 (value) and 3e-8 (gradient) of the larger of the
-/// quantity and the Rankine terms removed, for 0.002 <= h <= 20. R = 0 gives the limits, so f2 = g2
-/// = 0. A pair with d1 + d2 + R below 1e-8 gives zeros; what is not a number gives NaN.
+/// quantity and the Rankine terms removed, for 0.002 <= h <= 20. R = 0 gives the limits, so re_R =
+/// im_R = 0. A pair with d1 + d2 + R below 1e-8 gives zeros; what is not a number gives NaN.
 void finite_wave_terms(std::span<const double> R, std::span<const double> d1,
                        std::span<const double> d2, const DepthCache& cache, const WaveTerms& out);
+
+/// The remainder without its gradient, to the same accuracy.
+void finite_wave_values(std::span<const double> R, std::span<const double> d1,
+                        std::span<const double> d2, const DepthCache& cache, double* re,
+                        double* im);
 
 } // namespace quelor

@@ -46,7 +46,7 @@ struct SeparatedField {
 };
 
 /// Value and derivatives of a double polynomial in a vertical variable x and t = (R/h)^2.
-struct PolynomialValue {
+struct BivariateValue {
     double v = 0, x = 0, t = 0;
     double half_xx = 0, xt = 0; ///< filled with `second` only
 };
@@ -55,7 +55,7 @@ namespace finite_core {
 
 /// One Horner step in x; the coefficient is itself a polynomial in t of the given degree.
 template <int degree, bool second>
-QUELOR_INLINE void polynomial_step(const double* c, double x, double t, PolynomialValue& sum) {
+QUELOR_INLINE void polynomial_step(const double* c, double x, double t, BivariateValue& sum) {
     double value = c[degree], slope = 0.0;
 #pragma GCC unroll 16
     for (int j = degree - 1; j >= 0; --j) {
@@ -72,9 +72,9 @@ QUELOR_INLINE void polynomial_step(const double* c, double x, double t, Polynomi
 }
 
 template <const auto& degrees, bool second, std::size_t columns, std::size_t... i>
-QUELOR_INLINE PolynomialValue polynomial(const double (*c)[columns], double x, double t,
-                                         std::index_sequence<i...>) {
-    PolynomialValue sum;
+QUELOR_INLINE BivariateValue polynomial(const double (*c)[columns], double x, double t,
+                                        std::index_sequence<i...>) {
+    BivariateValue sum;
     (polynomial_step<degrees[degrees.size() - 1 - i], second>(c[degrees.size() - 1 - i], x, t, sum),
      ...);
     return sum;
@@ -82,14 +82,14 @@ QUELOR_INLINE PolynomialValue polynomial(const double (*c)[columns], double x, d
 
 /// h p(R, D) and its derivatives in y = (D/h)^2 and t = (R/h)^2.
 template <bool second>
-QUELOR_INLINE PolynomialValue p_polynomial(const DepthCache& cache, double y, double t) {
+QUELOR_INLINE BivariateValue p_polynomial(const DepthCache& cache, double y, double t) {
     return polynomial<p_degrees, second>(cache.p, y, t,
                                          std::make_index_sequence<p_degrees.size()>());
 }
 
 /// h q(R, B) and its derivatives in u = B/h - 1 and t = (R/h)^2.
 template <bool second>
-QUELOR_INLINE PolynomialValue q_polynomial(const DepthCache& cache, double u, double t) {
+QUELOR_INLINE BivariateValue q_polynomial(const DepthCache& cache, double u, double t) {
     return polynomial<q_degrees, second>(cache.q, u, t,
                                          std::make_index_sequence<q_degrees.size()>());
 }
@@ -100,8 +100,8 @@ QUELOR_INLINE SeparatedField smooth_part(const DepthCache& cache, double inverse
                                          double d1, double d2) {
     const double s = R * inverse_h, t = s * s, w = (d1 - d2) * inverse_h;
     const double u = 1.0 - (d1 + d2) * inverse_h;
-    const PolynomialValue p = p_polynomial<second>(cache, w * w, t);
-    const PolynomialValue q = q_polynomial<second>(cache, u, t);
+    const BivariateValue p = p_polynomial<second>(cache, w * w, t);
+    const BivariateValue q = q_polynomial<second>(cache, u, t);
     const double scale = inverse_h * inverse_h;
     SeparatedField sum;
     sum.v = (p.v + q.v) * inverse_h;

@@ -66,17 +66,16 @@ static DeepValue wave_term(double R, double Z) {
     return infred_poly(R, Z);
 }
 
-/// The terms of modes 3, 4 and of the image.
-static void add_mode(int mode, double R, double Z, InfredTerms& f) {
+static void add_beside(SurfaceTerms beside, double R, double Z, InfredTerms& f) {
     const double rho = std::sqrt(R * R + Z * Z), p = 1.0 / rho, c = Z * p, p2 = p * p, q = p2 * p;
-    if (mode == 2) return;
-    if (mode == 3) {
+    if (beside == SurfaceTerms::none) return;
+    if (beside == SurfaceTerms::log_rho) {
         f.F += 2.0 * std::log(rho);
         f.Fr += 2.0 * R * p2;
         f.Fz += 2.0 * c * p;
         f.Frz -= 4.0 * c * R * q;
         f.Fzz += 2.0 * (1.0 - 2.0 * c * c) * p2;
-    } else if (mode == 4) {
+    } else if (beside == SurfaceTerms::log_rho_plus_Z) {
         f.F += 2.0 * std::log(rho + Z);
         f.Fr += 2.0 * R * p / (rho + Z);
         f.Fz += 2.0 * p;
@@ -91,7 +90,7 @@ static void add_mode(int mode, double R, double Z, InfredTerms& f) {
     }
 }
 
-InfredTerms infred_f(double R, double Z, int mode) {
+InfredTerms infred_f(double R, double Z, SurfaceTerms beside) {
     const DeepValue wave = wave_term(R, Z);
     const double p = 1.0 / std::sqrt(R * R + Z * Z), q = p * p * p;
     InfredTerms f{.e = Z > 20.0 ? 0.0 : vec_exp(-Z),
@@ -100,7 +99,7 @@ InfredTerms infred_f(double R, double Z, int mode) {
                   .Fz = wave.Fz, // -2 p - F
                   .Frz = 2.0 * R * q - wave.Fr,
                   .Fzz = 2.0 * Z * q - wave.Fz};
-    add_mode(mode, R, Z, f);
+    add_beside(beside, R, Z, f);
     return f;
 }
 

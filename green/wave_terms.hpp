@@ -1,19 +1,21 @@
 // What the batch kernels of the free-surface Green function give for n pairs of points.
 #pragma once
 
+#include <cstddef>
+
 namespace quelor {
 
-/// Structure of arrays, n values each. Lengths are times omega^2/g, the time factor is
-/// exp(+i omega t), z is upward; d1 and d2 are the depths of field and source point. The wave
-/// remainder is the Green function less 1/r, 1/r1 (the image in the surface) and, in finite depth,
-/// 1/r2 (the image in the bottom).
-/// f1, g1  real and imaginary part of the remainder
-/// f2, g2  its derivative with respect to the horizontal distance R
-/// f3, g3  its derivative with respect to d1, the depth of the field point
-/// f7, g7  its derivative with respect to d2, the depth of the source; in deep water equal to f3,
-/// g3
+/// Wave remainder of n pairs: the Green function less 1/r, 1/r1 (the image in the surface) and, in
+/// finite depth, 1/r2 (the image in the bottom). Structure of arrays, n values each: real and
+/// imaginary part, and behind the underscore their derivatives in the horizontal distance R and in
+/// the depths d1 and d2 of field and source point. Lengths are times omega^2/g, the time factor is
+/// exp(+i omega t), z is upward. In deep water the two derivatives in depth are equal.
 struct WaveTerms {
-    double *f1, *f2, *f3, *f7, *g1, *g2, *g3, *g7;
+    double *re, *re_R, *re_1, *re_2, *im, *im_R, *im_1, *im_2;
+
+    WaveTerms from(std::ptrdiff_t k) const {
+        return {re + k, re_R + k, re_1 + k, re_2 + k, im + k, im_R + k, im_1 + k, im_2 + k};
+    }
 };
 
 } // namespace quelor

@@ -80,7 +80,7 @@ AnalysisResults create_results(const HydSize& s, bool keep_potentials) {
 }
 
 PanelModes panel_modes(const Analysis& a) {
-    return {a.model.area, a.model.un, a.model.size.symmetry, a.model.modesym, a.modeloc};
+    return {a.model.panels.area, a.model.un, a.model.size.symmetry, a.model.modesym, a.modeloc};
 }
 
 /// Values of one image set at (ifreq, j) of a potential array.
@@ -88,7 +88,7 @@ std::span<Complex8> potential_column(const Array3<Complex8>& potential, int ifre
     return {&potential(1, ifreq, j), as_size(potential.n1)};
 }
 
-std::vector<std::span<const Complex8>> columns_of(Matrix<Complex8> pic) {
+std::vector<std::span<const Complex8>> class_columns(Matrix<Complex8> pic) {
     std::vector<std::span<const Complex8>> columns;
     for (int k = 1; k <= pic.cols; ++k)
         columns.push_back(pic.col(k));
@@ -133,16 +133,27 @@ void hyd_solve_sp(const Analysis& analysis, const ClassArrays& c, Matrix<Complex
         unit_screen,
         "(' r1 = ', 1pe14.6, /, ' z0 = ', e14.6, /, ' z3 = ', e14.6, /, ' z6 = ', e14.6, /, ' h_green = ', e14.6)",
         {at.R, 0.0, at.d1, at.d2, at.h_green});
-    FormatItems f;
-    for (const Complex8 value : at.f)
-        f.add(value);
-    write_unit(unit_screen, "(' f = ', 1p2e14.6, 7(/, 5x, 2e14.6))", f);
+    const GreenValue& f = at.f;
+    write_unit(unit_screen, "(' f = ', 1p2e14.6, 7(/, 5x, 2e14.6))",
+               {f.G, f.G_R, f.G_1, f.G_R1, f.G_11, f.G_12, f.G_2, f.G_R2});
     shutdown();
+}
+
+[[noreturn]] void report_influence_failure(const InfluenceResult& result, RootStatus roots) {
+    if (result.status == InfluenceStatus::no_green_value) report_green_failure(result.pair);
+    if (result.status == InfluenceStatus::bad_panel) {
+        write_both(
+            "(/, '      Wet panel', i6, ' has no area or a coordinate that is not a finite number')",
+            {result.panel});
+        shutdown();
+    }
+    shutdown_with(roots == RootStatus::no_wave_number
+                      ? " \n\tIteration for wave number failed\n"
+                      : " \n\tIterations evanescent modes failed\n");
 }
 
 void form_influence(Analysis& a, const WaveOfFrequency& wave) {
     const HydModel& m = a.model;
-    const PanelMesh mesh{m.xyzc, m.paneln, m.area, m.xr, m.yr, m.zr, m.type};
     const InfluenceParameters parameters{wave.knu, m.size.depth, m.size.deep_water, m.size.gauge,
                                          m.size.symmetry};
     std::vector<Matrix<Complex4>> alpha, beta;
@@ -151,21 +162,12 @@ void form_influence(Analysis& a, const WaveOfFrequency& wave) {
         beta.push_back(c.beta);
     }
     write_both("1('        Processing panel', i3, $)", {1});
-    const InfluenceStatus status =
-        influence_matrices(mesh, parameters, a.depth_cache, alpha, beta,
+    const InfluenceResult result =
+        influence_matrices(m.panels, parameters, a.depth_cache, alpha, beta,
                            [](int panel) { write_both("2(i6, $)", {panel}); });
     write_both("()");
-    if (status.ier == 1) report_green_failure(status.at);
-    if (status.ier == 3)
-        shutdown_with(a.depth_cache.status == RootStatus::no_wave_number
-                          ? " \n\tIteration for wave number failed\n"
-                          : " \n\tIterations evanescent modes failed\n");
-    if (status.ier == 2) {
-        write_both(
-            "(/, '      Wet panel', i6, ' has no area or a coordinate that is not a finite number')",
-            {status.panel});
-        shutdown();
-    }
+    if (result.status != InfluenceStatus::formed)
+        report_influence_failure(result, a.depth_cache.status);
 }
 
 /// Coincident or badly distorted panels make the equations singular; the factorisation says
@@ -282,9 +284,9 @@ std::span<Complex8> force_column(const Array3<Complex8>& f, int ibeta, int ifreq
 void hyd_incoming_forces(Analysis& analysis, const WaveOfFrequency& wave, int ibeta) {
     TimedStep step(analysis.timers[Timer::incoming]);
     const HydSize& s = analysis.model.size;
-    incoming_potential(incoming_wave(analysis, wave, ibeta), s.symmetry, analysis.model.xyzc,
+    incoming_potential(incoming_wave(analysis, wave, ibeta), s.symmetry, analysis.model.panels.xyzc,
                        analysis.pic);
-    const auto pic = columns_of(analysis.pic);
+    const auto pic = class_columns(analysis.pic);
     generalised_force(panel_modes(analysis), pic, s.rho * s.grav,
                       force_column(analysis.results.fi, ibeta, wave.index));
     if (analysis.results.potincm)
@@ -298,8 +300,8 @@ void hyd_diffraction_forces(Analysis& analysis, const WaveOfFrequency& wave, int
     const IncomingWave incoming = incoming_wave(analysis, wave, ibeta);
     const int images = image_count(s.symmetry);
     for (int m = 1; m <= images; ++m)
-        incoming_normal_velocity(incoming, s.symmetry, m, analysis.model.xyzc,
-                                 analysis.model.paneln, analysis.ph.col(m));
+        incoming_normal_velocity(incoming, s.symmetry, m, analysis.model.panels.xyzc,
+                                 analysis.model.panels.n, analysis.ph.col(m));
     std::vector<Complex4> strength(as_size(s.np));
     for (int k = 1; k <= images; ++k) {
         ClassArrays& c = analysis.classes[nth(k)];

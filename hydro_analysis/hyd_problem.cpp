@@ -37,13 +37,7 @@ HydModel hyd_get_model() {
     const int np = m.size.np, nmode = m.size.nmode;
     m.freq = require_vector<double>(hyd_freq, m.size.nfreq);
     m.beta = require_vector<double>(hyd_beta, m.size.nbeta);
-    m.xyzc = require_matrix<double>(hyd_xyzc, np, 3);
-    m.paneln = require_matrix<double>(hyd_paneln, 3, np);
-    m.xr = require_matrix<double>(hyd_xr, np, 4);
-    m.yr = require_matrix<double>(hyd_yr, np, 4);
-    m.zr = require_matrix<double>(hyd_zr, np, 4);
-    m.area = require_vector<double>(hyd_panela, np);
-    m.type = require_vector<std::int32_t>(hyd_paneltype, np);
+    m.panels = require_panel_mesh(np);
     m.un = require_matrix<double>(hyd_un, nmode, np);
     if (m.size.symmetry != 0) m.modesym = require_vector<std::int32_t>(hyd_modesym, nmode);
     return m;

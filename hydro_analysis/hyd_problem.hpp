@@ -4,7 +4,7 @@
 
 #include "hydro_analysis/coefficients.hpp"
 #include "hydro_analysis/incoming_wave.hpp"
-#include "numeric/types.hpp"
+#include "numeric/panel_geometry.hpp"
 
 #include <numbers>
 
@@ -29,12 +29,8 @@ HydSize hyd_get_problem_size();
 struct HydModel {
     HydSize size;
     std::span<const double> freq, beta; ///< rad/s; radians
-    Matrix<const double> xyzc;          ///< (np,3) centroids
-    Matrix<const double> paneln;        ///< (3,np) unit normals out of the fluid
-    Matrix<const double> xr, yr, zr;    ///< (np,4) corners of the flat panels
-    std::span<const double> area;       ///< (np)
-    std::span<const std::int32_t> type; ///< (np) 0 quadrilateral, 1 triangle
-    Matrix<const double> un;            ///< (nmode,np)
+    PanelMesh panels;
+    Matrix<const double> un; ///< (nmode,np)
     std::span<const std::int32_t> modesym;
 };
 HydModel hyd_get_model();

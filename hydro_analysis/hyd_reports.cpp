@@ -140,9 +140,13 @@ void write_wave_lists(const HydSize& size, int first, std::span<const double> fr
         "80(2x, 'Number of wave headings.............................', i10, /, 2x, 'Wave headings in degrees')",
         {size.nbeta});
     write_both("90(4x, 8f9.4)", {std::span<const double>(angles)});
+    write_wave_frequencies(first, freq);
+}
+
+void write_wave_frequencies(int first, std::span<const double> freq) {
     write_both(
         "100(/, 2x, 'Number of wave frequencies..........................', i10, /, 2x, 'Wave frequencies in rad/sec')",
-        {size.nfreq - first + 1});
+        {freq.size() - nth(first)});
     write_both("110(4x, 8f9.4)", {freq.subspan(nth(first))});
 }
 

@@ -20,6 +20,8 @@ void hyd_problem_summary(const HydSize& size, int first, std::span<const double>
 /// The headings in degrees and the frequencies from `first` on, as every summary prints them.
 void write_wave_lists(const HydSize& size, int first, std::span<const double> freq,
                       std::span<const double> beta);
+/// The frequencies from `first` on alone.
+void write_wave_frequencies(int first, std::span<const double> freq);
 
 /// Added mass, damping and forces of all frequencies to the four files, and the warnings of
 /// negative diagonals to the output file.

@@ -61,7 +61,7 @@ void incoming_normal_velocity(const IncomingWave& wave, int symmetry, int m,
                               Matrix<const double> xyzc, Matrix<const double> n,
                               std::span<Complex8> h) {
     const double c = std::cos(wave.beta), s = std::sin(wave.beta);
-    const double sign_x = image_sign_x(symmetry, m), sign_y = image_sign_y(symmetry, m);
+    const auto [sign_x, sign_y] = reflection_of(symmetry, m);
     for (int p = 1; p <= xyzc.rows; ++p) {
         const double x = sign_x * xyzc(p, 1), y = sign_y * xyzc(p, 2);
         const double nx = sign_x * n(1, p), ny = sign_y * n(2, p);
@@ -69,6 +69,15 @@ void incoming_normal_velocity(const IncomingWave& wave, int symmetry, int m,
         const Complex8 e = std::polar(1.0, -wave.k * (x * c + y * s));
         h[nth(p)] = -wave.omega * Complex8((nx * c + ny * s) * A, n(3, p) * B) * e;
     }
+}
+
+std::array<Complex8, 3> incoming_velocity(const IncomingWave& wave, double grav, const Vec3& x) {
+    const double c = std::cos(wave.beta), s = std::sin(wave.beta);
+    const double Zf = depth_decay(wave, x[2]);
+    // Zf' = k Zf tanh(k (z + depth)), in deep water k Zf
+    const double slope = wave.deep ? Zf : Zf * std::tanh(wave.k * (x[2] + wave.depth));
+    const Complex8 e = std::polar(grav * wave.k / wave.omega, -wave.k * (x[0] * c + x[1] * s));
+    return {c * Zf * e, s * Zf * e, Complex8(-e.imag(), e.real()) * slope};
 }
 
 } // namespace quelor

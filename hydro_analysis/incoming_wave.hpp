@@ -6,6 +6,7 @@
 #pragma once
 
 #include "numeric/types.hpp"
+#include "numeric/vectors.hpp"
 
 namespace quelor {
 
@@ -32,5 +33,8 @@ void incoming_potential(const IncomingWave& wave, int symmetry, Matrix<const dou
 void incoming_normal_velocity(const IncomingWave& wave, int symmetry, int m,
                               Matrix<const double> xyzc, Matrix<const double> n,
                               std::span<Complex8> h);
+
+/// Velocity of the water at a point: the gradient of phi_I, Zf taken to be that of `deep`.
+std::array<Complex8, 3> incoming_velocity(const IncomingWave& wave, double grav, const Vec3& x);
 
 } // namespace quelor

@@ -6,12 +6,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstring>
-#include <vector>
 
-#include "green/deep_wave.hpp"
-#include "hydro_analysis/influence_tile.hpp"
 #include "hydro_analysis/symmetry.hpp"
 
 namespace quelor {
@@ -22,20 +18,11 @@ constexpr int tile = 32; // a tile's buffers stay in the second-level cache
 // Distance of the arrays of a tile. With a power of two their elements would share few cache sets.
 constexpr std::ptrdiff_t plane = tile * tile + 24;
 
-// All panels, lengths times K; 0-based.
-struct ScaledMesh {
-    int np;
-    std::vector<double> values;
-    PanelBlock block;
-    std::vector<SourcePanel> source;
-};
-
 // Everything a tile needs; 0-based.
 struct Tiles {
-    const ScaledMesh& mesh;
+    const ScaledPanels& panels;
     int symmetry, ns;
-    double hnd;     // K depth
-    double h_green; // the same, or -1 for deep water
+    GreenWater water;
     double K;
     const DepthCache& cache;
     std::span<const Matrix<Complex4>> alpha, beta;
@@ -53,47 +40,14 @@ struct Range {
 
 } // namespace
 
-SourcePanel source_panel(const PanelMesh& mesh, int p, double K, double gauge) {
-    std::array<GreenPoint, 4> corners;
-    for (int k = 1; k <= 4; ++k) {
-        corners[nth(k)] = {K * mesh.xr(p, k), K * mesh.yr(p, k), K * mesh.zr(p, k)};
-    }
-    const double area = mesh.area[nth(p)] * K * K;
-    return {flat_panel(corners, mesh.type[nth(p)] == 1),
-            {K * mesh.xyzc(p, 1), K * mesh.xyzc(p, 2), K * mesh.xyzc(p, 3)},
-            area,
-            std::sqrt(area) * gauge};
-}
-
-static ScaledMesh scaled_mesh(const PanelMesh& mesh, const InfluenceParameters& parameters) {
-    const int np = mesh.xyzc.rows;
-    ScaledMesh scaled{np, std::vector<double>(8 * as_size(np)), {}, {}};
-    double* v = scaled.values.data();
-    const auto column = [&](int k) { return v + std::ptrdiff_t{k} * np; };
-    scaled.source.reserve(as_size(np));
-    for (int p = 1; p <= np; ++p) {
-        const SourcePanel source = source_panel(mesh, p, parameters.K, parameters.gauge);
-        const double row[] = {source.centroid.x, source.centroid.y, source.centroid.z, mesh.n(1, p),
-                              mesh.n(2, p),      mesh.n(3, p),      source.area,       source.L};
-        for (int k = 0; k < 8; ++k)
-            column(k)[p - 1] = row[k];
-        scaled.source.push_back(source);
-    }
-    scaled.block = {np,        column(0), column(1), column(2), column(3),
-                    column(4), column(5), column(6), column(7)};
-    return scaled;
-}
-
-static Tiles make_tiles(const ScaledMesh& mesh, const InfluenceParameters& parameters,
+static Tiles make_tiles(const ScaledPanels& panels, const InfluenceParameters& parameters,
                         const DepthCache& cache, std::span<const Matrix<Complex4>> alpha,
                         std::span<const Matrix<Complex4>> beta) {
     const int ns = image_count(parameters.symmetry);
-    const double hnd = parameters.K * parameters.depth;
-    Tiles t{mesh,
+    Tiles t{panels,
             parameters.symmetry,
             ns,
-            hnd,
-            parameters.deep_water_limit >= hnd ? hnd : -1.0,
+            parameters.water(),
             parameters.K,
             cache,
             alpha,
@@ -105,93 +59,64 @@ static Tiles make_tiles(const ScaledMesh& mesh, const InfluenceParameters& param
             std::vector<Complex4>(2 * as_size(plane))};
     double* next = t.numbers.data();
     for (double** pointer :
-         {&t.geometry.R, &t.geometry.Z, &t.geometry.d1, &t.geometry.d2, &t.wave.f1, &t.wave.f2,
-          &t.wave.f3, &t.wave.f7, &t.wave.g1, &t.wave.g2, &t.wave.g3, &t.wave.g7}) {
-        *pointer = next;
-        next += plane;
-    }
+         {&t.geometry.R, &t.geometry.Z, &t.geometry.d1, &t.geometry.d2, &t.wave.re, &t.wave.re_R,
+          &t.wave.re_1, &t.wave.re_2, &t.wave.im, &t.wave.im_R, &t.wave.im_1, &t.wave.im_2})
+        *pointer = cut(next, plane);
     for (double** pointer :
          {&t.values.G, &t.values.G_mirror, &t.values.G_im, &t.values.D, &t.values.D_im,
-          &t.values.D_mirror, &t.values.D_mirror_im, &t.values.r}) {
-        *pointer = next;
-        next += plane * ns;
-    }
+          &t.values.D_mirror, &t.values.D_mirror_im, &t.values.r})
+        *pointer = cut(next, plane * ns);
     return t;
 }
 
-static RowPanel row_panel(const Tiles& t, int i, int m) {
-    const PanelBlock& b = t.mesh.block;
-    return {b.x[i],
-            b.y[i],
-            b.z[i],
-            b.nx[i],
-            b.ny[i],
-            b.nz[i],
-            b.area[i],
-            b.L[i],
-            image_sign_x(t.symmetry, m),
-            image_sign_y(t.symmetry, m)};
-}
-
 // Potential and normal derivative at panel j for source i, near field, per unit area of the source.
-static void near_pair(const Tiles& t, int j, int i, const RowPanel& row, double R, double f1,
-                      double f2, double f3, double& G, double& D) {
-    const PanelBlock& b = t.mesh.block;
-    const SourcePanel& source = t.mesh.source[as_size(i)];
-    const RankineIntegral I =
-        rankine_terms({b.x[j], b.y[j], b.z[j]}, source, row.sign_x, row.sign_y, t.hnd);
-    const double dx = b.x[j] - row.sign_x * b.x[i], dy = b.y[j] - row.sign_y * b.y[i];
-    const double h = R > 1e-6 ? f2 / R : 0.0;
+static void near_pair(const Tiles& t, int j, int i, Reflection reflection, double R, double re,
+                      double re_R, double re_depth, double& G, double& D) {
+    const PanelBlock field = t.panels.block(j, 1);
+    const SourcePanel& source = t.panels.source(i);
+    const Vec3 p = field.at(0), n = field.normal(0);
+    const auto [value, gradient] = rankine_terms(p, source, reflection, t.water.hnd);
+    const double dx = p[0] - reflection.x * source.centroid[0];
+    const double dy = p[1] - reflection.y * source.centroid[1];
+    const double h = R > 1e-6 ? re_R / R : 0.0;
     const double area = source.area;
-    G = f1 + I.value / area;
-    D = b.nx[j] * (dx * h + I.x / area) + b.ny[j] * (dy * h + I.y / area) +
-        b.nz[j] * (I.z / area - f3);
+    G = re + value / area;
+    D = n[0] * (dx * h + gradient[0] / area) + n[1] * (dy * h + gradient[1] / area) +
+        n[2] * (gradient[2] / area - re_depth);
 }
 
 // Replaces the values of the pairs of row i that lie within the length of their source.
-static void near_row(const Tiles& t, const RowPanel& row, int i, Range columns, int offset,
-                     const PairValues& v) {
+static void near_row(const Tiles& t, int i, Reflection reflection, Range columns,
+                     const PairGeometry& pairs, const WaveTerms& wave, const PairValues& v) {
+    const double L = t.panels.source(i).L;
     for (int k = 0; k < columns.n; ++k) {
-        const int j = columns.first + k, w = offset + k;
-        if (v.r[k] <= row.L) {
-            near_pair(t, j, i, row, t.geometry.R[w], t.wave.f1[w], t.wave.f2[w], t.wave.f3[w],
+        const int j = columns.first + k;
+        if (v.r[k] <= L)
+            near_pair(t, j, i, reflection, pairs.R[k], wave.re[k], wave.re_R[k], wave.re_1[k],
                       v.G[k], v.D[k]);
-        }
-        if (v.r[k] <= t.mesh.block.L[j]) {
-            near_pair(t, i, j, row, t.geometry.R[w], t.wave.f1[w], t.wave.f2[w], t.wave.f7[w],
+        if (v.r[k] <= t.panels.source(j).L)
+            near_pair(t, i, j, reflection, pairs.R[k], wave.re[k], wave.re_R[k], wave.re_2[k],
                       v.G_mirror[k], v.D_mirror[k]);
-        }
-    }
-}
-
-static void evaluate_wave(const Tiles& t, int n) {
-    const std::size_t count = as_size(n);
-    if (t.h_green > 0) {
-        finite_wave_terms({t.geometry.R, count}, {t.geometry.d1, count}, {t.geometry.d2, count},
-                          t.cache, t.wave);
-    } else {
-        deep_wave_terms({t.geometry.R, count}, {t.geometry.Z, count}, t.wave);
     }
 }
 
 // Values of all pairs of a tile for image m.
 static void evaluate_image(const Tiles& t, int m, Range rows, Range columns) {
-    const PanelBlock block = t.mesh.block.from(columns.first, columns.n);
+    const PanelBlock block = t.panels.block(columns.first, columns.n);
+    const Reflection reflection = reflection_of(t.symmetry, m);
+    for (int a = 0; a < rows.n; ++a)
+        pair_geometry(block, t.panels.block(rows.first + a, 1), reflection,
+                      t.geometry.from(a * columns.n));
+    evaluate_waves(t.water, t.cache, rows.n * columns.n, t.geometry, t.wave);
+    const double twice_depth = t.water.h_green > 0 ? 2 * t.water.hnd : 0.0;
     for (int a = 0; a < rows.n; ++a) {
-        pair_geometry(block, row_panel(t, rows.first + a, m), t.geometry.from(a * columns.n));
-    }
-    evaluate_wave(t, rows.n * columns.n);
-    const double twice_depth = t.h_green > 0 ? 2 * t.hnd : 0.0;
-    for (int a = 0; a < rows.n; ++a) {
-        const int offset = a * columns.n;
-        const RowPanel row = row_panel(t, rows.first + a, m);
+        const int i = rows.first + a, offset = a * columns.n;
+        const PairGeometry pairs = t.geometry.from(offset);
+        const WaveTerms wave = t.wave.from(offset);
         const PairValues values = t.values.from((m - 1) * plane + offset);
-        const WaveTerms& w = t.wave;
-        const WaveTerms wave = {w.f1 + offset, w.f2 + offset, w.f3 + offset, w.f7 + offset,
-                                w.g1 + offset, w.g2 + offset, w.g3 + offset, w.g7 + offset};
-        if (far_row(block, row, twice_depth, t.geometry.R + offset, wave, values) > 0) {
-            near_row(t, row, rows.first + a, columns, offset, values);
-        }
+        if (far_row(block, t.panels.block(i, 1), reflection, twice_depth, pairs.R, wave, values) >
+            0)
+            near_row(t, i, reflection, columns, pairs, wave, values);
     }
 }
 
@@ -215,7 +140,7 @@ static void write_class(Tiles& t, int k, Range rows, Range columns) {
     for (int a = 0; a < rows.n; ++a) {
         const int first = diagonal ? a : 0, offset = a * columns.n + first;
         const int i = rows.first + a, j = columns.first + first;
-        class_row(t.mesh.block.from(j, columns.n - first), t.mesh.block.area[i],
+        class_row(t.panels.block(j, columns.n - first), t.panels.source(i).area,
                   t.values.from(offset), plane, t.ns, sign.data(), 1.0 / t.K,
                   {&alpha(j + 1, i + 1), &beta(j + 1, i + 1), alpha_mirror + offset,
                    beta_mirror + offset});
@@ -230,66 +155,15 @@ static void write_class(Tiles& t, int k, Range rows, Range columns) {
     }
 }
 
-static bool finite_panel(const SourcePanel& s, const PanelBlock& b, int p) {
-    double sum = s.area + s.flat.normal.x + s.flat.normal.y + s.flat.normal.z + b.nx[p] + b.ny[p] +
-                 b.nz[p] + s.centroid.x + s.centroid.y + s.centroid.z;
-    for (std::size_t k = 0; k < 4; ++k)
-        sum += s.flat.x[k] + s.flat.y[k] + s.flat.z[k];
-    return std::isfinite(sum) && s.area > 0;
-}
-
-static GreenInfluence pair_by_ggn(const Tiles& t, int j, int i, int m, DepthCache& cache) {
-    const PanelBlock& b = t.mesh.block;
-    return ggn(
-        {{b.x[j], b.y[j], b.z[j]}, {b.nx[j], b.ny[j], b.nz[j]}},
-        {t.mesh.source[as_size(i)], image_sign_x(t.symmetry, m), image_sign_y(t.symmetry, m)},
-        {t.hnd, t.h_green}, cache);
-}
-
-// The first pair of source panel i that has no Green function. One below the bottom has none with
-// any panel; the near field, which does not ask, must not hide it.
-static InfluenceStatus check_source(const Tiles& t, int i, DepthCache& cache) {
-    for (int j = 0; j < t.mesh.np; ++j) {
-        for (int m = 1; m <= t.ns; ++m) {
-            const GreenInfluence pair = pair_by_ggn(t, j, i, m, cache);
-            if (pair.ier != 0) return {1, i + 1, pair};
-        }
-    }
-    const bool below = t.h_green > 0 && -t.mesh.block.z[i] > t.h_green;
-    if (!below) return {};
-    GreenInfluence self = pair_by_ggn(t, i, i, 1, cache);
-    self.ier = 1;
-    return {1, i + 1, self};
-}
-
-// Only panels below the bottom or immensely far away can lack a Green function.
-static InfluenceStatus check_panels(const Tiles& t, DepthCache& cache) {
-    const PanelBlock& b = t.mesh.block;
-    for (int p = 0; p < b.n; ++p) {
-        if (!finite_panel(t.mesh.source[as_size(p)], b, p)) return {2, p + 1, {}};
-    }
-    const double deepest = t.h_green > 0 ? t.h_green : 4e7, farthest = 2e7;
-    for (int p = 0; p < b.n; ++p) {
-        if (-b.z[p] <= deepest && std::abs(b.x[p]) <= farthest && std::abs(b.y[p]) <= farthest) {
-            continue;
-        }
-        const InfluenceStatus status = check_source(t, p, cache);
-        if (status.ier != 0) return status;
-    }
-    return {};
-}
-
-InfluenceStatus influence_matrices(const PanelMesh& mesh, const InfluenceParameters& parameters,
+InfluenceResult influence_matrices(const PanelMesh& mesh, const InfluenceParameters& parameters,
                                    DepthCache& cache, std::span<const Matrix<Complex4>> alpha,
                                    std::span<const Matrix<Complex4>> beta,
                                    const std::function<void(int)>& progress) {
-    const ScaledMesh scaled = scaled_mesh(mesh, parameters);
-    const int np = scaled.np;
-    Tiles t = make_tiles(scaled, parameters, cache, alpha, beta);
-    if (t.h_green > 0 && cache.h != t.h_green) cache = prepare_depth(t.h_green);
-    if (t.h_green > 0 && cache.status != RootStatus::found) return {3, 0, {}};
-    const InfluenceStatus status = check_panels(t, cache);
-    if (status.ier != 0) return status;
+    const ScaledPanels panels(mesh, parameters);
+    const int np = panels.count();
+    const InfluenceResult result = check_panels(panels, parameters, cache);
+    if (result.status != InfluenceStatus::formed) return result;
+    Tiles t = make_tiles(panels, parameters, cache, alpha, beta);
     for (int i = 0; i < np; i += tile) {
         const Range rows = {i, std::min(tile, np - i)};
         for (int j = i; j < np; j += tile) {

@@ -15,9 +15,10 @@
 namespace quelor {
 
 QUELOR_CLONES
-void pair_geometry(const PanelBlock& block, const RowPanel& row, const PairGeometry& out) {
-    const double xs = row.sign_x * row.x, ys = row.sign_y * row.y;
-    const double depth = row.z < 0 ? -row.z : 0.0;
+void pair_geometry(const PointBlock& block, const PointBlock& row, Reflection reflection,
+                   const PairGeometry& out) {
+    const double xs = reflection.x * row.x[0], ys = reflection.y * row.y[0];
+    const double depth = row.z[0] < 0 ? -row.z[0] : 0.0;
     const double* __restrict x = block.x, * __restrict y = block.y, * __restrict z = block.z;
     double* __restrict R = out.R, * __restrict Z = out.Z;
     double* __restrict d1 = out.d1, * __restrict d2 = out.d2;
@@ -35,20 +36,22 @@ void pair_geometry(const PanelBlock& block, const RowPanel& row, const PairGeome
 namespace {
 
 // With S the sum of 1/r^3 over the Rankine terms, the gradient at j for the source i is
-// horizontally (dx, dy) (f2/R - S) and vertically -f3 - sum dz/r^3. In the mirror pair dx and dy
-// change sign where the image keeps theirs, dz changes sign in 1/r alone, and f7 stands for f3.
+// horizontally (dx, dy) (re_R/R - S) and vertically -re_1 - sum dz/r^3. In the mirror pair dx and
+// dy change sign where the image keeps theirs, dz changes sign in 1/r alone, and re_2 stands for
+// re_1.
 template <bool finite>
-QUELOR_INLINE int far_row_of(const PanelBlock& block, const RowPanel& row, double twice_depth,
-                             const double* __restrict R, const WaveTerms& wave,
+QUELOR_INLINE int far_row_of(const PanelBlock& block, const PanelBlock& row, Reflection reflection,
+                             double twice_depth, const double* __restrict R, const WaveTerms& wave,
                              const PairValues& out) {
-    const double xs = row.sign_x * row.x, ys = row.sign_y * row.y, zs = row.z, L = row.L;
-    const double nx_mirror = -row.sign_x * row.nx, ny_mirror = -row.sign_y * row.ny, nz = row.nz;
+    const double xs = reflection.x * row.x[0], ys = reflection.y * row.y[0], zs = row.z[0];
+    const double nx_mirror = -reflection.x * row.nx[0], ny_mirror = -reflection.y * row.ny[0];
+    const double nz = row.nz[0], L = row.L[0];
     const double* __restrict x = block.x, * __restrict y = block.y, * __restrict z = block.z;
     const double* __restrict nxj = block.nx, * __restrict nyj = block.ny, * __restrict nzj = block.nz;
     const double* __restrict Lj = block.L;
-    const double* __restrict f1 = wave.f1, * __restrict f2 = wave.f2, * __restrict f3 = wave.f3;
-    const double* __restrict f7 = wave.f7, * __restrict g1 = wave.g1, * __restrict g2 = wave.g2;
-    const double* __restrict g3 = wave.g3, * __restrict g7 = wave.g7;
+    const double* __restrict re = wave.re, * __restrict re_R = wave.re_R, * __restrict re_1 = wave.re_1;
+    const double* __restrict re_2 = wave.re_2, * __restrict im = wave.im, * __restrict im_R = wave.im_R;
+    const double* __restrict im_1 = wave.im_1, * __restrict im_2 = wave.im_2;
     double* __restrict G = out.G, * __restrict G_mirror = out.G_mirror, * __restrict G_im = out.G_im;
     double* __restrict D = out.D, * __restrict D_im = out.D_im, * __restrict r_out = out.r;
     double* __restrict D_mirror = out.D_mirror, * __restrict D_mirror_im = out.D_mirror_im;
@@ -71,17 +74,17 @@ QUELOR_INLINE int far_row_of(const PanelBlock& block, const RowPanel& row, doubl
         const double direct = dz * p3;
         const bool apart = R[j] > 1e-6;
         const double Rinv = 1.0 / (apart ? R[j] : 1.0);
-        const double h = apart ? f2[j] * Rinv - cubes : 0.0;
-        const double h_im = apart ? g2[j] * Rinv : 0.0;
+        const double h = apart ? re_R[j] * Rinv - cubes : 0.0;
+        const double h_im = apart ? im_R[j] * Rinv : 0.0;
         const double along = nxj[j] * dx + nyj[j] * dy;
         const double along_mirror = nx_mirror * dx + ny_mirror * dy;
-        G[j] = f1[j] + potential;
-        G_mirror[j] = f1[j] + potential;
-        G_im[j] = g1[j];
-        D[j] = along * h + nzj[j] * (vertical - direct - f3[j]);
-        D_im[j] = along * h_im - nzj[j] * g3[j];
-        D_mirror[j] = along_mirror * h + nz * (vertical + direct - f7[j]);
-        D_mirror_im[j] = along_mirror * h_im - nz * g7[j];
+        G[j] = re[j] + potential;
+        G_mirror[j] = re[j] + potential;
+        G_im[j] = im[j];
+        D[j] = along * h + nzj[j] * (vertical - direct - re_1[j]);
+        D_im[j] = along * h_im - nzj[j] * im_1[j];
+        D_mirror[j] = along_mirror * h + nz * (vertical + direct - re_2[j]);
+        D_mirror_im[j] = along_mirror * h_im - nz * im_2[j];
         r_out[j] = r;
         const double reach = L > Lj[j] ? L : Lj[j];
         near += r <= reach ? 1 : 0;
@@ -120,13 +123,55 @@ QUELOR_INLINE void class_row_of(const PanelBlock& block, double area, const Pair
     }
 }
 
+template <bool finite>
+QUELOR_INLINE int far_potential_of(const PointBlock& block, const PanelBlock& row,
+                                   Reflection reflection, double twice_depth,
+                                   const double* __restrict re, double* __restrict G,
+                                   double* __restrict r_out) {
+    const double xs = reflection.x * row.x[0], ys = reflection.y * row.y[0], zs = row.z[0];
+    const double L = row.L[0];
+    const double* __restrict x = block.x, * __restrict y = block.y, * __restrict z = block.z;
+    std::int64_t near = 0;
+    QUELOR_INDEPENDENT
+    for (int j = 0; j < block.n; ++j) {
+        const double dx = x[j] - xs, dy = y[j] - ys, dz = z[j] - zs, sum_z = z[j] + zs;
+        const double R2 = dx * dx + dy * dy;
+        const double r = std::sqrt(R2 + dz * dz);
+        double potential = 1.0 / r + 1.0 / std::sqrt(R2 + sum_z * sum_z);
+        if constexpr (finite) {
+            const double bottom_z = sum_z + twice_depth;
+            potential += 1.0 / std::sqrt(R2 + bottom_z * bottom_z);
+        }
+        G[j] = re[j] + potential;
+        r_out[j] = r;
+        near += r <= L ? 1 : 0;
+    }
+    return static_cast<int>(near);
+}
+
+template <int ns>
+QUELOR_INLINE void class_potential_of(int n, double factor, const double* __restrict G,
+                                      const double* __restrict im, std::ptrdiff_t stride,
+                                      const double* __restrict sign, Complex4* __restrict alpha) {
+    QUELOR_INDEPENDENT
+    for (int j = 0; j < n; ++j) {
+        double real = 0, imaginary = 0;
+#pragma GCC unroll 4
+        for (int m = 0; m < ns; ++m) {
+            real += sign[m] * G[j + m * stride];
+            imaginary += sign[m] * im[j + m * stride];
+        }
+        alpha[j] = {static_cast<float>(factor * real), static_cast<float>(factor * imaginary)};
+    }
+}
+
 } // namespace
 
 QUELOR_CLONES
-int far_row(const PanelBlock& block, const RowPanel& row, double twice_depth, const double* R,
-            const WaveTerms& wave, const PairValues& out) {
-    if (twice_depth > 0) return far_row_of<true>(block, row, twice_depth, R, wave, out);
-    return far_row_of<false>(block, row, twice_depth, R, wave, out);
+int far_row(const PanelBlock& block, const PanelBlock& row, Reflection reflection,
+            double twice_depth, const double* R, const WaveTerms& wave, const PairValues& out) {
+    if (twice_depth > 0) return far_row_of<true>(block, row, reflection, twice_depth, R, wave, out);
+    return far_row_of<false>(block, row, reflection, twice_depth, R, wave, out);
 }
 
 QUELOR_CLONES
@@ -136,6 +181,22 @@ void class_row(const PanelBlock& block, double area, const PairValues& values,
     if (ns == 1) return class_row_of<1>(block, area, values, stride, sign, inverse_K, out);
     if (ns == 2) return class_row_of<2>(block, area, values, stride, sign, inverse_K, out);
     class_row_of<4>(block, area, values, stride, sign, inverse_K, out);
+}
+
+QUELOR_CLONES
+int far_potential(const PointBlock& block, const PanelBlock& row, Reflection reflection,
+                  double twice_depth, const double* re, double* G, double* r) {
+    if (twice_depth > 0)
+        return far_potential_of<true>(block, row, reflection, twice_depth, re, G, r);
+    return far_potential_of<false>(block, row, reflection, twice_depth, re, G, r);
+}
+
+QUELOR_CLONES
+void class_potential(int n, double factor, const double* G, const double* im, std::ptrdiff_t stride,
+                     int ns, const double* sign, Complex4* alpha) {
+    if (ns == 1) return class_potential_of<1>(n, factor, G, im, stride, sign, alpha);
+    if (ns == 2) return class_potential_of<2>(n, factor, G, im, stride, sign, alpha);
+    class_potential_of<4>(n, factor, G, im, stride, sign, alpha);
 }
 
 } // namespace quelor

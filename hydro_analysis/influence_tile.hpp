@@ -9,25 +9,31 @@
 #include <cstddef>
 
 #include "green/wave_terms.hpp"
-#include "numeric/types.hpp"
+#include "numeric/panel_geometry.hpp"
 
 namespace quelor {
 
-/// Centroids, normals, areas and lengths L of consecutive panels, n of each.
-struct PanelBlock {
-    int n;
-    const double *x, *y, *z, *nx, *ny, *nz, *area, *L;
+/// n points side by side.
+struct PointBlock {
+    int n = 0;
+    const double *x = nullptr, *y = nullptr, *z = nullptr;
 
-    PanelBlock from(int first, int count) const {
-        return {count,      x + first,  y + first,    z + first, nx + first,
-                ny + first, nz + first, area + first, L + first};
-    }
+    Vec3 at(int j) const { return {x[j], y[j], z[j]}; }
 };
 
-/// One panel i of a row, and the reflection by which it, and j in the mirror pair, is a source.
-struct RowPanel {
-    double x, y, z, nx, ny, nz, area, L;
-    double sign_x, sign_y;
+/// Centroids, normals, areas and lengths L of consecutive panels; 0-based.
+struct PanelBlock : PointBlock {
+    const double *nx = nullptr, *ny = nullptr, *nz = nullptr, *area = nullptr, *L = nullptr;
+
+    Vec3 normal(int j) const { return {nx[j], ny[j], nz[j]}; }
+    PanelBlock from(int first, int count) const {
+        return {{count, x + first, y + first, z + first},
+                nx + first,
+                ny + first,
+                nz + first,
+                area + first,
+                L + first};
+    }
 };
 
 /// What the wave terms depend on: horizontal distance R, depth sum Z and the depths d1 of j, d2 of
@@ -37,7 +43,9 @@ struct PairGeometry {
 
     PairGeometry from(int k) const { return {R + k, Z + k, d1 + k, d2 + k}; }
 };
-void pair_geometry(const PanelBlock& block, const RowPanel& row, const PairGeometry& out);
+/// The points of the block and the first of the row, which is reflected.
+void pair_geometry(const PointBlock& block, const PointBlock& row, Reflection reflection,
+                   const PairGeometry& out);
 
 /// Green function G and normal derivative D of a pair and of its mirror pair (G of which differs in
 /// the near field only). r is the distance of the centroids.
@@ -50,11 +58,12 @@ struct PairValues {
     }
 };
 
-/// Far field: the wave terms plus 1/r, 1/r1 and, for twice_depth > 0, 1/r2, all from the centroids.
+/// Far field of the block and the first panel of the row: the wave terms plus 1/r, 1/r1 and, for
+/// twice_depth > 0, 1/r2, all from the centroids; the panel that is the source is reflected.
 /// No horizontal gradient below R = 1e-6. Returns how many pairs have r within the larger of the
 /// two lengths L; their values are to be replaced.
-int far_row(const PanelBlock& block, const RowPanel& row, double twice_depth, const double* R,
-            const WaveTerms& wave, const PairValues& out);
+int far_row(const PanelBlock& block, const PanelBlock& row, Reflection reflection,
+            double twice_depth, const double* R, const WaveTerms& wave, const PairValues& out);
 
 /// Sums over the images with the signs of one class, times the area of the source.
 /// values           in   the first image; image m lies (m - 1) * stride further
@@ -68,5 +77,16 @@ struct ClassRow {
 void class_row(const PanelBlock& block, double area, const PairValues& values,
                std::ptrdiff_t stride, int ns, const double* sign, double inverse_K,
                const ClassRow& out);
+
+/// Potential alone at the points of the block for the first panel of the row, reflected, far field:
+/// re, the real part of the wave terms, plus the Rankine terms as in far_row. Returns how many
+/// points have r within the panel's length L; their values are to be replaced.
+int far_potential(const PointBlock& block, const PanelBlock& row, Reflection reflection,
+                  double twice_depth, const double* re, double* G, double* r);
+
+/// alpha = factor * sum over the images of sign (G + i im), n values; image m lies (m - 1) * stride
+/// further.
+void class_potential(int n, double factor, const double* G, const double* im, std::ptrdiff_t stride,
+                     int ns, const double* sign, Complex4* alpha);
 
 } // namespace quelor

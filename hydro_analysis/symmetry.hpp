@@ -7,6 +7,8 @@
 // and the inverse is image m = sum over k of class_sign(symmetry, k, m) class k / number of images.
 #pragma once
 
+#include "numeric/panel_geometry.hpp"
+
 namespace quelor {
 
 /// Number of images of a panel, itself included, and of symmetry classes.
@@ -14,22 +16,21 @@ constexpr int image_count(int symmetry) {
     return symmetry == 0 ? 1 : symmetry == 1 ? 2 : 4;
 }
 
-/// Sign of the x coordinate of image m.
-constexpr double image_sign_x(int symmetry, int m) {
-    return symmetry == 2 && (m == 2 || m == 3) ? -1.0 : 1.0;
-}
-/// Sign of the y coordinate of image m.
-constexpr double image_sign_y(int symmetry, int m) {
-    return (symmetry == 1 && m == 2) || (symmetry == 2 && m >= 3) ? -1.0 : 1.0;
+/// The reflection that makes image m of a point.
+constexpr Reflection reflection_of(int symmetry, int m) {
+    const bool in_x = symmetry == 2 && (m == 2 || m == 3);
+    const bool in_y = (symmetry == 1 && m == 2) || (symmetry == 2 && m >= 3);
+    return {in_x ? -1.0 : 1.0, in_y ? -1.0 : 1.0};
 }
 
 /// Sign of image m in the sum of class k. Classes of double symmetry (parity in y, in x):
 /// 1 even odd, 2 odd even, 3 even even, 4 odd odd; of single symmetry: 1 even, 2 odd in y.
 constexpr double class_sign(int symmetry, int k, int m) {
+    const auto [x, y] = reflection_of(symmetry, m);
     if (symmetry == 0) return 1.0;
-    if (symmetry == 1) return k == 2 ? image_sign_y(1, m) : 1.0;
-    const double in_x = k == 1 || k == 4 ? image_sign_x(2, m) : 1.0;
-    const double in_y = k == 2 || k == 4 ? image_sign_y(2, m) : 1.0;
+    if (symmetry == 1) return k == 2 ? y : 1.0;
+    const double in_x = k == 1 || k == 4 ? x : 1.0;
+    const double in_y = k == 2 || k == 4 ? y : 1.0;
     return in_x * in_y;
 }
 

@@ -12,8 +12,6 @@ namespace quelor {
 
 namespace {
 
-using Vector3 = std::array<double, 3>;
-
 // --- nodes
 
 /// Lists the active nodes on the wrong side of a plane of symmetry.
@@ -51,9 +49,9 @@ void report_nodes(const MeshPart& part, int body_sym) {
 // --- volume
 
 struct BodyVolume {
-    Vector3 projections; ///< volume by x, y and z projection, whole body
+    Vec3 projections; ///< volume by x, y and z projection, whole body
     double average, area;
-    Vector3 buoyancy; ///< centre of buoyancy, inertial
+    Vec3 buoyancy; ///< centre of buoyancy, inertial
 };
 
 /// The centre comes from the sums on the meshed part, where numerator and volume agree; in a plane
@@ -82,7 +80,7 @@ void report_volume(const BodyVolume& body) {
         {body.projections[0], body.projections[1], body.projections[2], body.average, body.area});
 }
 
-void report_centers(const Vector3& buoyancy, const Vector3& gravity) {
+void report_centers(const Vec3& buoyancy, const Vec3& gravity) {
     write_unit(
         unit_output,
         "20(6x, 'Center of Buoyancy in Inertial Coordinates', /, 10x, 'X-coordinate...............................', 1pe15.4, /, 10x, 'Y-coordinate...............................', 1e15.4, /, 10x, 'Z-coordinate...............................', 1e15.4, /)",

@@ -174,51 +174,47 @@ void read_modes(const FlexSizes& s, const ModeArrays& modes) {
 
 // --- normals and stiffness
 
-/// A wet panel as the modes see it.
-struct PanelNodes {
+/// A wet panel as the modes see it: its nodes, and the weights of their rotations.
+struct MovingPanel {
     int p;
     std::array<int, 4> nodes;
-    PanelShape shape;
+    Vec3 normal;
+    Corners weights;
 };
 
-std::vector<PanelNodes> panel_nodes(const FlexSizes& s) {
+std::vector<MovingPanel> moving_panels(const FlexSizes& s) {
     const auto map = require_vector<std::int32_t>(hyd_panel_map);
     const auto el = require_matrix<std::int32_t>(hyd_panel_el, 4, static_cast<int>(map.size()));
-    const auto n = require_matrix<double>(hyd_paneln, 3, s.np);
-    const auto xr = require_matrix<double>(hyd_xr, s.np, 4);
-    const auto yr = require_matrix<double>(hyd_yr, s.np, 4);
-    const auto zr = require_matrix<double>(hyd_zr, s.np, 4);
-    std::vector<PanelNodes> panels;
+    const PanelMesh mesh = require_panel_mesh(s.np);
+    std::vector<MovingPanel> panels;
     for (int e = 1; e <= el.cols; ++e) {
         const int p = map[nth(e)];
         if (p < 1) continue;
         if (p > s.np) shutdown_with(" \n\tThe panel map does not fit the number of wet panels\n");
-        PanelNodes panel{p, {}, {}};
-        Corners corners{};
+        MovingPanel panel{p, {}, mesh.normal(p), {}};
         for (int i = 1; i <= 4; ++i) {
             const int node = i == 4 && el(4, e) == 0 ? el(3, e) : el(i, e);
             if (node < 1 || node > s.nnodes) shutdown_with(" \n\tNodes of a panel out of range\n");
             panel.nodes[nth(i)] = node;
-            corners[nth(i)] = {xr(p, i), yr(p, i), zr(p, i)};
         }
-        panel.shape = panel_shape(corners, {n(1, p), n(2, p), n(3, p)});
+        panel.weights = rotation_weights(mesh.panel(p).corners, panel.normal);
         panels.push_back(panel);
     }
     return panels;
 }
 
 void form_flexible_normals(const FlexSizes& s, const ModeArrays& modes) {
-    const auto panels = panel_nodes(s);
+    const auto panels = moving_panels(s);
     for (int m = s.nmoder + 1; m <= s.nmode; ++m)
-        for (const auto& [p, nodes, shape] : panels) {
+        for (const auto& [p, nodes, normal, weights] : panels) {
             Corners u{}, theta{};
             for (std::size_t k = 0; k < 4; ++k)
                 for (std::size_t i = 0; i < 3; ++i) {
                     u[k][i] = modes.nodal[i](nodes[k], m);
                     theta[k][i] = modes.nodal[i + 3](nodes[k], m);
                 }
-            const Vector3 d = panel_displacement(shape, u, theta), &n = shape.normal;
-            modes.un(m, p) = d[0] * n[0] + d[1] * n[1] + d[2] * n[2];
+            const Vec3 d = panel_displacement(normal, weights, u, theta);
+            modes.un(m, p) = dot_product(d, normal);
             modes.uz(m, p) = d[2];
         }
     write_both("(a)", {"    Generalized normals calculated"});

@@ -11,10 +11,11 @@ namespace quelor {
 
 namespace {
 
-double tolerance(std::string_view key) {
+/// A tolerance of the command line; 0.001 unless it is above, or with `zero_counts` at, 0.
+double tolerance(std::string_view key, bool zero_counts) {
     double tol = 0.001;
     get_real_par(key, tol);
-    return tol > 0 ? tol : 0.001;
+    return tol > 0 || (zero_counts && tol == 0) ? tol : 0.001;
 }
 
 /// True when the coordinate was moved to 0: it is not there and not further away than tol.
@@ -24,32 +25,49 @@ bool snap(double& coordinate, double tol) {
     return true;
 }
 
+/// Height z by a rule.
+double height_by(HeightRule rule, double z, double tol, double depth) {
+    if (rule == HeightRule::on_surface || std::abs(z) <= tol) return 0;
+    if (rule == HeightRule::near_surface) return z;
+    return z > 0 ? 0 : z + depth <= tol ? -depth : z;
+}
+
+/// Moves a node's height; true when it was not there. Every move is reported, but for those onto
+/// the free surface from within the tolerance.
+bool set_height(HeightRule rule, double tol, double depth, int n, double& z) {
+    const double to = height_by(rule, z, tol, depth);
+    if (z == to || std::isnan(to)) return false;
+    if (rule == HeightRule::in_water && to != 0)
+        write_both(
+            "15(4x, 'WARNING: Node', i6, ' z-coordinate is ', 1pe12.4, '; changed to', e12.4)",
+            {n, z, to});
+    else if (rule != HeightRule::on_surface || !(std::abs(z) <= tol))
+        write_both("10(4x, 'WARNING: Node', i6, ' z-coordinate is ', 1pe12.4, '; changed to 0.0')",
+                   {n, z});
+    z = to;
+    return true;
+}
+
 } // namespace
 
-void set_nodes_on_planes(const NodeKind& kind, bool on_surface) {
+void set_nodes_on_planes(const NodeKind& kind, HeightRule rule) {
     if (get_int(kind.count) < 1) return print_both(" \n\tNumber nodes < 1\n");
     const NodeSet set = open_nodes(kind);
     if (!set) return;
     const int symmetry = get_int(hyd_symmetry);
     if (symmetry < 0 || symmetry > 2) return print_both(" \n\tInvalid symmetry option\n");
-    const double z_tol = tolerance("z_tol=");
-    const double x_tol = tolerance("x_tol=");
-    const double y_tol = tolerance("y_tol=");
+    const double depth = rule == HeightRule::in_water ? get_real(hyd_depth) : 0;
+    if (rule == HeightRule::in_water && !(depth > 0))
+        return print_both(" \n\tA positive water depth must be given\n");
+    const double z_tol = tolerance("z_tol=", rule == HeightRule::in_water);
+    const double x_tol = tolerance("x_tol=", rule == HeightRule::in_water);
+    const double y_tol = tolerance("y_tol=", rule == HeightRule::in_water);
 
     bool changed = false;
     for (int n = 1; n <= set.count; ++n) {
         if (!set.is_active(n)) continue;
         const auto [x, y, z] = set.at(n);
-        if (on_surface && z != 0) {
-            changed = true;
-            set.xyz(3, n) = 0;
-        }
-        if (on_surface ? !(std::abs(z) <= z_tol) : snap(set.xyz(3, n), z_tol)) {
-            write_both(
-                "10(4x, 'WARNING: Node', i6, ' z-coordinate is ', 1pe12.4, '; changed to 0.0')",
-                {n, z});
-            changed = true;
-        }
+        changed |= set_height(rule, z_tol, depth, n, set.xyz(3, n));
         if (symmetry >= 1 && snap(set.xyz(2, n), y_tol)) {
             write_both(
                 "20(4x, 'WARNING: Node', i6, ' y-coordinate is ', 1pe12.4, '; changed to 0.0')",
@@ -83,7 +101,10 @@ std::span<const Command> hyd_nodes_rows() {
                 .help = help.print},
         Command{
             .words = {"hyd_node_tolerance"},
-            .run = [](std::string_view) { set_nodes_on_planes(hyd_mesh_nodes, false); },
+            .run =
+                [](std::string_view) {
+                    set_nodes_on_planes(hyd_mesh_nodes, HeightRule::near_surface);
+                },
             .summary = "put nodes on the planes that they are close to",
             .help =
                 "Command Syntax\n\thyd_node_tolerance  [z_tol=?]  [x_tol=?]  [y_tol=?]\n\n"

@@ -21,8 +21,14 @@ inline constexpr NodeKind hyd_mesh_nodes{
 
 std::span<const Command> hyd_nodes_rows();
 
-/// Puts nodes that lie near the still-water plane or a plane of symmetry exactly on it. With
-/// `on_surface` every node goes to z = 0, with a warning for those that were further away.
-void set_nodes_on_planes(const NodeKind& kind, bool on_surface);
+/// Where a tolerance command puts a node in height.
+enum class HeightRule {
+    near_surface, ///< within the tolerance of z = 0: on it
+    on_surface,   ///< always on z = 0, with a warning beyond the tolerance
+    in_water ///< outside -depth <= z <= 0, or within the tolerance of either plane: on the plane
+};
+/// Puts nodes that lie near the still-water plane or a plane of symmetry exactly on it: the command
+/// of a list of nodes.
+void set_nodes_on_planes(const NodeKind& kind, HeightRule rule);
 
 } // namespace quelor

@@ -9,7 +9,6 @@
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
-#include "numeric/panel_geometry.hpp"
 #include "numeric/point_index.hpp"
 
 #include <algorithm>
@@ -29,22 +28,23 @@ bool is_wet(char code) {
 
 /// The flat panels; one without area takes the fatal path, one whose nodes are out of order is
 /// named.
-std::vector<FlatPanel> flat_panels(std::span<const Panel> panels) {
-    std::vector<FlatPanel> flat;
+std::vector<Panel> flat_panels(std::span<const TablePanel> panels) {
+    std::vector<Panel> flat;
     flat.reserve(panels.size());
     bool good = true;
-    for (const Panel& panel : panels) {
+    for (const TablePanel& panel : panels) {
         flat.push_back(flat_panel(panel.nodes, panel.triangle));
         const std::string_view name = hyd_structure_panels.name;
-        if (!flat.back().valid)
+        const bool valid = has_area(flat.back());
+        if (!valid)
             write_both(
                 "60(/, 4x, 'Fatal error: The area of ', a, ' number', i5, ' is zero; it has no normal')",
                 {name, panel.number});
-        else if (!flat.back().simple)
+        else if (!is_convex(flat.back()))
             write_both(
                 "70(' WARNING: The nodes of panel', i6, ' are out of order or it is not convex')",
                 {panel.number});
-        good = good && flat.back().valid;
+        good = good && valid;
     }
     if (!good) quit_after_bad_input();
     return flat;
@@ -52,7 +52,7 @@ std::vector<FlatPanel> flat_panels(std::span<const Panel> panels) {
 
 /// W, D, V or E from the corners, blank for a panel outside the part of the mesh that symmetry
 /// leaves.
-char panel_code(const FlatPanel& panel, int symmetry) {
+char panel_code(const Panel& panel, int symmetry) {
     const auto& c = panel.corners;
     if (symmetry >= 1 && panel.centroid[1] < 0) return ' ';
     if (symmetry == 2 && panel.centroid[0] < 0) return ' ';
@@ -61,7 +61,7 @@ char panel_code(const FlatPanel& panel, int symmetry) {
     return panel.centroid[2] < 0 ? 'V' : 'E';
 }
 
-std::vector<char> panel_codes(std::span<const Panel> panels, std::span<const FlatPanel> flat,
+std::vector<char> panel_codes(std::span<const TablePanel> panels, std::span<const Panel> flat,
                               int n) {
     const int symmetry = get_int(hyd_symmetry);
     if (symmetry < 0 || symmetry > 2)
@@ -85,7 +85,7 @@ void warn_partial(std::span<const char> codes) {
 }
 
 /// Warns of wet panels whose centroids coincide: their equations are the same, or nearly so.
-void warn_coincident(std::span<const Panel> panels, std::span<const FlatPanel> flat,
+void warn_coincident(std::span<const TablePanel> panels, std::span<const Panel> flat,
                      std::span<const char> codes) {
     constexpr int most_listed = 20;
     PointIndex index;
@@ -111,7 +111,7 @@ void warn_coincident(std::span<const Panel> panels, std::span<const FlatPanel> f
 
 // --- arrays of the analysis ---------------------------------------------------------------------
 
-void store_geometry(std::span<const Panel> panels, std::span<const FlatPanel> flat, int np) {
+void store_geometry(std::span<const TablePanel> panels, std::span<const Panel> flat, int np) {
     const auto map = as_span<std::int32_t>(find_array(hyd_panel_map));
     const auto area = create_matrix<double>(hyd_panela, np, 0);
     const auto normal = create_matrix<double>(hyd_paneln, 3, np);
@@ -135,7 +135,7 @@ void store_geometry(std::span<const Panel> panels, std::span<const FlatPanel> fl
 
 // --- reports ------------------------------------------------------------------------------------
 
-void write_pan(std::span<const Panel> panels, std::span<const FlatPanel> flat,
+void write_pan(std::span<const TablePanel> panels, std::span<const Panel> flat,
                std::span<const char> codes) {
     write_unit(
         unit_pan,
@@ -159,10 +159,10 @@ void write_pan(std::span<const Panel> panels, std::span<const FlatPanel> flat,
     }
 }
 
-void write_summary(std::span<const Panel> panels, std::span<const char> codes) {
+void write_summary(std::span<const TablePanel> panels, std::span<const char> codes) {
     const auto total = static_cast<std::int32_t>(panels.size());
     const auto triangles = static_cast<std::int32_t>(
-        std::ranges::count_if(panels, [](const Panel& panel) { return panel.triangle; }));
+        std::ranges::count_if(panels, [](const TablePanel& panel) { return panel.triangle; }));
     const auto with = [&](char code) {
         return static_cast<std::int32_t>(std::ranges::count(codes, code));
     };
@@ -226,6 +226,14 @@ void finish_panels() {
     store_types(hyd_structure_panels, panels);
     store_geometry(panels, flat, np);
     close_unit(unit_pan);
+}
+
+PanelMesh require_panel_mesh(int np) {
+    return {
+        require_matrix<double>(hyd_xyzc, np, 3),        require_matrix<double>(hyd_paneln, 3, np),
+        require_vector<double>(hyd_panela, np),         require_matrix<double>(hyd_xr, np, 4),
+        require_matrix<double>(hyd_yr, np, 4),          require_matrix<double>(hyd_zr, np, 4),
+        require_vector<std::int32_t>(hyd_paneltype, np)};
 }
 
 void make_panel_rmap() {

@@ -6,6 +6,7 @@
 
 #include "hydro_model/hyd_nodes.hpp"
 #include "hydro_model/panel_input.hpp"
+#include "numeric/panel_geometry.hpp"
 
 namespace quelor {
 
@@ -63,6 +64,9 @@ std::span<const Command> hyd_panel_rows();
 void begin_panels();
 /// From the filled `.hyd_panel_el` to all other panel arrays, `<project>.pan` and the summary.
 void finish_panels();
+
+/// The np wet panels; a missing or misshapen array takes the fatal path.
+PanelMesh require_panel_mesh(int np);
 
 /// Writes `.hyd_panel_rmap` from the map; the fatal path when there are no panels.
 void make_panel_rmap();

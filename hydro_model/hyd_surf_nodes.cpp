@@ -22,7 +22,10 @@ std::span<const Command> hyd_surf_nodes_rows() {
                 .help = help.print},
         Command{
             .words = {"hyd_surf_node_tolerance"},
-            .run = [](std::string_view) { set_nodes_on_planes(hyd_surface_nodes, true); },
+            .run =
+                [](std::string_view) {
+                    set_nodes_on_planes(hyd_surface_nodes, HeightRule::on_surface);
+                },
             .summary = "put free-surface nodes on the water plane",
             .help =
                 "Command Syntax\n\thyd_surf_node_tolerance  [z_tol=?]  [x_tol=?]  [y_tol=?]\n\n"

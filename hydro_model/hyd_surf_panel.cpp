@@ -18,7 +18,7 @@ namespace {
 void finish_surface_panels() {
     const auto panels = checked_panels(hyd_surface_panels);
     std::vector<char> codes(as_size(get_int(hyd_num_surf_panels)), ' ');
-    for (const Panel& panel : panels)
+    for (const TablePanel& panel : panels)
         codes[nth(panel.number)] = 'W';
     number_panels(hyd_surface_panels, codes, [](char code) { return code == 'W'; });
     store_types(hyd_surface_panels, panels);
@@ -62,7 +62,7 @@ struct GrowingNodes {
 };
 
 /// Point of the bilinear patch of four corners; s runs from corner 1 to 2, t from corner 1 to 4.
-Vec3 patch_point(const std::array<Vec3, 4>& c, double s, double t) {
+Vec3 patch_point(const Corners& c, double s, double t) {
     Vec3 p;
     for (std::size_t i = 0; i < 3; ++i)
         p[i] = (1 - t) * ((1 - s) * c[0][i] + s * c[1][i]) + t * ((1 - s) * c[3][i] + s * c[2][i]);
@@ -70,7 +70,7 @@ Vec3 patch_point(const std::array<Vec3, 4>& c, double s, double t) {
 }
 
 /// Node numbers of the parts of one panel, four a part, in rows along 1-2.
-std::vector<std::array<std::int32_t, 4>> parts_of(const Panel& panel,
+std::vector<std::array<std::int32_t, 4>> parts_of(const TablePanel& panel,
                                                   std::span<const std::int32_t> corners,
                                                   const Division& d, GrowingNodes& nodes) {
     const auto at = [&](int i, int j) -> std::int32_t {
@@ -124,7 +124,7 @@ void store_new_nodes(const GrowingNodes& nodes, int count) {
 
 /// Divides each panel of the range. The first part keeps its panel's number; the others take the
 /// numbers after the largest, in order.
-void divide_panels(const Division& d, std::span<const Panel> panels) {
+void divide_panels(const Division& d, std::span<const TablePanel> panels) {
     const auto el = as_matrix<std::int32_t>(find_array(hyd_surf_panel_el));
     const NodeSet set = open_nodes(hyd_surface_nodes);
     GrowingNodes nodes;
@@ -136,7 +136,7 @@ void divide_panels(const Division& d, std::span<const Panel> panels) {
     std::vector<std::array<std::int32_t, 4>> table(as_size(el.cols));
     for (int e = 1; e <= el.cols; ++e)
         std::ranges::copy(el.col(e), table[nth(e)].begin());
-    for (const Panel& panel : panels) {
+    for (const TablePanel& panel : panels) {
         if (panel.number < d.first || panel.number > d.last) continue;
         const auto parts = parts_of(panel, el.col(panel.number), d, nodes);
         table[nth(panel.number)] = parts.front();
@@ -162,7 +162,7 @@ void subdivide_surface_panels() {
     const Division d = read_division(ref.cols());
     if (d.parts12 == 0) return;
     const auto panels = checked_panels(hyd_surface_panels);
-    const auto in_range = std::ranges::count_if(panels, [&](const Panel& panel) {
+    const auto in_range = std::ranges::count_if(panels, [&](const TablePanel& panel) {
         return d.first <= panel.number && panel.number <= d.last;
     });
     if (in_range * d.parts12 > most_parts / d.parts14)

@@ -11,7 +11,7 @@ BodyFrame body_frame(double xb, double yb, double zb, double theta) {
     return {xb, yb, zb, std::cos(angle), std::sin(angle)};
 }
 
-BodyPoint body_point(const WetPanels& panels, int p, const BodyFrame& frame,
+BodyPoint body_point(const PanelMesh& panels, int p, const BodyFrame& frame,
                      Reflection reflection) {
     const double dx = reflection.x * (panels.xyzc(p, 1) - frame.xb);
     const double dy = reflection.y * (panels.xyzc(p, 2) - frame.yb);
@@ -47,7 +47,7 @@ NodalMotion rigid_nodal_motion(const BodyFrame& frame, double dx, double dy, dou
     }};
 }
 
-static WaterplaneSums sums_of_copy(const WetPanels& panels, std::span<const std::int32_t> list,
+static WaterplaneSums sums_of_copy(const PanelMesh& panels, std::span<const std::int32_t> list,
                                    const BodyFrame& frame, Reflection reflection) {
     WaterplaneSums sums;
     for (const int p : list) {
@@ -68,7 +68,7 @@ static WaterplaneSums sums_of_copy(const WetPanels& panels, std::span<const std:
     return sums;
 }
 
-WaterplaneSums waterplane_sums(const WetPanels& panels, std::span<const std::int32_t> list,
+WaterplaneSums waterplane_sums(const PanelMesh& panels, std::span<const std::int32_t> list,
                                const BodyFrame& frame, std::span<const Reflection> copies) {
     WaterplaneSums total;
     for (const Reflection reflection : copies) {
@@ -96,7 +96,7 @@ std::array<double, 36> rigid_stiffness(const WaterplaneSums& sums, double zcg, d
     return block;
 }
 
-VolumeSums volume_sums(const WetPanels& panels, std::span<const std::int32_t> list) {
+VolumeSums volume_sums(const PanelMesh& panels, std::span<const std::int32_t> list) {
     VolumeSums sums;
     for (const int p : list) {
         const double area = panels.area[nth(p)];

@@ -4,17 +4,9 @@
 // (xb, yb, zb), turned by theta about the vertical; a prime marks a component in them.
 #pragma once
 
-#include "numeric/types.hpp"
-
-#include <array>
+#include "numeric/panel_geometry.hpp"
 
 namespace quelor {
-
-struct WetPanels {
-    Matrix<const double> xyzc;    ///< (np,3) centroids, inertial
-    Matrix<const double> n;       ///< (3,np) unit normals
-    std::span<const double> area; ///< np areas
-};
 
 struct BodyFrame {
     double xb, yb, zb; ///< inertial coordinates of the body origin
@@ -23,17 +15,11 @@ struct BodyFrame {
 /// theta in degrees.
 BodyFrame body_frame(double xb, double yb, double zb, double theta);
 
-/// Signs of the x and y distances from the body origin in a mirrored copy of the mesh.
-struct Reflection {
-    double x = 1.0, y = 1.0;
-    bool operator==(const Reflection&) const = default;
-};
-
 /// Position relative to the body origin, and normal, in body axes.
 struct BodyPoint {
     double x, y, z, nx, ny, nz;
 };
-BodyPoint body_point(const WetPanels& panels, int p, const BodyFrame& frame,
+BodyPoint body_point(const PanelMesh& panels, int p, const BodyFrame& frame,
                      Reflection reflection = {});
 
 /// Six values: surge, sway, heave, roll, pitch, yaw.
@@ -55,7 +41,7 @@ struct WaterplaneSums {
 };
 /// Over the listed wet panels (1-based numbers), as they stand in each of the copies. The copies
 /// are summed one by one, so that what is odd in a reflection cancels exactly.
-WaterplaneSums waterplane_sums(const WetPanels& panels, std::span<const std::int32_t> list,
+WaterplaneSums waterplane_sums(const PanelMesh& panels, std::span<const std::int32_t> list,
                                const BodyFrame& frame, std::span<const Reflection> copies);
 
 /// Hydrostatic stiffness of a rigid body, column by column: buoyancy and weight at zcg above the
@@ -68,10 +54,10 @@ std::array<double, 36> rigid_stiffness(const WaterplaneSums& sums, double zcg, d
 /// Sums of x_i n_i a and x_i^2 n_i a over the listed panels, i = x, y, z, and their area.
 /// Gauss: the volume is minus each first sum, its centroid -second / (2 volume).
 struct VolumeSums {
-    std::array<double, 3> first{}, second{};
+    Vec3 first{}, second{};
     double area = 0;
 };
-VolumeSums volume_sums(const WetPanels& panels, std::span<const std::int32_t> list);
+VolumeSums volume_sums(const PanelMesh& panels, std::span<const std::int32_t> list);
 
 /// k(i,j) = sum over panels of un(i,p) uz(j,p) area(p): the fluid's part of the stiffness, without
 /// rho grav.

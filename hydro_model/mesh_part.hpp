@@ -17,7 +17,7 @@ struct MeshPart {
     std::array<std::int32_t, 2> nodes; ///< first and last node of the body
     Matrix<const double> xyz;          ///< (3, nnodes or more)
     std::span<const char> active;      ///< 'A' for a defined node
-    WetPanels panels;                  ///< of the whole mesh
+    PanelMesh panels;                  ///< of the whole mesh, without corners
     std::vector<std::int32_t> list;    ///< wet numbers of the body's panels
 };
 

@@ -149,21 +149,21 @@ void read_panel_records(const PanelKind& kind, int n) {
         store_record(*record, el);
 }
 
-std::vector<Panel> checked_panels(const PanelKind& kind) {
+std::vector<TablePanel> checked_panels(const PanelKind& kind) {
     const NodeSet set = open_nodes(*kind.nodes);
     if (!set) shutdown();
     const auto el = as_matrix<std::int32_t>(find_array(kind.el));
-    std::vector<Panel> panels;
+    std::vector<TablePanel> panels;
     bool good = true;
     for (int e = 1; e <= el.cols; ++e) {
         if (!is_defined(el.col(e))) continue;
         good = check_unique(kind, e, el.col(e)) && good;
         panels.push_back({e, el(3, e) == el(4, e), {}});
     }
-    for (const Panel& panel : panels)
+    for (const TablePanel& panel : panels)
         good = check_nodes(kind, panel.number, el.col(panel.number), set) && good;
     if (!good) quit_after_bad_input();
-    for (Panel& panel : panels)
+    for (TablePanel& panel : panels)
         for (int i = 1; i <= 4; ++i)
             panel.nodes[nth(i)] = set.at(el(i, panel.number));
     return panels;
@@ -181,10 +181,10 @@ int number_panels(const PanelKind& kind, std::span<const char> codes, bool (*in_
     return total;
 }
 
-void store_types(const PanelKind& kind, std::span<const Panel> panels) {
+void store_types(const PanelKind& kind, std::span<const TablePanel> panels) {
     const auto map = as_span<std::int32_t>(find_array(kind.map));
     const auto types = create_matrix<std::int32_t>(kind.type, get_int(kind.wet_count), 0);
-    for (const Panel& panel : panels)
+    for (const TablePanel& panel : panels)
         if (const int p = map[nth(panel.number)]; p > 0) types(p) = panel.triangle ? 1 : 0;
 }
 

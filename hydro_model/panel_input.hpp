@@ -3,6 +3,7 @@
 #pragma once
 
 #include "fem/node_family.hpp"
+#include "numeric/panel_geometry.hpp"
 
 #include <vector>
 
@@ -32,21 +33,21 @@ int read_table_size(const PanelKind& kind);
 void read_panel_records(const PanelKind& kind, int n);
 
 /// A panel that stands in the table, and its four nodes; node 4 of a triangle is node 3.
-struct Panel {
+struct TablePanel {
     int number;
     bool triangle;
-    std::array<Vec3, 4> nodes;
+    Corners nodes;
 };
 /// The panels of the table in the order of their numbers, checked: a node that is repeated, out of
 /// range, undefined or not finite is reported for every panel, and any takes the fatal path. A node
 /// 4 of zero is set to node 3 in the table.
-std::vector<Panel> checked_panels(const PanelKind& kind);
+std::vector<TablePanel> checked_panels(const PanelKind& kind);
 
 /// Stores codes (n), numbers the panels for which `in_mesh` holds in `.._map` and stores their
 /// number; no such panel takes the fatal path. Returns the number.
 int number_panels(const PanelKind& kind, std::span<const char> codes, bool (*in_mesh)(char code));
 /// Types of the numbered panels, `.._type`.
-void store_types(const PanelKind& kind, std::span<const Panel> panels);
+void store_types(const PanelKind& kind, std::span<const TablePanel> panels);
 
 /// Deletes what depends on earlier panels.
 void delete_panels(const PanelKind& kind);

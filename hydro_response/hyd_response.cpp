@@ -20,7 +20,6 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <optional>
 #include <string>
 
 namespace quelor {
@@ -32,152 +31,48 @@ bool is_square(std::string_view name, int n) {
     return ref.is(type_real) && ref.ndim() <= 2 && ref.rows() == n && ref.cols() == n;
 }
 
-void summary(const HydSize& size, bool symmetrize, std::span<const double> freq,
-             std::span<const double> beta) {
-    write_both("(/, '  Problem Summary', /)");
-    write_both("(2x, 'Number of nodes.....................................',i10)", {size.nnodes});
-    write_both("(2x, 'Number of user-defined modes........................',i10)", {size.nmoder});
-    write_both("(2x, 'Number of flexible modes............................',i10)", {size.nmodef});
-    write_both("(2x, 'Structural hysteretic damping (%), hdamp............', 0pf10.2,/)",
-               {100 * require_real(hyd_hysdamp)});
-    write_wave_lists(size, 1, freq, beta);
-    write_symmetrize_line(symmetrize);
-}
-
 /// Index of the largest modulus; the first of equals.
 std::size_t largest(std::span<const Complex8> v) {
     return as_size(std::ranges::max_element(v, {}, complex_modulus) - v.begin());
-}
-
-void copy_slice(Array3<const double> from, int k, Matrix<double> to) {
-    std::ranges::copy(from.slice(k).all(), to.all().begin());
-}
-
-/// Everything the loop reads and writes; views stay valid as no array is created inside it.
-struct ResponseLoop {
-    HydSize size;
-    ResponseOptions options;
-    std::span<const double> freq, beta;
-    Array3<const double> addm, damp;
-    Array3<const Complex8> fi, fd;
-    MotionMatrices motion; ///< added mass and damping of the current frequency
-    Matrix<double> mass_now, damping_now;
-    Matrix<Complex8> dynk;
-    std::span<Complex8> rhs;
-    Array3<Complex8> gencor;
-    std::span<std::int32_t> pivot;
-};
-
-void solve_heading(const ResponseLoop& loop, int ifreq, int ibeta,
-                   Matrix<const Complex8> unfactored) {
-    write_both("(/, 6x, 'Wave heading', i3, ' at ', f7.2,' degrees')",
-               {ibeta, loop.beta[nth(ibeta)] * degrees});
-    for (int i = 1; i <= loop.size.nmode; ++i)
-        loop.rhs[nth(i)] = loop.fi(i, ibeta, ifreq) + loop.fd(i, ibeta, ifreq);
-    write_both("('    Solving equation of motion')");
-    std::optional<Temporary<Complex8>> load;
-    if (loop.options.residual) {
-        load.emplace("$hyd_rhscp", loop.size.nmode, 0);
-        std::ranges::copy(loop.rhs, load->view.data);
-    }
-    csolve_solve(loop.dynk, {loop.rhs.data(), loop.size.nmode, 1}, loop.pivot);
-    if (load) hyd_residual_report(unfactored, load->view.col(1), loop.rhs);
-    for (int i = 1; i <= loop.size.nmode; ++i)
-        loop.gencor(i, ifreq, ibeta) = loop.rhs[nth(i)];
-    write_both("('    Response calculated')");
-}
-
-void solve_frequency(const ResponseLoop& loop, int ifreq) {
-    const double omega = loop.freq[nth(ifreq)];
-    write_both(
-        "(/, '    Wave frequency',i3, 4x, 'Omega = ', f7.4,' rad/sec', 4x,'Wave period = ',f5.2,' sec')",
-        {ifreq, omega, 2 * std::numbers::pi / omega});
-    copy_slice(loop.addm, ifreq, loop.mass_now);
-    copy_slice(loop.damp, ifreq, loop.damping_now);
-    if (loop.options.symmetrize) {
-        symmetrize_matrix(loop.mass_now);
-        symmetrize_matrix(loop.damping_now);
-    }
-    hyd_assemble_dynk(omega, loop.motion, loop.dynk);
-    std::optional<Temporary<Complex8>> unfactored;
-    if (loop.options.residual) {
-        unfactored.emplace("$hyd_dynkcp", loop.size.nmode, loop.size.nmode);
-        std::ranges::copy(loop.dynk.all(), unfactored->view.data);
-    }
-    std::ranges::fill(loop.pivot, 0);
-    csolve_factor(loop.dynk, loop.pivot);
-    for (int ibeta = 1; ibeta <= loop.size.nbeta; ++ibeta)
-        solve_heading(loop, ifreq, ibeta,
-                      unfactored ? Matrix<const Complex8>{unfactored->view.data, loop.size.nmode,
-                                                          loop.size.nmode}
-                                 : Matrix<const Complex8>{});
 }
 
 template <class T> Array3<const T> require_array3(std::string_view name, int n1, int n2, int n3) {
     return as_array3<const T>(require_array(name, type_code<T>, {n1, n2, n3}));
 }
 
-/// False after a message, where the structure's mass, damping or stiffness holds other than
-/// numbers.
-bool check_finite_structure() {
-    for (const auto name : {hyd_mstr, hyd_cstr, hyd_kstr}) {
-        const ArrayRef ref = find_array(name);
-        if (!ref.is(type_real)) continue;
-        const auto values = as_span<const double>(ref);
-        const std::size_t at = first_not_finite(values), rows = as_size(ref.rows());
-        if (at == values.size()) continue;
-        print_both(" \n\t" + std::string(name) + "(" + std::to_string(at % rows + 1) + "," +
-                   std::to_string(at / rows + 1) +
-                   ") is not a finite number; define the matrix again\n");
-        return false;
-    }
-    return true;
-}
-
 void cmd_hyd_analysis_response(std::string_view) {
     if (!check_finite_structure()) return;
-    ResponseLoop loop{};
-    loop.options = hyd_response_options();
-    open_cor_file();
-    loop.size = hyd_get_problem_size();
-    const HydSize& s = loop.size;
-    loop.beta = require_vector<double>(hyd_beta, s.nbeta);
-    loop.freq = require_vector<double>(hyd_freq, s.nfreq);
-    summary(s, loop.options.symmetrize, loop.freq, loop.beta);
-    loop.addm = require_array3<double>(hyd_addm, s.nmode, s.nmode, s.nfreq);
-    loop.damp = require_array3<double>(hyd_damp, s.nmode, s.nmode, s.nfreq);
-    loop.fi = require_array3<Complex8>(hyd_fi, s.nmode, s.nbeta, s.nfreq);
-    loop.fd = require_array3<Complex8>(hyd_fd, s.nmode, s.nbeta, s.nfreq);
+    const ResponseOptions options = hyd_response_options();
+    const CorFile cor;
+    const HydSize s = hyd_get_problem_size();
+    const auto beta = require_vector<double>(hyd_beta, s.nbeta);
+    const auto freq = require_vector<double>(hyd_freq, s.nfreq);
+    write_summary_head(s, require_real(hyd_hysdamp));
+    write_wave_lists(s, 1, freq, beta);
+    write_symmetrize_line(options.symmetrize);
+    const auto addm = require_array3<double>(hyd_addm, s.nmode, s.nmode, s.nfreq);
+    const auto damp = require_array3<double>(hyd_damp, s.nmode, s.nmode, s.nfreq);
+    const auto fi = require_array3<Complex8>(hyd_fi, s.nmode, s.nbeta, s.nfreq);
+    const auto fd = require_array3<Complex8>(hyd_fd, s.nmode, s.nbeta, s.nfreq);
     const auto kf = require_matrix<double>(hyd_kf, s.nmode, s.nmode);
-    const double hdamp = require_real(hyd_hysdamp);
     hyd_response_arrays(s.nfreq, s.nbeta, s.nmode);
     print_trace_title();
     hyd_check_structure(s.nmodef, s.nmode);
-
-    const Temporary<double> add_mass("$add_mass", s.nmode, s.nmode),
-        add_damp("$add_damp", s.nmode, s.nmode);
-    const Temporary<std::int32_t> pivot("$hyd_rindx", s.nmode, 0);
-    loop.mass_now = add_mass.view;
-    loop.damping_now = add_damp.view;
-    loop.pivot = pivot.view.all();
-    const auto square = [&](std::string_view name) {
-        return require_matrix<double>(name, s.nmode, s.nmode);
-    };
-    loop.motion = {square("$add_mass"),
-                   square("$add_damp"),
-                   square(hyd_mstr),
-                   square(hyd_cstr),
-                   square(hyd_kstr),
-                   kf,
-                   2 * hdamp};
-    loop.dynk = as_matrix<Complex8>(find_array(hyd_dynk));
-    loop.rhs = as_span<Complex8>(find_array(hyd_rhs));
-    loop.gencor = as_array3<Complex8>(find_array(hyd_gencor));
-    for (int ifreq = 1; ifreq <= s.nfreq; ++ifreq)
-        solve_frequency(loop, ifreq);
-
-    hyd_write_cor(loop.freq, loop.beta, as_array3<const Complex8>(find_array(hyd_gencor)));
-    close_unit(unit_cor);
+    MotionEquations equations({addm, damp, kf, require_real(hyd_hysdamp)}, options);
+    for (int ifreq = 1; ifreq <= s.nfreq; ++ifreq) {
+        const double omega = freq[nth(ifreq)];
+        write_frequency_line(ifreq, omega);
+        equations.take_frequency(ifreq);
+        equations.factor(omega);
+        for (int ibeta = 1; ibeta <= s.nbeta; ++ibeta) {
+            write_heading_line(ibeta, beta[nth(ibeta)]);
+            wave_load({fi, fd}, ibeta, ifreq, 1.0, equations.rhs());
+            write_both("('    Solving equation of motion')");
+            equations.solve(ifreq, ibeta);
+            write_both("('    Response calculated')");
+        }
+    }
+    hyd_write_cor(freq, beta, as_array3<const Complex8>(find_array(hyd_gencor)));
 }
 
 constexpr Command rows[] = {
@@ -211,6 +106,21 @@ bool hyd_check_green_function() {
     return false;
 }
 
+bool check_finite_structure() {
+    for (const auto name : {hyd_mstr, hyd_cstr, hyd_kstr}) {
+        const ArrayRef ref = find_array(name);
+        if (!ref.is(type_real)) continue;
+        const auto values = as_span<const double>(ref);
+        const std::size_t at = first_not_finite(values), rows = as_size(ref.rows());
+        if (at == values.size()) continue;
+        print_both(" \n\t" + std::string(name) + "(" + std::to_string(at % rows + 1) + "," +
+                   std::to_string(at / rows + 1) +
+                   ") is not a finite number; define the matrix again\n");
+        return false;
+    }
+    return true;
+}
+
 ResponseOptions hyd_response_options() {
     ResponseOptions o;
     std::string text;
@@ -221,9 +131,21 @@ ResponseOptions hyd_response_options() {
     return o;
 }
 
-void open_cor_file() {
+CorFile::CorFile() {
     fortopen_ext(unit_cor, ".cor", "UNKNOWN", "FORMATTED");
     write_unit(unit_cor, "(10x,8('*'),' GENERALIZED COORDINATES ', 2x, 8('*'))");
+}
+CorFile::~CorFile() {
+    close_unit(unit_cor);
+}
+
+void write_summary_head(const HydSize& size, double hdamp) {
+    write_both("(/, '  Problem Summary', /)");
+    write_both("(2x, 'Number of nodes.....................................',i10)", {size.nnodes});
+    write_both("(2x, 'Number of user-defined modes........................',i10)", {size.nmoder});
+    write_both("(2x, 'Number of flexible modes............................',i10)", {size.nmodef});
+    write_both("(2x, 'Structural hysteretic damping (%), hdamp............', 0pf10.2,/)",
+               {100 * hdamp});
 }
 
 void write_symmetrize_line(bool symmetrize) {
@@ -231,6 +153,16 @@ void write_symmetrize_line(bool symmetrize) {
         write_both("(/, 'Added mass and hydrodynamic damping will be symmetrized.', /)");
     else
         write_both("(/, 'Added mass and hydrodynamic damping will not be symmetrized.', /)");
+}
+
+void write_frequency_line(int ifreq, double omega) {
+    write_both(
+        "(/, '    Wave frequency',i3, 4x, 'Omega = ', f7.4,' rad/sec', 4x,'Wave period = ',f5.2,' sec')",
+        {ifreq, omega, 2 * std::numbers::pi / omega});
+}
+
+void write_heading_line(int ibeta, double beta) {
+    write_both("(/, 6x, 'Wave heading', i3, ' at ', f7.2,' degrees')", {ibeta, beta * degrees});
 }
 
 void hyd_response_arrays(int nfreq, int nbeta, int nmode) {
@@ -290,6 +222,57 @@ void hyd_residual_report(Matrix<const Complex8> dynk, std::span<const Complex8> 
         "(8x, 'Maximum residual error occurs at DOF', i7, /, 8x, 'Error        =', 1p2e14.5, ' with amplitude', e14.5, /, 8x, 'Load         =', 2e14.5, ' with amplitude', e14.5, /, 8x, 'Maximum load =', 2e14.5, ' with amplitude', e14.5)",
         {static_cast<int>(worst) + 1, r[worst], complex_modulus(r[worst]), rhs[worst],
          complex_modulus(rhs[worst]), rhs[load], complex_modulus(rhs[load])});
+}
+
+void wave_load(const WaveForces& forces, int ibeta, int ifreq, double amplitude,
+               std::span<Complex8> load) {
+    for (int i = 1; i <= forces.diffraction.n1; ++i)
+        load[nth(i)] = amplitude * (forces.froude_krylov(i, ibeta, ifreq) +
+                                    forces.diffraction(i, ibeta, ifreq));
+}
+
+MotionEquations::MotionEquations(const FluidMatrices& fluid, const ResponseOptions& options)
+    : fluid_(fluid), symmetrize_(options.symmetrize),
+      mass_("$add_mass", fluid.hydrostatic.rows, fluid.hydrostatic.rows),
+      damping_("$add_damp", fluid.hydrostatic.rows, fluid.hydrostatic.rows),
+      pivot_("$hyd_rindx", fluid.hydrostatic.rows, 0) {
+    const int nmode = fluid.hydrostatic.rows;
+    if (options.residual) {
+        unfactored_.emplace("$hyd_dynkcp", nmode, nmode);
+        load_.emplace("$hyd_rhscp", nmode, 0);
+    }
+    motion_ = {mass_.view,
+               damping_.view,
+               require_matrix<double>(hyd_mstr, nmode, nmode),
+               require_matrix<double>(hyd_cstr, nmode, nmode),
+               require_matrix<double>(hyd_kstr, nmode, nmode),
+               fluid.hydrostatic,
+               2 * fluid.hdamp};
+    dynk_ = as_matrix<Complex8>(find_array(hyd_dynk));
+    rhs_ = as_span<Complex8>(find_array(hyd_rhs));
+    gencor_ = as_array3<Complex8>(find_array(hyd_gencor));
+}
+
+void MotionEquations::take_frequency(int ifreq) {
+    std::ranges::copy(fluid_.added_mass.slice(ifreq).all(), mass_.view.data);
+    std::ranges::copy(fluid_.damping.slice(ifreq).all(), damping_.view.data);
+    if (!symmetrize_) return;
+    symmetrize_matrix(mass_.view);
+    symmetrize_matrix(damping_.view);
+}
+
+void MotionEquations::factor(double omega) {
+    hyd_assemble_dynk(omega, motion_, dynk_);
+    if (unfactored_) std::ranges::copy(dynk_.all(), unfactored_->view.data);
+    std::ranges::fill(pivot_.view.all(), 0);
+    csolve_factor(dynk_, pivot_.view.all());
+}
+
+void MotionEquations::solve(int ifreq, int ibeta) {
+    if (load_) std::ranges::copy(rhs_, load_->view.data);
+    csolve_solve(dynk_, {rhs_.data(), dynk_.rows, 1}, pivot_.view.all());
+    if (load_) hyd_residual_report(unfactored_->view, load_->view.col(1), rhs_);
+    std::ranges::copy(rhs_, &gencor_(1, ifreq, ibeta));
 }
 
 void hyd_write_cor(std::span<const double> freq, std::span<const double> beta,

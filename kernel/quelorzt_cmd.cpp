@@ -8,11 +8,18 @@
 #include "hydro_model/hyd_nodes.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_nodes.hpp"
+#include "hydro_response/hyd_export_to_graphics.hpp"
 #include "hydro_response/hyd_energyloss.hpp"
 #include "hydro_response/hyd_irregular.hpp"
+#include "hydro_response/hyd_modal_pressure.hpp"
 #include "hydro_response/hyd_mooring.hpp"
 #include "hydro_response/hyd_response.hpp"
+#include "hydro_response/hyd_response_P.hpp"
+#include "hydro_response/hyd_response_drag.hpp"
+#include "hydro_response/hyd_response_post.hpp"
+#include "hydro_response/hyd_surf_elevation.hpp"
 #include "hydro_response/hyd_tf.hpp"
+#include "hydro_response/hyd_vel_nodes.hpp"
 #include "hydro_response/hyd_wave_spectra.hpp"
 #include "hydro_response/hyd_wet.hpp"
 #include "kernel/command.hpp"
@@ -35,7 +42,14 @@ static constexpr std::initializer_list<Family> families = {
     hyd_genmodes_rows,
     hyd_analysis_rows,
     hyd_response_rows,
+    hyd_response_P_rows,
+    hyd_response_drag_rows,
+    hyd_response_post_rows,
+    hyd_modal_pressure_rows,
     hyd_tf_rows,
+    hyd_surf_elevation_rows,
+    hyd_vel_nodes_rows,
+    hyd_export_to_graphics_rows,
     hyd_wave_spectra_rows,
     hyd_irregular_rows,
     hyd_wet_rows,
@@ -46,13 +60,6 @@ static constexpr std::initializer_list<Family> families = {
 /// Words whose commands are not built yet, by family.
 static constexpr std::string_view planned[] = {
     "hyd_close_files",
-    "hyd_analysis_response_P", "hyd_postresponse_P",
-    "hyd_analysis_response_drag",
-    "hyd_postresponse", "hyd_modal_pressure",
-    "hyd_surf_elevation",
-    "hyd_velocity_nodes", "hyd_velocity_node_gen", "phyd_velocity_nodes", "hyd_velocity_node_tolerance",
-    "hyd_velocity", "phyd_velocity",
-    "hyd_export_graphics", "hyd_export_graphics_th",
 };
 // clang-format on
 

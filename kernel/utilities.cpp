@@ -164,11 +164,4 @@ Point2 line_intersect(Point2 p1, Point2 p2, Point2 p3, Point2 p4) {
     return {(c1 * b2 - c2 * b1) / determinant, (a1 * c2 - a2 * c1) / determinant};
 }
 
-double complex_modulus(Complex8 z) {
-    const double re = std::abs(z.real()), im = std::abs(z.imag()), larger = std::max(re, im);
-    if (larger == 0) return 0;
-    const double ratio = std::min(re, im) / larger;
-    return larger * std::sqrt(1 + ratio * ratio);
-}
-
 } // namespace quelor

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "kernel/dbfgen.hpp"
+#include "numeric/complex_modulus.hpp"
 
 namespace quelor {
 
@@ -60,8 +61,5 @@ struct Point2 {
 };
 /// Intersection of the lines p1 p2 and p3 p4; parallel lines are not tested for.
 Point2 line_intersect(Point2 p1, Point2 p2, Point2 p3, Point2 p4);
-
-/// Modulus max(|re|,|im|) sqrt(1 + (min/max)^2); 0 for 0.
-double complex_modulus(Complex8 z);
 
 } // namespace quelor

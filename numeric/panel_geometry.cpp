@@ -8,20 +8,25 @@ namespace {
 
 constexpr double flat_limit = 1e-10;  // of the longer diagonal: a warp below it is rounding
 constexpr double area_limit = 1e-10;  // of the longer diagonal squared: an area below it is zero
-constexpr double simple_limit = 1e-6; // of the area: excess of the two triangles over the diagonals
+constexpr double convex_limit = 1e-6; // of the area: excess of the two triangles over the diagonals
 
 Vec3 mean(const Vec3& a, const Vec3& b, const Vec3& c) {
     return {(a[0] + b[0] + c[0]) / 3, (a[1] + b[1] + c[1]) / 3, (a[2] + b[2] + c[2]) / 3};
 }
 
-Vec3 mean(const std::array<Vec3, 4>& p) {
+Vec3 mean(const Corners& p) {
     Vec3 m;
     for (std::size_t i = 0; i < 3; ++i)
         m[i] = (p[0][i] + p[1][i] + p[2][i] + p[3][i]) / 4;
     return m;
 }
 
-void flatten(FlatPanel& panel, double diagonal) {
+/// The product of the diagonals; half its length is the area of a convex panel.
+VectorLength diagonal_product(const Corners& p) {
+    return cross_product(difference(p[2], p[0]), difference(p[3], p[1]));
+}
+
+void flatten(Panel& panel, double diagonal) {
     auto& p = panel.corners;
     const double d = dot_product(panel.normal, difference(p[0], mean(p)));
     if (std::abs(d) <= flat_limit * diagonal) return;
@@ -40,13 +45,11 @@ double triangle_area(const Vec3& a, const Vec3& b, const Vec3& c) {
     return 0.25 * std::sqrt(std::max(product, 0.0));
 }
 
-FlatPanel flat_panel(const std::array<Vec3, 4>& nodes, bool triangle) {
-    FlatPanel panel{
-        .corners = nodes, .normal = {}, .centroid = {}, .area = 0, .valid = false, .simple = true};
-    const Vec3 d1 = difference(nodes[2], nodes[0]);
-    const Vec3 d2 = difference(nodes[3], nodes[1]);
-    const auto [c, length] = cross_product(d1, d2);
-    const double diagonal = std::max(vector_length(d1), vector_length(d2));
+Panel flat_panel(const Corners& nodes, bool triangle) {
+    Panel panel{.corners = nodes, .triangle = triangle};
+    const auto [c, length] = diagonal_product(nodes);
+    const double diagonal = std::max(vector_length(difference(nodes[2], nodes[0])),
+                                     vector_length(difference(nodes[3], nodes[1])));
     if (!(length > area_limit * diagonal * diagonal) || !std::isfinite(length)) return panel;
     panel.normal = {c[0] / length, c[1] / length, c[2] / length};
 
@@ -60,8 +63,25 @@ FlatPanel flat_panel(const std::array<Vec3, 4>& nodes, bool triangle) {
     for (std::size_t i = 0; i < 3; ++i)
         panel.centroid[i] =
             triangle ? c124[i] : (c124[i] * area124 + c234[i] * area234) / panel.area;
-    panel.valid = panel.area > 0 && is_finite(panel.centroid);
-    panel.simple = triangle || panel.area <= (1 + simple_limit) * length / 2;
+    return panel;
+}
+
+bool has_area(const Panel& panel) {
+    return panel.area > 0 && is_finite(panel.centroid);
+}
+
+bool is_convex(const Panel& panel) {
+    return panel.triangle ||
+           panel.area <= (1 + convex_limit) * diagonal_product(panel.corners).length / 2;
+}
+
+Panel PanelMesh::panel(int p) const {
+    Panel panel{.triangle = type[nth(p)] == 1,
+                .normal = normal(p),
+                .centroid = centroid(p),
+                .area = area[nth(p)]};
+    for (int k = 1; k <= 4; ++k)
+        panel.corners[nth(k)] = {xr(p, k), yr(p, k), zr(p, k)};
     return panel;
 }
 

@@ -27,6 +27,10 @@ constexpr Vec3 difference(const Vec3& a, const Vec3& b) {
 constexpr Vec3 add_scaled(const Vec3& a, double f, const Vec3& b) {
     return {a[0] + f * b[0], a[1] + f * b[1], a[2] + f * b[2]};
 }
+/// f a
+constexpr Vec3 scaled(const Vec3& a, double f) {
+    return {a[0] * f, a[1] * f, a[2] * f};
+}
 inline bool is_finite(const Vec3& a) {
     return std::isfinite(a[0]) && std::isfinite(a[1]) && std::isfinite(a[2]);
 }
@@ -41,8 +45,7 @@ inline VectorLength cross_product(const Vec3& a, const Vec3& b) {
 inline Vec3 scale_to_length(const Vec3& a, double length) {
     const double present = vector_length(a);
     if (present == 0 || present == length) return a;
-    const double f = length / present;
-    return {a[0] * f, a[1] * f, a[2] * f};
+    return scaled(a, length / present);
 }
 
 /// From p1 to p2: the unit vector and the distance; the zero vector when the points coincide.

@@ -31,13 +31,15 @@ PATTERNS = (
                        " hydro_analysis/coefficients.* hydro_analysis/csolve.*"
                        " hydro_analysis/incoming_wave.* hydro_analysis/influence*.*"
                        " hydro_analysis/solve2.* hydro_analysis/symmetry.hpp"
-                       " hydro_response/far_field.* hydro_response/wave_spectra.*"
+                       " hydro_response/drag.* hydro_response/far_field.* hydro_response/field_potential.*"
+                       " hydro_response/response_values.* hydro_response/wave_spectra.*"
                        " elements/bar.* elements/frame.* elements/plane_beam.*"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
     ("service", "kernel/* solvers/matrix.* matrix/blocks.* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"
                 " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.* elements/element_family.*"
                 " fem/export_to_gmsh.* fem/nodal_values.* fem/rigid_modes.* fem/state.*"
-                " fem/loads.* fem/masses.* fem/node_records.*"),
+                " fem/loads.* fem/masses.* fem/node_records.*"
+                " hydro_response/source_files.*"),
 )
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)

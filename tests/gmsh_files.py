@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Has Gmsh open every kind of file that export_graphics writes, and compares what it found in them.
+"""Has Gmsh open every kind of file that the exporting commands write, and compares what it found in them.
 
     gmsh_files.py PROGRAM
 
 Gmsh writes each mesh anew; nodes and elements must come back with their numbers, and the displaced
-shapes as the steps of one view. Exit status 77 (skipped) where Gmsh is not installed.
+shapes, like the frames of each kind of colour, as the steps of one view. Exit status 77 (skipped) where Gmsh is not installed.
 """
 
 import pathlib
@@ -53,11 +53,53 @@ n=9 nodes=1,2,100001,7
 n=5 nodes=1,2,4
 
 export_graphics file=kinds.msh
+hyd_parameters h=10
+hyd_coordaxs
+hyd_wave nbeta=1 nfreq=1 -freq
+30
+2
+hyd_nodes #=100005
+1
+2 0 0 -2
+3 3 0 -2
+4 3
+100005 0 0 1
+
+hyd_panel n=3
+n=1 nodes=1,2,3,4
+n=3 nodes=100005,1,4
+
+hyd_surf_nodes #=5
+1 0 9
+2 5 9
+3 5 3
+5 0 3
+
+hyd_surf_panel n=2
+n=1 nodes=1,2,5
+n=2 nodes=2,3,5
+
+zero .hyd_umx r=100005 c=2
+zero .hyd_umy r=100005 c=2
+zero .hyd_umz r=100005 c=2 v=0.5
+zeroc .hyd_gencor r=2 v=1,1
+zeroc .hyd_surf_disp r=5 v=0.5,1
+zeroc .hyd_potincm r=1 v=1
+zeroc .hyd_potdiff r=1 v=1
+input3dc .hyd_potrad r=1 c=1 t=2
+1 0
+1 0
+hyd_export_graphics -Gmsh -freesurface file=hull.msh
+hyd_export_graphics -Gmsh -modes -displ freq=1 angle=1 steps=3 -freesurface -views file=sea.msh
+zero time r=4
+zero u r=4 c=100005
+zero eta r=4 c=5
+hyd_export_graphics_th time u u u eta file=history.msh
 quit
 """
-# File, number of displaced shapes.
-FILES = (("mesh.msh", 0), ("modes.msh", 6), ("case.msh", 1), ("cycle.msh", 8),
-         ("kinds.msh", 0))
+# File, number of displaced shapes, names of the further views.
+FILES = (("mesh.msh", 0), ("modes.msh", 6), ("case.msh", 1), ("cycle.msh", 8), ("kinds.msh", 0),
+         ("hull.msh", 0), ("sea.msh", 5, "Pressure amplitude", "Elevation"), ("history.msh", 4))
 
 
 def section(path, name):
@@ -96,19 +138,21 @@ def gmsh(folder, *arguments):
     return text
 
 
-def check(folder, name, shapes):
+def check(folder, name, shapes, *further):
     expected = written(folder / name)
     gmsh(folder, name, "-0", "-save_all", "-format", "msh41", "-o", "back.msh")
     found = read_back(folder / "back.msh")
     assert found == expected, f"{name}: {expected} became {found}"
 
-    (folder / "views.geo").write_text(
-        f'Merge "{name}";\nPrintf("views %g", PostProcessing.NbViews);\n'
-        + ('Printf("steps %g", View[0].NbTimeStep);\n' if shapes else ""))
+    views = [""] * (shapes > 0) + list(further)
+    (folder / "views.geo").write_text("\n".join(
+        [f'Merge "{name}";', 'Printf("views %g", PostProcessing.NbViews);',
+         *(f'Printf(StrCat("view ", View[{i}].Name, ": %g"), View[{i}].NbTimeStep);' for i in range(len(views))), ""]))
     text = gmsh(folder, "views.geo", "-0", "-format", "msh41", "-o", "back.msh")
-    assert f"views {1 if shapes else 0}\n" in text, text
-    # Gmsh counts steps from 0 and ours begin at 1.
-    assert not shapes or f"steps {shapes + 1}\n" in text, text
+    assert f"views {len(views)}\n" in text, text
+    for view in views:
+        # Gmsh counts steps from 0 and ours begin at 1.
+        assert f"view {view}: {shapes + 1}\n" in text, text
     print(f"{name}: {len(found[0])} nodes, {len(found[1])} elements, {shapes} shapes")
 
 
@@ -120,8 +164,8 @@ def main():
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         subprocess.run([program], cwd=folder, input=MODEL, text=True, check=True, capture_output=True)
-        for file, shapes in FILES:
-            check(folder, file, shapes)
+        for file in FILES:
+            check(folder, *file)
 
 
 if __name__ == "__main__":

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Writes the command files of the examples: the meshes and mode shapes that nobody would type.
 
-Usage: make_examples.py FOLDER [hemisphere|barge|flexible_barge|boxes] [COLUMNS ROWS of the hemisphere]
+Usage: make_examples.py FOLDER [hemisphere|barge|barge_sea|flexible_barge|boxes] [COLUMNS ROWS of the hemisphere]
 """
 import math
 import pathlib
@@ -151,6 +151,13 @@ def matrix(name, rows):
             *(" ".join("%.9g" % (v + 0.0) for v in row) for row in rows)]
 
 
+def mode_records(number, mode, points):
+    """Records of hyd_flex_modes: displacements and rotations of all nodes in a bending mode."""
+    return ["%d 0 %d" % (number, number - 7),
+            *("%d %.9f 0 %.9f 0 %.9f 0" % (i, -z * mode.slope(x) + 0.0, mode.value(x), -mode.slope(x) + 0.0)
+              for i, (x, _, z) in enumerate(points, 1)), ""]
+
+
 BARGE = {"length": 100.0, "beam": 20.0, "draft": 5.0, "ei": 2.0e11}
 BARGE_STATIONS = (-BARGE["length"] / 2, 0.0, BARGE["length"] / 2)
 
@@ -184,27 +191,76 @@ def barge_mass():
     return mstr
 
 
-def barge():
-    """Barge 100 x 20 x 5 m in 20 m of water, half mesh, six rigid and two bending modes."""
-    length = BARGE["length"]
-    mesh_lines, _ = mesh([barge_faces()])
-    modes = [FreeFreeBeam(1, length), FreeFreeBeam(2, length)]
-    mstr = barge_mass()
-    kstr = [[0.0] * 8 for _ in range(8)]
+def barge_structure():
+    """Bending modes, mass and stiffness of the barge; the modes are typed in, with unit displacement
+    at the ends."""
+    modes = [FreeFreeBeam(n, BARGE["length"]) for n in (1, 2)]
+    mstr, kstr = barge_mass(), [[0.0] * 8 for _ in range(8)]
     for i, mode in enumerate(modes, 6):
         mstr[i][i] = mstr[0][0] / 4
-        kstr[i][i] = BARGE["ei"] * mode.lam**4 * length / 4
+        kstr[i][i] = BARGE["ei"] * mode.lam**4 * BARGE["length"] / 4
+    return modes, mstr, kstr
+
+
+def barge():
+    """Barge 100 x 20 x 5 m in 20 m of water, half mesh, six rigid and two bending modes."""
+    mesh_lines, _ = mesh([barge_faces()])
+    modes, mstr, kstr = barge_structure()
     modemat = [[0, 0, 1, 0, -x, 0, modes[0].value(x), modes[1].value(x)] for x in BARGE_STATIONS]
     lines = barge_head("two bending modes", mesh_lines) + ["hyd_flex_modes"]
     points = grid_points(barge_faces())
     for number, mode in enumerate(modes, 7):
-        lines.append("%d 0 %d" % (number, number - 7))
-        for i, (x, _, z) in enumerate(points, 1):
-            lines.append("%d %.9f 0 %.9f 0 %.9f 0"
-                         % (i, -z * mode.slope(x) + 0.0, mode.value(x), -mode.slope(x) + 0.0))
-        lines.append("")
+        lines += mode_records(number, mode, points)
     lines += matrix("hyd_mstr", mstr) + matrix("hyd_kstr", kstr) + matrix("hyd_modemat", modemat)
     lines += ["hyd_analysis", "hyd_analysis_response symmetrize=on", "hyd_tf"]
+    return lines
+
+
+def barge_sea():
+    """The whole barge with its dry sides and deck, in a sea that is drawn: for Gmsh."""
+    half, width, freeboard = BARGE["length"] / 2, BARGE["beam"] / 2, 3.0
+    nx, ny = 32, 6
+    wet = box_faces(-half, half, -width, width, BARGE["draft"], nx, ny, 2)
+    a, b, c, d = (-half, width), (half, width), (half, -width), (-half, -width)
+    dry = [([(*p, freeboard), (*p, 0.0), (*q, 0.0), (*q, freeboard)], 1, n)
+           for p, q, n in ((a, b, nx), (b, c, ny), (c, d, nx), (d, a, ny))]
+    dry.append(([(*a, freeboard), (*b, freeboard), (*c, freeboard), (*d, freeboard)], nx, 1))
+    mesh_lines, _ = mesh([wet + dry])
+    modes, mstr, kstr = barge_structure()
+    lines = [
+        "/* The barge, whole, in a wave of 8 s from the side of the bow: a picture for Gmsh",
+        "hyd_parameters h=20 nmodef=2 hdamp=.01 rho=%g grav=%g" % (RHO, GRAV),
+        "hyd_coordaxs",
+        "hyd_wave nbeta=1 nfreq=1",
+        "150",
+        "8",
+        *mesh_lines,
+        "hyd_rigid_modes",
+        "hyd_flex_modes",
+    ]
+    points = grid_points(wet + dry)
+    for number, mode in enumerate(modes, 7):
+        lines += mode_records(number, mode, points)
+    lines += matrix("hyd_mstr", mstr) + matrix("hyd_kstr", kstr)
+    lines += ["hyd_analysis -source", "hyd_analysis_response symmetrize=on", "hyd_tf"]
+    # Eight panels about the water plane of the hull, each to be divided.
+    xs, ys = (-125.0, -half, half, 125.0), (75.0, width, -width, -75.0)
+    parts_x, parts_y = (24, 32, 24), (20, ny, 20)
+    cells = [(i, j) for j in range(3) for i in range(3) if (i, j) != (1, 1)]
+    lines += ["/* The sea about it, for the picture alone", "hyd_surf_nodes #=16"]
+    lines += ["%d %g %g 0" % (4 * j + i + 1, x, y) for j, y in enumerate(ys) for i, x in enumerate(xs)]
+    lines += ["", "hyd_surf_panel n=%d" % len(cells)]
+    for n, (i, j) in enumerate(cells, 1):
+        corner = 4 * j + i + 1
+        lines.append("n=%d nodes=%d,%d,%d,%d" % (n, corner, corner + 1, corner + 5, corner + 4))
+    lines.append("")
+    for n, (i, j) in enumerate(cells, 1):
+        lines.append("hyd_surf_panel -subdivide range=%d,%d nxm=%d,%d" % (n, n, parts_x[i], parts_y[j]))
+    lines += [
+        "hyd_surf_elevation",
+        "/* Twelve frames of the motion, in colours of pressure and elevation: barge_sea.msh",
+        "hyd_export_graphics -Gmsh -displ freq=1 angle=1 steps=12 -freesurface -views",
+    ]
     return lines
 
 
@@ -309,7 +365,9 @@ def boxes():
     return lines
 
 
-EXAMPLES = {"hemisphere": hemisphere, "barge": barge, "flexible_barge": flexible_barge, "boxes": boxes}
+EXAMPLES = {"hemisphere": hemisphere, "barge": barge, "barge_sea": barge_sea, "flexible_barge": flexible_barge,
+            "boxes": boxes}
+FOLDERS = {"barge_sea": "barge"}  # of those that share one
 
 
 def main():
@@ -317,7 +375,7 @@ def main():
     wanted = sys.argv[2:3] or list(EXAMPLES)
     for name in wanted:
         arguments = [int(v) for v in sys.argv[3:]] if name == "hemisphere" else []
-        target = folder / name
+        target = folder / FOLDERS.get(name, name)
         target.mkdir(parents=True, exist_ok=True)
         (target / (name + ".txt")).write_text("\n".join(EXAMPLES[name](*arguments)) + "\n")
 

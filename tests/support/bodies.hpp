@@ -20,8 +20,8 @@ namespace quelor::test {
 struct Body {
     int symmetry = 0;
     std::vector<Corners> corners;
-    std::vector<int> body_of;            ///< of each panel, 0-based
-    std::vector<GreenPoint> origins{{}}; ///< of each body
+    std::vector<int> body_of;      ///< of each panel, 0-based
+    std::vector<Vec3> origins{{}}; ///< of each body
     std::vector<double> freq{1.0}, beta{0.0};
     PanelArrays panels{0};
     std::vector<double> un;
@@ -42,9 +42,9 @@ inline std::vector<double> rigid_normals(const Body& body) {
     std::vector<double> un(modes * n);
     for (std::size_t p = 0; p < n; ++p) {
         const auto b = static_cast<std::size_t>(body.body_of[p]);
-        const GreenPoint o = body.origins[b];
+        const Vec3 o = body.origins[b];
         const auto& c = body.panels.xyzc;
-        const double x = c[p] - o.x, y = c[p + n] - o.y, z = c[p + 2 * n] - o.z;
+        const double x = c[p] - o[0], y = c[p + n] - o[1], z = c[p + 2 * n] - o[2];
         const double* v = &body.panels.n[3 * p];
         const std::array<double, 6> row{
             v[0], v[1], v[2], y * v[2] - z * v[1], z * v[0] - x * v[2], x * v[1] - y * v[0]};
@@ -60,7 +60,6 @@ inline HydModel Body::model(double depth) {
     modesym.clear();
     for (std::size_t j = 0; j < static_cast<std::size_t>(nmode()); ++j)
         modesym.push_back(symmetry == 1 ? single[j % 6] : twofold[j % 6]);
-    const PanelMesh mesh = panels.view();
     const int np = panels.np;
     HydModel m{};
     m.size = {symmetry,
@@ -79,13 +78,7 @@ inline HydModel Body::model(double depth) {
               1025.0};
     m.freq = freq;
     m.beta = beta;
-    m.xyzc = mesh.xyzc;
-    m.paneln = mesh.n;
-    m.xr = mesh.xr;
-    m.yr = mesh.yr;
-    m.zr = mesh.zr;
-    m.area = mesh.area;
-    m.type = mesh.type;
+    m.panels = panels.view();
     m.un = {un.data(), nmode(), np};
     m.modesym = modesym;
     return m;
@@ -100,13 +93,13 @@ inline Body hemisphere(double a, int rows, int columns, int symmetry) {
 
 /// Plane face of na x nb panels, corners A B C D clockwise as seen from the fluid.
 inline void add_face(Body& body, const Corners& c, int na, int nb) {
-    const auto point = [&](int i, int j) -> GreenPoint {
+    const auto point = [&](int i, int j) {
         const double s = double(i) / na, t = double(j) / nb;
-        const auto mix = [&](double GreenPoint::*x) {
-            return (1 - s) * (1 - t) * c[0].*x + s * (1 - t) * c[1].*x + s * t * c[2].*x +
-                   (1 - s) * t * c[3].*x;
-        };
-        return {mix(&GreenPoint::x), mix(&GreenPoint::y), mix(&GreenPoint::z)};
+        Vec3 p;
+        for (std::size_t x = 0; x < 3; ++x)
+            p[x] = (1 - s) * (1 - t) * c[0][x] + s * (1 - t) * c[1][x] + s * t * c[2][x] +
+                   (1 - s) * t * c[3][x];
+        return p;
     };
     for (int j = 0; j < nb; ++j)
         for (int i = 0; i < na; ++i)

@@ -12,7 +12,7 @@ elem_grp e=0 code=1
 elem_grp code=2
 elem_grp e=33 code=1
 elem_grp e=2 code=1
-fem_error -user
+fem_error -user -SE
 elem_grp code=0 e=33
 elem_grp e=2
 fem_error

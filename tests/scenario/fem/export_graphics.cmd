@@ -55,7 +55,7 @@ export_graphics -deformed steps=2 case=1 T=periods -autoscale scale=10 file=half
 elem_grp e=29 code=0
 export_graphics file=ntruss.msh nsymm=1
 ls $*
-export_graphics file=no/such/folder.msh
+export_graphics file=no/such/folder.msh reflect=1
 nodes #=3
 
 export_graphics file=never.msh

@@ -65,8 +65,8 @@ n=4 u=7,8,-9
 print v
 nodal_pressure
 n=all pat=3 p=2.5
-n=2,4,2 pat=1 -hydro density=2 z=-1 -no_negative
 n=3 pat=1 -hydro density=-2 z=-1
+n=2,4,2 pat=1 -hydro density=2 z=-1 -no_negative
 
 print .nodal_pressure
 printi .nodal_pressure_pat

@@ -40,6 +40,7 @@ n=9 f=0,-1
 n=10 f=2,2
 
 form_k
+load_summary
 peqs
 lsolve
 pdisp -screen

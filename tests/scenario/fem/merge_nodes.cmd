@@ -8,6 +8,7 @@ nodes #=9
 5 0 0 0
 7 1 0 0
 8 1 0 0.0005
+9 1 0 0.0012
 
 merge_nodes
 bcid r=1
@@ -16,7 +17,7 @@ merge_nodes -noprint
 pbcid
 bcid
 
-merge_nodes xtol=0 ztol=0 tol=0.001
+merge_nodes xtol=0 ytol=0.001 ztol=0
 merge_nodes tol=0.001 -print
 pbcid
 quit

@@ -47,6 +47,12 @@ hyd_panel n=3
 3 2 6 12
 
 phyd_panel
+hyd_parameters h=100 symmetry=2
+hyd_panel n=2
+1 1 2 4 3
+2 2 6 12
+
+phyd_panel
 hyd_parameters h=100 symmetry=3
 hyd_panel n=1
 1 1 2 4 3

@@ -45,8 +45,8 @@ print t
 min d t c=3
 print t
 max d t c=4
-input row c=3
-3 -8 5
+input row c=4
+nan 3 -8 5
 norm row t -max
 print t
 min row t

@@ -260,10 +260,12 @@ TEST_F(Assembly, numbering_keeps_what_exists_unless_asked_anew) {
 }
 
 TEST_F(Assembly, numbering_follows_the_node_order) {
-    std::ranges::copy(std::array{4, 2}, create_matrix<std::int32_t>(node_eq_order, 2, 0).data);
+    std::ranges::copy(std::array{4, 2, 4}, create_matrix<std::int32_t>(node_eq_order, 3, 0).data);
+    as_matrix<std::int32_t>(find_array(bcid))(1, 1) = -nodes; // tied to the last node
     run("num_eqs -#eqs");
     const auto eqs = as_matrix<std::int32_t>(find_array(node_eqs));
     EXPECT_EQ(eqs(1, 4), 1);
+    EXPECT_EQ(eqs(1, 1), 1);
     EXPECT_EQ(eqs(1, 2), 6);
     EXPECT_EQ(get_int(num_eqs), 8);
     EXPECT_EXIT((detach(), check_numbering()), testing::ExitedWithCode(0),

@@ -23,7 +23,7 @@ struct Points {
 };
 
 struct Values {
-    std::array<std::vector<double>, 8> row; // f1 f2 f3 f7 g1 g2 g3 g7
+    std::array<std::vector<double>, 8> row; // re re_R re_1 re_2 im im_R im_1 im_2
     Remainder at(std::size_t i) const {
         return {{row[0][i], row[4][i]},
                 {row[1][i], row[5][i]},
@@ -40,6 +40,11 @@ Values evaluate(const Points& points, const DepthCache& cache) {
     finite_wave_terms(points.R, points.d1, points.d2, cache,
                       {row[0].data(), row[1].data(), row[2].data(), row[3].data(), row[4].data(),
                        row[5].data(), row[6].data(), row[7].data()});
+    std::vector<double> re(points.R.size()), im(re);
+    finite_wave_values(points.R, points.d1, points.d2, cache, re.data(), im.data());
+    for (std::size_t i = 0; i < re.size(); ++i)
+        EXPECT_TRUE((re[i] == row[0][i] && im[i] == row[4][i]) || std::isnan(re[i]))
+            << "without the gradient, R " << points.R[i];
     return values;
 }
 

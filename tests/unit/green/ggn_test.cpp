@@ -11,14 +11,12 @@ namespace {
 
 // A rectangle of 0.2 x 0.3 below the surface, sloping; its normal points up and to -x.
 SourcePanel sloping(double x0 = 0, double y0 = 0, int parts = 1, double gauge = 2.5) {
-    const auto point = [&](double u, double v) -> GreenPoint {
+    const auto point = [&](double u, double v) -> Vec3 {
         return {0.2 * u, 0.3 * v, -0.5 + 0.1 * u};
     };
     const double d = 1.0 / parts;
-    const std::array<GreenPoint, 4> c = {point(x0, y0), point(x0 + d, y0), point(x0 + d, y0 + d),
-                                         point(x0, y0 + d)};
-    const double area = std::hypot(0.2, 0.1) * 0.3 * d * d;
-    return {flat_panel(c, false), point(x0 + d / 2, y0 + d / 2), area, std::sqrt(area) * gauge};
+    const Corners c{point(x0, y0), point(x0 + d, y0), point(x0 + d, y0 + d), point(x0, y0 + d)};
+    return source_panel(flat_panel(c, false), 1, gauge);
 }
 
 // In the near field the bottom image stays in deep water; so far away it does not matter.
@@ -29,20 +27,17 @@ constexpr GreenWater deep{1e9, -1}, shallow{1.5, 1.5};
 // In either field dG/dn belongs to the G that is returned; differences over 2e-4 leave 1e-7.
 TEST(PanelGreenFunction, has_the_derivative_of_its_own_potential) {
     const SourcePanel panel = sloping();
-    const GreenPoint n = {0.36, 0.48, -0.8};
+    const Vec3 n{0.36, 0.48, -0.8};
     constexpr double step = 1e-4;
     DepthCache cache;
     for (const GreenWater& water : {deep, shallow}) {
         for (const double sign_x : {1.0, -1.0}) {
-            for (const GreenPoint& p :
-                 {GreenPoint{0.3, 0.1, -0.6}, {0.1, -0.1, -0.2}, {2, 1, -0.3}}) {
-                const PanelSource source = {panel, sign_x, 1};
+            for (const Vec3& p : {Vec3{0.3, 0.1, -0.6}, {0.1, -0.1, -0.2}, {2, 1, -0.3}}) {
+                const Reflection reflection{sign_x, 1};
                 const auto G = [&](double t) {
-                    return g_only({p.x + t * n.x, p.y + t * n.y, p.z + t * n.z}, source, water,
-                                  cache)
-                        .G;
+                    return g_only(add_scaled(p, t, n), panel, reflection, water, cache).G;
                 };
-                const GreenInfluence value = ggn({p, n}, source, water, cache);
+                const GreenInfluence value = ggn(p, n, panel, reflection, water, cache);
                 const Complex8 slope = (G(step) - G(-step)) / (2 * step);
                 EXPECT_EQ(value.G, G(0));
                 EXPECT_LT(std::abs(value.dGdn - slope), 1e-6 * std::abs(slope));
@@ -62,8 +57,8 @@ TEST(PanelGreenFunction, is_the_sum_over_the_parts_of_the_panel) {
             for (int part = 0; part < parts * parts; ++part) {
                 const double x = static_cast<double>(part % parts) / parts;
                 const double y = static_cast<double>(part / parts) / parts;
-                const GreenInfluence value = ggn({{0.5, 0.2, -0.6}, {0, 0.6, 0.8}},
-                                                 {sloping(x, y, parts, gauge), 1, 1}, water, cache);
+                const GreenInfluence value = ggn({0.5, 0.2, -0.6}, {0, 0.6, 0.8},
+                                                 sloping(x, y, parts, gauge), {}, water, cache);
                 total[0] += value.G;
                 total[1] += value.dGdn;
             }
@@ -79,21 +74,18 @@ TEST(PanelGreenFunction, is_the_sum_over_the_parts_of_the_panel) {
 }
 
 TEST(PanelGreenFunction, has_no_wave_terms_at_its_own_image_and_no_value_below_the_bottom) {
-    const SourcePanel lid = {
-        flat_panel({{{0, 0, 0}, {0.1, 0, 0}, {0.1, 0.1, 0}, {0, 0.1, 0}}}, false),
-        {0.05, 0.05, 0},
-        0.01,
-        0.25};
+    const SourcePanel lid = source_panel(
+        flat_panel({{{0, 0, 0}, {0.1, 0, 0}, {0.1, 0.1, 0}, {0, 0.1, 0}}}, false), 1, 2.5);
     DepthCache cache;
     for (const GreenWater& water : {deep, shallow}) {
-        const GreenInfluence self = ggn({lid.centroid, {0, 0, 1}}, {lid, 1, 1}, water, cache);
-        EXPECT_EQ(self.ier, 0);
+        const GreenInfluence self = ggn(lid.centroid, {0, 0, 1}, lid, {}, water, cache);
+        EXPECT_EQ(self.status, GreenStatus::found);
         EXPECT_EQ(self.G.imag(), 0);
         // the panel and its image, and a trace of the bottom image
         EXPECT_NEAR(self.dGdn.real(), 4 * std::numbers::pi, 2e-3);
     }
-    const GreenInfluence below = g_only({1, 0, -2}, {sloping(), 1, 1}, shallow, cache);
-    EXPECT_EQ(below.ier, 1);
+    const GreenInfluence below = g_only({1, 0, -2}, sloping(), {}, shallow, cache);
+    EXPECT_EQ(below.status, GreenStatus::out_of_range);
     EXPECT_EQ(below.d1, 2);
     EXPECT_EQ(below.h_green, 1.5);
 }

@@ -24,10 +24,12 @@ Real integrate(const Function& f, Real tolerance, Real a = 0, Real b = 1, int de
     return integrate(f, tolerance, a, c, depth - 1) + integrate(f, tolerance, c, b, depth - 1);
 }
 
-using Corners = std::array<GreenPoint, 4>;
+SourcePanel source(const Corners& corners, bool triangle = false, double gauge = 2.5) {
+    return source_panel(flat_panel(corners, triangle), 1, gauge);
+}
 
 // Panel in the plane z = 0 turned into space by a rotation about two axes.
-GreenPoint turned(double x, double y, double z) {
+Vec3 turned(double x, double y, double z) {
     const double a = 0.7, b = -1.1;
     const double x1 = std::cos(a) * x - std::sin(a) * y, y1 = std::sin(a) * x + std::cos(a) * y;
     return {std::cos(b) * x1 + std::sin(b) * z + 0.3, y1 - 0.2,
@@ -60,12 +62,12 @@ struct Quadrature {
                 // int_0^1 u/rho du and int_0^1 u/rho^3 du, rho^2 = u^2 (r^2 - h^2) + h^2
                 q.value += twice_area * over_edge([h](Real r) { return 1 / (r + h); });
                 if (h > 0)
-                    q.z -= twice_area * (pz / h) *
-                           over_edge([h](Real r) { return 1 / (r * (r + h)); });
+                    q.gradient[2] -= twice_area * (pz / h) *
+                                     over_edge([h](Real r) { return 1 / (r * (r + h)); });
             }
             const double line = over_edge([](Real r) { return 1 / r; });
-            q.x -= dy * line;
-            q.y += dx * line;
+            q.gradient[0] -= dy * line;
+            q.gradient[1] += dx * line;
         }
         return q;
     }
@@ -75,32 +77,31 @@ const std::vector<Plane> quadrilateral = {{-0.6, -0.4}, {0.5, -0.5}, {0.7, 0.4},
 const std::vector<Plane> triangle = {{-0.5, -0.3}, {0.6, -0.2}, {0.1, 0.7}};
 const std::vector<Plane> sliver = {{-1.0, -0.01}, {1.0, -0.02}, {1.0, 0.01}, {-1.0, 0.01}};
 
-FlatPanel in_space(const std::vector<Plane>& c) {
+SourcePanel in_space(const std::vector<Plane>& c) {
     Corners corners;
     for (std::size_t k = 0; k < 4; ++k) {
         const Plane& p = c[std::min(k, c.size() - 1)];
         corners[k] = turned(p.x, p.y, 0);
     }
-    return flat_panel(corners, c.size() == 3);
+    return source(corners, c.size() == 3);
 }
 
 void compare(const std::vector<Plane>& c, double x, double y, double z, bool gradient_in_plane) {
     const RankineIntegral exact = ggnsing(turned(x, y, z), in_space(c));
     const RankineIntegral q = Quadrature{c, x, y, z}.integrals();
-    const GreenPoint o = turned(0, 0, 0), e1 = turned(1, 0, 0), e2 = turned(0, 1, 0),
-                     e3 = turned(0, 0, 1);
-    const auto along = [&](const GreenPoint& e) {
-        return exact.x * (e.x - o.x) + exact.y * (e.y - o.y) + exact.z * (e.z - o.z);
-    };
-    const double scale = std::hypot(q.x, q.y, q.z);
+    const Vec3 o = turned(0, 0, 0), e1 = turned(1, 0, 0), e2 = turned(0, 1, 0),
+               e3 = turned(0, 0, 1);
+    const auto along = [&](const Vec3& e) { return dot_product(exact.gradient, difference(e, o)); };
+    const auto& [qx, qy, qz] = q.gradient;
+    const double scale = vector_length(q.gradient);
     SCOPED_TRACE(testing::Message() << "point " << x << " " << y << " " << z);
     EXPECT_NEAR(exact.value, q.value, 1e-10 * q.value);
     if (z != 0) {
-        EXPECT_NEAR(along(e3), q.z, 1e-10 * scale);
+        EXPECT_NEAR(along(e3), qz, 1e-10 * scale);
     }
     if (!gradient_in_plane) return;
-    EXPECT_NEAR(along(e1), q.x, 1e-10 * scale);
-    EXPECT_NEAR(along(e2), q.y, 1e-10 * scale);
+    EXPECT_NEAR(along(e1), qx, 1e-10 * scale);
+    EXPECT_NEAR(along(e2), qy, 1e-10 * scale);
 }
 
 } // namespace
@@ -127,65 +128,71 @@ TEST(RankineIntegral, agrees_with_quadrature_in_the_plane) {
 TEST(RankineIntegral, has_its_limits_on_edges_and_corners) {
     for (const auto* panel : {&quadrilateral, &triangle}) {
         const Plane a = (*panel)[0], b = (*panel)[1];
-        const FlatPanel flat = in_space(*panel);
+        const SourcePanel flat = in_space(*panel);
         for (const double t : {0.0, 0.3, 1.0, 1.7}) {
             const Plane p = {a.x + t * (b.x - a.x), a.y + t * (b.y - a.y)};
             compare(*panel, p.x, p.y, 0, t > 1);
             const RankineIntegral on = ggnsing(turned(p.x, p.y, 0), flat);
             const RankineIntegral by = ggnsing(turned(p.x, p.y, 1e-10), flat);
             EXPECT_NEAR(on.value, by.value, 1e-8) << "continuous with slope 2 pi log";
-            EXPECT_TRUE(std::isfinite(on.x) && std::isfinite(on.y) && std::isfinite(on.z));
+            EXPECT_TRUE(is_finite(on.gradient));
         }
     }
 }
 
 TEST(RankineIntegral, has_the_closed_form_at_the_centre_of_a_square) {
-    const FlatPanel square = flat_panel({{{0, 0, -1}, {0, 2, -1}, {2, 2, -1}, {2, 0, -1}}}, false);
+    const SourcePanel square = source({{{0, 0, -1}, {0, 2, -1}, {2, 2, -1}, {2, 0, -1}}});
     const RankineIntegral self = ggnsing({1, 1, -1}, square);
     EXPECT_NEAR(self.value, 8 * std::log(1 + std::sqrt(2.0)), 1e-14);
-    EXPECT_EQ(square.normal.z, -1);
-    EXPECT_EQ(self.z, -2 * pi) << "the fluid lies above: normal derivative + 2 pi";
-    EXPECT_NEAR(ggnsing({1, 1, -1 + 1e-7}, square).z, -2 * pi, 1e-6) << "from the fluid";
-    EXPECT_NEAR(ggnsing({1, 1, -1 - 1e-7}, square).z, 2 * pi, 1e-6) << "from the body";
-    EXPECT_EQ(ggnsing({2.1, 1, -1}, square).z, 0);
+    EXPECT_EQ(square.normal[2], -1);
+    EXPECT_EQ(self.gradient[2], -2 * pi) << "the fluid lies above: normal derivative + 2 pi";
+    EXPECT_NEAR(ggnsing({1, 1, -1 + 1e-7}, square).gradient[2], -2 * pi, 1e-6) << "from the fluid";
+    EXPECT_NEAR(ggnsing({1, 1, -1 - 1e-7}, square).gradient[2], 2 * pi, 1e-6) << "from the body";
+    EXPECT_EQ(ggnsing({2.1, 1, -1}, square).gradient[2], 0);
 }
 
 TEST(RankineIntegral, of_an_image_is_that_of_the_mirrored_corners) {
     const Corners corners = {
         {{0.2, 0.1, -0.4}, {0.2, 0.9, -0.4}, {1.0, 0.9, -0.1}, {1.0, 0.1, -0.1}}};
-    const FlatPanel panel = flat_panel(corners, false);
-    const GreenPoint p = {0.4, -0.3, -0.5};
-    for (const PanelImage image : {PanelImage{1, -1, 1, 0}, {-1, 1, -1, 0}, {-1, -1, -1, 3.0}}) {
+    const SourcePanel panel = source(corners);
+    const Vec3 p = {0.4, -0.3, -0.5};
+    struct Image {
+        Reflection reflection;
+        double sign, shift;
+    };
+    for (const auto& [reflection, sign, shift] :
+         {Image{{1, -1}, 1, 0}, {{-1, 1}, -1, 0}, {{-1, -1}, -1, 3.0}}) {
         Corners mirrored = corners;
-        for (auto& c : mirrored) {
-            c = {image.sign_x * c.x, image.sign_y * c.y, image.sign * c.z - image.shift};
+        for (auto& [x, y, z] : mirrored) {
+            x *= reflection.x;
+            y *= reflection.y;
+            z = sign * z - shift;
         }
-        const RankineIntegral a = ggnsing(p, panel, image),
-                              b = ggnsing(p, flat_panel(mirrored, false));
+        const RankineIntegral a = ggnsing(p, panel, reflection, sign, shift),
+                              b = ggnsing(p, source(mirrored));
         EXPECT_NEAR(a.value, b.value, 1e-14);
-        EXPECT_NEAR(a.x, b.x, 1e-14);
-        EXPECT_NEAR(a.y, b.y, 1e-14);
-        EXPECT_NEAR(a.z, b.z, 1e-14);
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_NEAR(a.gradient[i], b.gradient[i], 1e-14);
     }
 }
 
 TEST(RankineIntegral, of_a_panel_in_a_mirror_plane_keeps_the_limit_from_the_fluid) {
-    const FlatPanel lid = flat_panel({{{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}}, false);
-    EXPECT_EQ(lid.normal.z, 1);
-    EXPECT_EQ(ggnsing({0.5, 0.5, 0}, lid).z, 2 * pi);
-    EXPECT_EQ(ggnsing({0.5, 0.5, 0}, lid, {1, 1, -1, 0}).z, 2 * pi);
-    const FlatPanel wall = flat_panel({{{0, 0, 0}, {0, 0, -1}, {1, 0, -1}, {1, 0, 0}}}, false);
-    EXPECT_EQ(ggnsing({0.5, 0, -0.5}, wall, {1, -1, 1, 0}).y, 2 * pi * wall.normal.y);
+    const SourcePanel lid = source({{{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}});
+    EXPECT_EQ(lid.normal[2], 1);
+    EXPECT_EQ(ggnsing({0.5, 0.5, 0}, lid).gradient[2], 2 * pi);
+    EXPECT_EQ(ggnsing({0.5, 0.5, 0}, lid, {}, -1).gradient[2], 2 * pi);
+    const SourcePanel wall = source({{{0, 0, 0}, {0, 0, -1}, {1, 0, -1}, {1, 0, 0}}});
+    EXPECT_EQ(ggnsing({0.5, 0, -0.5}, wall, {1, -1}).gradient[1], 2 * pi * wall.normal[1]);
 }
 
 TEST(RankineTerms, are_exact_within_the_length_and_concentrated_beyond) {
-    const FlatPanel panel = flat_panel({{{0, 0, -1}, {0, 1, -1}, {1, 1, -1}, {1, 0, -1}}}, false);
-    const GreenPoint p = {0.5, 0.5, -0.5}; // 0.5, 1.5 and 4.5 from the three centroids
-    const SourcePanel source = {panel, {0.5, 0.5, -1}, 1.0, 1.5};
-    const RankineIntegral sum = rankine_terms(p, source, 1, 1, 3);
-    const RankineIntegral direct = ggnsing(p, panel), surface = ggnsing(p, panel, {1, 1, -1, 0});
+    const SourcePanel panel =
+        source({{{0, 0, -1}, {0, 1, -1}, {1, 1, -1}, {1, 0, -1}}}, false, 1.5);
+    const Vec3 p = {0.5, 0.5, -0.5}; // 0.5, 1.5 and 4.5 from the three centroids
+    const RankineIntegral sum = rankine_terms(p, panel, {}, 3);
+    const RankineIntegral direct = ggnsing(p, panel), surface = ggnsing(p, panel, {}, -1);
     EXPECT_NEAR(sum.value, direct.value + surface.value + 1 / 4.5, 1e-14);
-    EXPECT_NEAR(sum.z, direct.z + surface.z - 1 / (4.5 * 4.5), 1e-14);
-    EXPECT_LT(direct.z, 0);
-    EXPECT_GT(surface.z, 0);
+    EXPECT_NEAR(sum.gradient[2], direct.gradient[2] + surface.gradient[2] - 1 / (4.5 * 4.5), 1e-14);
+    EXPECT_LT(direct.gradient[2], 0);
+    EXPECT_GT(surface.gradient[2], 0);
 }

@@ -42,14 +42,14 @@ TEST(IncomingWave, class_sums_are_the_signed_sums_over_the_images) {
                     Complex8 sum = 0;
                     for (int m = 1; m <= ns; ++m)
                         sum += class_sign(symmetry, k, m) *
-                               potential(w, image_sign_x(symmetry, m) * xyzc(p, 1),
-                                         image_sign_y(symmetry, m) * xyzc(p, 2), xyzc(p, 3));
+                               potential(w, reflection_of(symmetry, m).x * xyzc(p, 1),
+                                         reflection_of(symmetry, m).y * xyzc(p, 2), xyzc(p, 3));
                     EXPECT_LT(std::abs(Complex8(0, g / w.omega) * pic(p, k) - sum), 1e-12);
                 }
         }
 }
 
-TEST(IncomingWave, normal_velocity_is_the_derivative_of_the_potential) {
+TEST(IncomingWave, velocities_are_the_derivatives_of_the_potential) {
     // Central differences of step 1e-5: errors of 1e-10 from the step and from rounding.
     constexpr std::array<double, 6> normals{0.6, -0.48, 0.64, 0, 0.8, -0.6};
     for (const double depth : {4.0, 1e4})
@@ -58,7 +58,7 @@ TEST(IncomingWave, normal_velocity_is_the_derivative_of_the_potential) {
             std::array<Complex8, 2> h;
             incoming_normal_velocity(w, 2, m, xyzc, {normals.data(), 3, 2}, h);
             for (int p = 1; p <= 2; ++p) {
-                const double sx = image_sign_x(2, m), sy = image_sign_y(2, m);
+                const auto [sx, sy] = reflection_of(2, m);
                 const double* n = &normals[static_cast<std::size_t>(3 * (p - 1))];
                 const auto along = [&](double t) {
                     return potential(w, sx * (xyzc(p, 1) + t * n[0]), sy * (xyzc(p, 2) + t * n[1]),
@@ -66,6 +66,10 @@ TEST(IncomingWave, normal_velocity_is_the_derivative_of_the_potential) {
                 };
                 const Complex8 slope = (along(1e-5) - along(-1e-5)) / 2e-5;
                 EXPECT_LT(std::abs(h[static_cast<std::size_t>(p - 1)] + slope), 1e-8) << depth << m;
+                const auto v =
+                    incoming_velocity(w, g, {sx * xyzc(p, 1), sy * xyzc(p, 2), xyzc(p, 3)});
+                EXPECT_LT(std::abs(sx * n[0] * v[0] + sy * n[1] * v[1] + n[2] * v[2] - slope), 1e-8)
+                    << depth << m;
             }
         }
 }

@@ -33,7 +33,8 @@ struct Matrices {
 Matrices matrices(const PanelArrays& mesh, const InfluenceParameters& p) {
     Matrices m(mesh.np, image_count(p.symmetry));
     DepthCache cache;
-    EXPECT_EQ(influence_matrices(mesh.view(), p, cache, m.alpha, m.beta, {}).ier, 0);
+    EXPECT_EQ(influence_matrices(mesh.view(), p, cache, m.alpha, m.beta, {}).status,
+              InfluenceStatus::formed);
     return m;
 }
 
@@ -52,14 +53,11 @@ struct Sums {
 Sums by_pairs(const PanelMesh& mesh, const InfluenceParameters& p, int k, int j, int i,
               DepthCache& cache) {
     Sums sums;
-    const double hnd = p.K * p.depth;
-    const SourcePanel source = source_panel(mesh, i, p.K, p.gauge);
-    const GreenPoint at = {p.K * mesh.xyzc(j, 1), p.K * mesh.xyzc(j, 2), p.K * mesh.xyzc(j, 3)};
+    const SourcePanel source = source_panel(mesh.panel(i), p.K, p.gauge);
+    const Vec3 at = scaled(mesh.centroid(j), p.K);
     for (int m = 1; m <= image_count(p.symmetry); ++m) {
         const GreenInfluence g =
-            ggn({at, {mesh.n(1, j), mesh.n(2, j), mesh.n(3, j)}},
-                {source, image_sign_x(p.symmetry, m), image_sign_y(p.symmetry, m)},
-                {hnd, p.deep_water_limit >= hnd ? hnd : -1}, cache);
+            ggn(at, mesh.normal(j), source, reflection_of(p.symmetry, m), p.water(), cache);
         const double sign = class_sign(p.symmetry, k, m);
         sums.alpha += sign * g.G / p.K;
         sums.beta += sign * g.dGdn;
@@ -110,12 +108,7 @@ TEST(InfluenceMatrices, do_not_depend_on_the_tiles) {
     PanelArrays part(mesh.np - skip);
     const PanelMesh all = mesh.view();
     for (int q = 1; q <= part.np; ++q) {
-        std::array<GreenPoint, 4> c;
-        for (int k = 1; k <= 4; ++k) {
-            c[static_cast<std::size_t>(k - 1)] = {all.xr(q + skip, k), all.yr(q + skip, k),
-                                                  all.zr(q + skip, k)};
-        }
-        part.set(q, c);
+        part.set(q, all.panel(q + skip).corners);
     }
     for (const InfluenceParameters& water : {deep, shallow}) {
         const Matrices whole = matrices(mesh, water), some = matrices(part, water);
@@ -142,8 +135,8 @@ TEST(InfluenceMatrices, of_a_quarter_and_a_half_are_sums_of_those_of_the_whole) 
         const Matrices m = matrices(mesh, with_symmetry(shallow, symmetry));
         const auto image = [&](int p, int number) { // both 1-based
             const int row = (p - 1) / width, c = (p - 1) % width, all = 4 * columns;
-            const bool in_x = image_sign_x(symmetry, number) < 0;
-            const bool in_y = image_sign_y(symmetry, number) < 0;
+            const Reflection reflection = reflection_of(symmetry, number);
+            const bool in_x = reflection.x < 0, in_y = reflection.y < 0;
             const int turned =
                 in_x ? (in_y ? 2 * columns + c : 2 * columns - 1 - c) : (in_y ? all - 1 - c : c);
             return 1 + row * all + turned;
@@ -184,22 +177,22 @@ TEST(InfluenceMatrices, tell_the_panels_that_have_no_influence) {
     const PanelArrays good = hemisphere_mesh(2, 4, 8, 0);
     Matrices m(good.np, 1);
     DepthCache cache;
-    const auto status = [&](const PanelArrays& mesh, const InfluenceParameters& p) {
+    const auto result = [&](const PanelArrays& mesh, const InfluenceParameters& p) {
         return influence_matrices(mesh.view(), p, cache, m.alpha, m.beta, {});
     };
     InfluenceParameters too_shallow = shallow;
     too_shallow.depth = 1.5;
-    const InfluenceStatus below = status(good, too_shallow);
-    EXPECT_EQ(below.ier, 1);
-    EXPECT_GT(below.at.d2, below.at.h_green);
+    const InfluenceResult below = result(good, too_shallow);
+    EXPECT_EQ(below.status, InfluenceStatus::no_green_value);
+    EXPECT_GT(below.pair.d2, below.pair.h_green);
 
     PanelArrays bad = good;
     bad.area[4] = 0;
-    EXPECT_EQ(status(bad, deep).ier, 2);
-    EXPECT_EQ(status(bad, deep).panel, 5);
+    EXPECT_EQ(result(bad, deep).status, InfluenceStatus::bad_panel);
+    EXPECT_EQ(result(bad, deep).panel, 5);
     bad = good;
     bad.xr[2] = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_EQ(status(bad, deep).panel, 3);
+    EXPECT_EQ(result(bad, deep).panel, 3);
     EXPECT_EQ(m.alpha[0](1, 1), Complex4{}) << "nothing is written on failure";
 }
 

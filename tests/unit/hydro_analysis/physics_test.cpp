@@ -115,7 +115,7 @@ TEST(Symmetry, potentials_of_the_images_are_those_of_the_full_mesh) {
                                   ? 1
                                   : s.model.modesym[static_cast<std::size_t>(mode - 1)];
                 f += class_sign(s.model.size.symmetry, k, m) *
-                     s.model.area[static_cast<std::size_t>(p - 1)] * s.model.un(mode, p) *
+                     s.model.panels.area[static_cast<std::size_t>(p - 1)] * s.model.un(mode, p) *
                      s.results.potrad(p + (m - 1) * np, 1, mode);
             }
         return f;
@@ -132,7 +132,7 @@ TEST(Symmetry, potentials_of_the_images_are_those_of_the_full_mesh) {
         }
         // A point of the water line has |phi_I| near g / omega times the decay to its centroid.
         const double K = omega * omega / g;
-        const double z = s.model.xyzc(1, 3);
+        const double z = s.model.panels.xyzc(1, 3);
         EXPECT_NEAR(std::abs(s.results.potincm(1, 1, 1)), g / omega * std::exp(K * z), 1e-10);
     }
 }
@@ -162,16 +162,16 @@ TEST(Energy, the_two_routes_to_the_exciting_force_agree) {
         const double depth = 2.0;
         const Analysis s = solve(body, depth);
         const WaveNumber w = waven(omega, depth, g);
-        std::vector<Complex8> h(s.model.area.size());
-        incoming_normal_velocity({omega, w.k, depth, body.beta[0], false}, 0, 1, s.model.xyzc,
-                                 s.model.paneln, h);
+        std::vector<Complex8> h(s.model.panels.area.size());
+        incoming_normal_velocity({omega, w.k, depth, body.beta[0], false}, 0, 1,
+                                 s.model.panels.xyzc, s.model.panels.n, h);
         double worst = 0, scale = 0;
         for (int j = 1; j <= 6; ++j) {
             Complex8 X = 0;
             for (int p = 1; p <= s.model.size.np; ++p) {
                 const auto at = static_cast<std::size_t>(p - 1);
                 const Complex8 psi = s.results.potrad(p, 1, j) / Complex8(0, omega);
-                X += s.model.area[at] *
+                X += s.model.panels.area[at] *
                      (s.results.potincm(p, 1, 1) * s.model.un(j, p) + psi * h[at]);
             }
             X *= Complex8(0, -omega * rho);

@@ -71,5 +71,13 @@ TEST(AddedFrequencies, take_their_sorted_places_in_every_result) {
     EXPECT_EQ(merged({1.0}, {2.0, 0.5}), (std::vector{2.0, 1.0, 0.5}));
 }
 
+TEST(AddedFrequencies, results_of_another_number_of_modes_are_not_taken_over) {
+    create_array3<double>("old", 2, 2, 3);
+    for (const auto& [modes, taken] : {std::pair{2, true}, {3, false}}) {
+        create_array3<double>("new", modes, modes, 4);
+        EXPECT_EQ(copy_leading_frequencies(find_array("old"), find_array("new"), 3), taken);
+    }
+}
+
 } // namespace
 } // namespace quelor

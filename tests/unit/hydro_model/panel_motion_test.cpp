@@ -6,12 +6,12 @@ using namespace quelor;
 
 namespace {
 
-Vector3 cross(const Vector3& a, const Vector3& b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+Vec3 cross(const Vec3& a, const Vec3& b) {
+    return cross_product(a, b).vector;
 }
 
-Vector3 mean(const Corners& v) {
-    Vector3 m{};
+Vec3 mean(const Corners& v) {
+    Vec3 m{};
     for (const auto& corner : v)
         for (std::size_t i = 0; i < 3; ++i)
             m[i] += corner[i] / 4;
@@ -21,7 +21,7 @@ Vector3 mean(const Corners& v) {
 } // namespace
 
 TEST(PanelMotion, a_rigid_rotation_moves_the_middle_like_a_point_of_the_body) {
-    const Vector3 omega{0.3, -0.7, 1.1};
+    const Vec3 omega{0.3, -0.7, 1.1};
     const Corners quadrilateral{{{0, 0, 0}, {3, 0.2, 0}, {2.5, 2, 0}, {-0.4, 1.7, 0}}};
     const Corners triangle{{{0, 0, 0}, {3, 0.2, 0}, {2.5, 2, 0}, {2.5, 2, 0}}};
     for (const auto& corners : {quadrilateral, triangle}) {
@@ -30,7 +30,8 @@ TEST(PanelMotion, a_rigid_rotation_moves_the_middle_like_a_point_of_the_body) {
             u[k] = cross(omega, corners[k]);
             theta[k] = omega;
         }
-        const auto d = panel_displacement(panel_shape(corners, {0, 0, -1}), u, theta);
+        const Vec3 n{0, 0, -1};
+        const auto d = panel_displacement(n, rotation_weights(corners, n), u, theta);
         const auto expected = cross(omega, mean(corners));
         for (std::size_t i = 0; i < 3; ++i)
             EXPECT_NEAR(d[i], expected[i], 1e-15);
@@ -52,7 +53,8 @@ TEST(PanelMotion,
     }
     const auto middle = mean(corners);
     for (const double nz : {1.0, -1.0}) {
-        const auto d = panel_displacement(panel_shape(corners, {0, 0, nz}), u, theta);
+        const Vec3 n{0, 0, nz};
+        const auto d = panel_displacement(n, rotation_weights(corners, n), u, theta);
         EXPECT_NEAR(d[2], w(middle[0], middle[1]), 1e-14);
         EXPECT_EQ(d[0], 0);
     }

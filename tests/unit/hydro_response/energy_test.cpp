@@ -67,9 +67,9 @@ using test::Body;
 
 RadiatingHull hull_of(const Analysis& s) {
     const HydModel& m = s.model;
-    return {{m.area, m.un, m.size.symmetry, m.modesym, {}},
-            m.xyzc,
-            m.paneln,
+    return {{m.panels.area, m.un, m.size.symmetry, m.modesym, {}},
+            m.panels.xyzc,
+            m.panels.n,
             s.results.potrad,
             m.size.rho,
             m.size.grav};

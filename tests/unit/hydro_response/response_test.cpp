@@ -1,6 +1,7 @@
 #include "hydro_analysis/csolve.hpp"
 #include "hydro_response/hyd_response.hpp"
 #include "hydro_response/hyd_tf.hpp"
+#include "kernel/fortfile.hpp"
 
 #include <gtest/gtest.h>
 
@@ -47,6 +48,14 @@ TEST(EquationOfMotion, is_solved_to_a_residual_of_rounding) {
             r -= matrix[static_cast<std::size_t>(i + n * j)] * x[static_cast<std::size_t>(j)];
         EXPECT_LT(std::abs(r), 1e-12);
     }
+    // The report says so.
+    testing::internal::CaptureStdout();
+    hyd_residual_report({matrix.data(), n, n}, load, x);
+    flush_unit(unit_screen);
+    const std::string report = testing::internal::GetCapturedStdout();
+    const auto amplitude = report.find("amplitude");
+    ASSERT_NE(amplitude, std::string::npos);
+    EXPECT_LT(std::stod(report.substr(amplitude + 9)), 1e-12);
 }
 
 TEST(Symmetrizing, averages_the_pairs_and_leaves_the_diagonal) {

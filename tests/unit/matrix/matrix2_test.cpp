@@ -189,6 +189,7 @@ TEST_F(Matrix2, ExtractsRowsByAValue) {
     EXPECT_EQ(second_column("c=1 v=2 -gt tol=5"), (Reals{30, 40}));
     EXPECT_EQ(second_column("c=2 v=20 -le"), (Reals{10, 20}));
     EXPECT_EQ(second_column("c=2 v=20 -lt"), Reals{10});
+    EXPECT_EQ(second_column("c=1 v=2 tol=0.01 -ne"), (Reals{10, 40}));
     quietly("inputc z c=3", "3 4, 0 5, 6 0\n");
     quietly("extract z zb c=1 v=0,5");
     EXPECT_EQ(elements<Complex8>("zb"), Complexes({{0, 5}}));
@@ -231,6 +232,11 @@ TEST_F(Matrix2, InterpolatesATable) {
     quietly("interpolate t f x f prepad=0,1 postpad=0");
     const Complexes y = elements<Complex8>("f");
     EXPECT_EQ(Complexes(y.begin(), y.begin() + 5), (Complexes{{0, 1}, 1, 4, 4.5, 0}));
+    quietly("input x r=1", "3\n");
+    quietly("input f r=4", "0\n0\n1e17\n1\n");
+    quietly("interpolate t f x y");
+    EXPECT_EQ(elements<double>("y"), Reals{1}) << "the last value itself";
+    quietly("to_complex f");
     const std::string quitting = "\n    Interpolate is quitting\n";
     EXPECT_EQ(run("interpolate t x x new"),
               "     \n    Size of tin and fin must be identical" + quitting);

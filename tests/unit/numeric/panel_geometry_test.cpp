@@ -21,8 +21,8 @@ TEST(FlatPanel, of_a_rectangle_leaves_the_nodes) {
     const Vec3 u{1 / 3., 2 / 3., 2 / 3.}, v{2 / 3., 1 / 3., -2 / 3.}, o{7, -8, 9};
     const auto at = [&](double a, double b) { return add_scaled(add_scaled(o, a, u), b, v); };
     const std::array nodes{at(0, 0), at(3, 0), at(3, 5), at(0, 5)};
-    const FlatPanel panel = flat_panel(nodes, false);
-    EXPECT_TRUE(panel.valid && panel.simple);
+    const Panel panel = flat_panel(nodes, false);
+    EXPECT_TRUE(has_area(panel) && is_convex(panel));
     EXPECT_EQ(panel.corners, nodes);
     EXPECT_NEAR(panel.area, 15, 1e-13);
     expect_near(panel.centroid, at(1.5, 2.5), 1e-14);
@@ -31,7 +31,7 @@ TEST(FlatPanel, of_a_rectangle_leaves_the_nodes) {
 
 TEST(FlatPanel, of_a_warped_quadrilateral_is_flat_and_lies_between_its_nodes) {
     const std::array<Vec3, 4> nodes{{{0, 0, .2}, {2, .1, 0}, {2.5, 2, .3}, {-.2, 1.8, -.1}}};
-    const FlatPanel panel = flat_panel(nodes, false);
+    const Panel panel = flat_panel(nodes, false);
     double shift = 0;
     for (std::size_t i = 0; i < 4; ++i) {
         // Corners move along the normal by the same distance, up and down in turn, into one plane.
@@ -69,7 +69,7 @@ TEST(FlatPanel, of_a_closed_sphere_have_no_resultant_and_the_volume_of_the_polyh
             std::array nodes{at(i, j), at(i, j + 1), at(i + 1, j + 1), at(i + 1, j)};
             if (i == 0) nodes = {nodes[0], nodes[2], nodes[3], nodes[3]};
             if (i == rows - 1) nodes = {nodes[0], nodes[1], nodes[2], nodes[2]};
-            const FlatPanel panel = flat_panel(nodes, triangle);
+            const Panel panel = flat_panel(nodes, triangle);
             resultant = add_scaled(resultant, panel.area, panel.normal);
             volume -= panel.area * dot_product(panel.normal, panel.centroid) / 3;
             EXPECT_LT(dot_product(panel.normal, panel.centroid), 0);
@@ -89,13 +89,13 @@ TEST(FlatPanel, of_a_closed_sphere_have_no_resultant_and_the_volume_of_the_polyh
 }
 
 TEST(FlatPanel, without_area_is_not_valid_and_out_of_order_is_not_simple) {
-    EXPECT_FALSE(flat_panel({{{0, 0, 0}, {1, 1, 1}, {2, 2, 2}, {3, 3, 3}}}, false).valid);
-    EXPECT_FALSE(flat_panel({{{0, 0, 0}, {1e-11, 1, 0}, {0, 2, 0}, {0, 2, 0}}}, true).valid);
-    EXPECT_FALSE(flat_panel({{{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}}}, true).valid);
-    EXPECT_FALSE(flat_panel({{{NAN, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}}, false).valid);
+    EXPECT_FALSE(has_area(flat_panel({{{0, 0, 0}, {1, 1, 1}, {2, 2, 2}, {3, 3, 3}}}, false)));
+    EXPECT_FALSE(has_area(flat_panel({{{0, 0, 0}, {1e-11, 1, 0}, {0, 2, 0}, {0, 2, 0}}}, true)));
+    EXPECT_FALSE(has_area(flat_panel({{{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}}}, true)));
+    EXPECT_FALSE(has_area(flat_panel({{{NAN, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}}, false)));
     EXPECT_FALSE(
-        flat_panel({{{1e200, 0, 0}, {0, 1e200, 0}, {-1e200, 0, 0}, {0, 0, 1}}}, false).valid);
-    EXPECT_FALSE(flat_panel({{{0, 0, 0}, {1, .1, 0}, {0, 1, 0}, {1.3, 1.2, 0}}}, false).simple);
+        has_area(flat_panel({{{1e200, 0, 0}, {0, 1e200, 0}, {-1e200, 0, 0}, {0, 0, 1}}}, false)));
+    EXPECT_FALSE(is_convex(flat_panel({{{0, 0, 0}, {1, .1, 0}, {0, 1, 0}, {1.3, 1.2, 0}}}, false)));
 }
 
 TEST(TriangleArea, keeps_its_digits_for_slender_triangles) {

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <initializer_list>
@@ -28,8 +29,14 @@ protected:
         folder_ = mkdtemp(folder.data());
         std::filesystem::current_path(folder_);
         reset();
+        // The fatal path ends the program with status 0, which would pass for success.
+        [[maybe_unused]] static const int once = std::atexit([] {
+            if (in_test) std::_Exit(1);
+        });
+        in_test = true;
     }
     ~Session() override {
+        in_test = false;
         reset();
         std::filesystem::current_path("/");
         std::filesystem::remove_all(folder_);
@@ -85,6 +92,7 @@ protected:
     /// For death tests, whose child shares the files of its parent: the screen goes to the error
     /// output, and nothing is waited for.
     static void detach() {
+        in_test = false;
         dup2(STDERR_FILENO, STDOUT_FILENO);
         ASSERT_NE(std::freopen("/dev/null", "r", stdin), nullptr);
     }
@@ -105,6 +113,8 @@ protected:
     }
 
 private:
+    static inline bool in_test = false;
+
     static void reset() {
         db_clear();
         close_all_inputs();

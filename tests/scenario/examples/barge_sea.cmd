@@ -1,0 +1,3 @@
+barge_sea
+filein
+q
