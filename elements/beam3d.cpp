@@ -85,6 +85,12 @@ std::optional<BeamRecord> next_beam_record() {
     return r;
 }
 
+/// The input tension fills both ends.
+void set_beam_tension(Matrix<double> st, int e, double tension) {
+    st(1, e) = 0 - tension;
+    st(7, e) = tension;
+}
+
 void store_beam_record(const BeamRecord& r, int materials, Matrix<std::int32_t> el,
                        Matrix<double> st) {
     if (r.n < 1 || r.gen < 0 || std::int64_t{r.n} + r.gen > el.cols)
@@ -107,6 +113,43 @@ void store_beam_record(const BeamRecord& r, int materials, Matrix<std::int32_t> 
     }
 }
 
+/// Local axes of element e; the fatal path when its third node does not set them.
+LocalAxes axes_of(Matrix<const std::int32_t> el, Matrix<const double> x, int e) {
+    const Vec3 p1 = element_node(x, el(1, e));
+    const std::int32_t code = el(5, e);
+    Vec3 toward3{};
+    if (code >= 1)
+        toward3 = difference(element_node(x, code), p1);
+    else if (code >= -3 && code <= -1)
+        toward3[nth(-code)] = -1;
+    const LocalAxes axes = frame_axes(difference(element_node(x, el(2, e)), p1), toward3);
+    if (vector_length(axes[1]) == 0)
+        shutdown_with(" \n\tNode 3 of BEAM3D element number " + std::to_string(e) +
+                      " does not give the element's local axes\n");
+    return axes;
+}
+
+/// Checks nodes, lengths and third nodes, sets the lengths and stores the group code; the fatal
+/// path when one is not possible.
+void finish_beams() {
+    const ArrayRef nodes = find_array(xyz);
+    if (!nodes.is(type_real)) shutdown_with(" \n\tGlobal coordinates not found\n");
+    const auto el = as_matrix<std::int32_t>(find_array(beam3d_el));
+    check_element_nodes(title, el, 2);
+    const auto x = as_matrix<const double>(nodes);
+    const auto len = as_span<double>(find_array(beam3d_len));
+    for (int e = 1; e <= el.cols; ++e)
+        len[nth(e)] =
+            vector_length(difference(element_node(x, el(2, e)), element_node(x, el(1, e))));
+    require_finite(len, "the element lengths");
+    check_element_lengths(title, len);
+    for (int e = 1; e <= el.cols; ++e) {
+        if (el(5, e) >= 1) node_coordinates(el(5, e)); // must be defined
+        axes_of(el, x, e);
+    }
+    set_element_group(beam3d_slot, 1);
+}
+
 void read_beams() {
     const auto [m, n] = read_element_counts();
     if (!count_is_possible(title, m, 1) || !count_is_possible(title, n, 0)) return;
@@ -127,7 +170,7 @@ void read_beams() {
     while (const auto record = next_beam_record())
         store_beam_record(*record, m, el, st);
     if (n > 0)
-        finish_beams(1);
+        finish_beams();
     else
         set_element_group(beam3d_slot, 0); // nothing to be processed until a cylinder is made
 }
@@ -181,22 +224,6 @@ double length_of(const BeamModel& m, int e) {
     return length;
 }
 
-/// Local axes of element e; the fatal path when its third node does not set them.
-FrameAxes axes_of(Matrix<const std::int32_t> el, Matrix<const double> x, int e) {
-    const Vec3 p1 = element_node(x, el(1, e));
-    const std::int32_t code = el(5, e);
-    Vec3 toward3{};
-    if (code >= 1)
-        toward3 = difference(element_node(x, code), p1);
-    else if (code >= -3 && code <= -1)
-        toward3[nth(-code)] = -1;
-    const FrameAxes axes = frame_axes(difference(element_node(x, el(2, e)), p1), toward3);
-    if (vector_length(axes[1]) == 0)
-        shutdown_with(" \n\tNode 3 of BEAM3D element number " + std::to_string(e) +
-                      " does not give the element's local axes\n");
-    return axes;
-}
-
 /// Stiffness in local axes, with the tension of the state when there is a geometric stiffness.
 SmallMatrix<12> local_stiffness(const BeamModel& m, Matrix<const double> st, int e) {
     const double length = length_of(m, e);
@@ -217,9 +244,9 @@ void beam_stiffness() {
     GlobalMatrix global = open_stiffness(equations);
     BeamList list;
     for (int e = 1; e <= m.el.cols; ++e) {
-        const FrameAxes axes = axes_of(m.el, x, e);
+        const LocalAxes axes = axes_of(m.el, x, e);
         element_equations(equations, m.nodes(e), all_six, list);
-        add_stiffness(global, list, frame_to_global(local_stiffness(m, st, e), axes).view());
+        add_stiffness(global, list, to_global(local_stiffness(m, st, e), axes).view());
     }
 }
 
@@ -267,12 +294,12 @@ void beam_trial_state() {
     BeamList list;
     std::array<double, 12> ue{};
     for (int e = 1; e <= m.el.cols; ++e) {
-        const FrameAxes axes = axes_of(m.el, x, e);
+        const LocalAxes axes = axes_of(m.el, x, e);
         element_equations(equations, m.nodes(e), all_six, list);
         element_displacements(u, list, ue);
-        const auto force = product(local_stiffness(m, st, e), frame_to_local(ue, axes));
+        const auto force = product(local_stiffness(m, st, e), to_local(ue, axes));
         std::ranges::copy(force, trial.col(e).begin());
-        add_internal_force(internal, list, frame_to_global(force, axes));
+        add_internal_force(internal, list, to_global(force, axes));
     }
 }
 
@@ -328,30 +355,24 @@ void print_beam_state(std::string_view array) {
 
 } // namespace
 
-// --- services of the generation -----------------------------------------------------------------
+// --- service of the generation ------------------------------------------------------------------
 
-void set_beam_tension(Matrix<double> st, int e, double tension) {
-    st(1, e) = 0 - tension;
-    st(7, e) = tension;
-}
-
-void finish_beams(int first) {
-    const ArrayRef nodes = find_array(xyz);
-    if (!nodes.is(type_real)) shutdown_with(" \n\tGlobal coordinates not found\n");
-    const auto el = as_matrix<std::int32_t>(find_array(beam3d_el));
-    check_element_nodes(title, el, 2);
-    const auto x = as_matrix<const double>(nodes);
-    const auto len = as_span<double>(find_array(beam3d_len));
-    for (int e = first; e <= el.cols; ++e)
-        len[nth(e)] =
-            vector_length(difference(element_node(x, el(2, e)), element_node(x, el(1, e))));
-    require_finite(len, "the element lengths");
-    check_element_lengths(title, len);
-    for (int e = first; e <= el.cols; ++e) {
-        if (el(5, e) >= 1) node_coordinates(el(5, e)); // must be defined
-        axes_of(el, x, e);
+void append_beams(std::span<const BeamElement> elements) {
+    const int extra = static_cast<int>(elements.size());
+    const auto el = append_columns<std::int32_t>(beam3d_el, 6, extra);
+    const auto st = append_columns<double>(beam3d_st, 12, extra);
+    create_matrix<double>(beam3d_len, el.cols, 0);
+    delete_array(beam3d_trial);
+    const int before = el.cols - extra;
+    const std::int32_t last_id = largest_in_row(el, 6);
+    for (int k = 1; k <= extra; ++k) {
+        const BeamElement& beam = elements[nth(k)];
+        const std::array row{beam.nodes[0], beam.nodes[1], beam.mat,
+                             beam.print,    beam.node3,    last_id + k};
+        std::ranges::copy(row, el.col(before + k).begin());
+        set_beam_tension(st, before + k, beam.tension);
     }
-    set_element_group(beam3d_slot, 1);
+    finish_beams();
 }
 
 // --- protocol -----------------------------------------------------------------------------------

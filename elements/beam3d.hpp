@@ -50,11 +50,15 @@ inline constexpr std::string_view beam3d_none = " \n\tNo BEAM3D element informat
 inline constexpr std::string_view beam3d_bad_material =
     " \n\tBEAM3D material number out of range\n";
 
-/// The input tension fills both ends.
-void set_beam_tension(Matrix<double> st, int e, double tension);
-/// Checks nodes, lengths and third nodes of the elements from `first` on, sets their lengths, and
-/// stores the group code. The fatal path when one is not possible.
-void finish_beams(int first);
+/// An element to be appended.
+struct BeamElement {
+    std::array<std::int32_t, 2> nodes{};
+    std::int32_t mat = 0, print = 0, node3 = 0;
+    double tension = 0;
+};
+/// Appends elements; their ID numbers follow the largest one in use. Nodes, lengths and third nodes
+/// are checked as by the input.
+void append_beams(std::span<const BeamElement> elements);
 /// `beam3d -cylinder`: beams along an axis, a skin of `interface` elements around them, and the
 /// rigid links between their nodes.
 void generate_cylinder();

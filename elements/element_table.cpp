@@ -2,6 +2,10 @@
 #include "elements/beam3d.hpp"
 #include "elements/cable.hpp"
 #include "elements/interface_elem.hpp"
+#include "elements/min3s.hpp"
+#include "elements/min4t.hpp"
+#include "elements/min5s.hpp"
+#include "elements/min6.hpp"
 #include "elements/nbeam2d.hpp"
 #include "elements/truss.hpp"
 #include "fem/elemutil.hpp"
@@ -12,19 +16,6 @@
 #include <algorithm>
 
 namespace quelor {
-
-// Types that are not built yet, but whose tables panels can be made of.
-static constexpr ElementTable min3s_table{.name = ".min3s_el",
-                                          .nodes = 3,
-                                          .face_row = 9,
-                                          .found = " \"wet\" min3s elements to convert to panels",
-                                          .converted = "     Converted min3s elements"};
-static constexpr ElementTable min5s_table{.name = ".min5s_el",
-                                          .nodes = 4,
-                                          .number_row = 9,
-                                          .face_row = 8,
-                                          .found = " \"wet\" min5s elements to convert to panels ",
-                                          .converted = "     Converted min5s elements"};
 
 /// A slot whose element is not built yet.
 static constexpr ElementRow planned(int slot, std::string_view alias, std::string_view kind) {
@@ -40,6 +31,12 @@ static constexpr ElementRow unused(int slot) {
     return planned(slot, {}, "unused");
 }
 
+/// A type that takes no part in nonlinear solutions.
+static constexpr ElementRow without_forces(ElementRow row) {
+    row.internal_forces = false;
+    return row;
+}
+
 std::span<const ElementRow, element_slots> element_rows() {
     static const std::array<ElementRow, element_slots> rows{{
         {1, "ntruss", "large displacement truss", ntruss_element, ntruss_help(), pntruss_help(),
@@ -53,9 +50,12 @@ std::span<const ElementRow, element_slots> element_rows() {
          cable_table},
         planned(6, "d2l3to9", "2-D, linear elastic"),
         planned(7, "d2ltri", "2-D, linear elastic triangular"),
-        {8, "min3s", "Mindlin 3-D triangular, linear shell", nullptr, {}, {}, min3s_table},
-        {9, "min5s", "Mindlin 3-D quadrilateral, linear shell", nullptr, {}, {}, min5s_table},
-        planned(10, "min4t", "quadrilateral, linear, Mindlin shell"),
+        without_forces({8, "min3s", "Mindlin 3-D triangular, linear shell", min3s_element,
+                        min3s_help(), pmin3s_help(), min3s_table}),
+        without_forces({9, "min5s", "Mindlin 3-D quadrilateral, linear shell", min5s_element,
+                        min5s_help(), pmin5s_help(), min5s_table}),
+        without_forces({10, "min4t", "quadrilateral, linear, Mindlin shell", min4t_element,
+                        min4t_help(), pmin4t_help(), min4t_table}),
         planned(11, "d1l234", "1-D, linear, elastic"),
         planned(12, "smth1q", "1-D quadratic smoothing"),
         planned(13, "smth1c", "1-D cubic smoothing"),
@@ -70,16 +70,18 @@ std::span<const ElementRow, element_slots> element_rows() {
         planned(22, "biot1d234", "1-D element for linear, elastic consolidation"),
         planned(23, "d1l234v2", "1-D, linear, elastic, v.2"),
         planned(24, "biot2d3to9", "2-D element for linear, elastic consolidation"),
-        planned(25, "min6", "linear, triangular Mindlin plate"),
-        planned(26, "isomin6", "linear, triangular Mindlin plate"),
+        without_forces({25, "min6", "linear, triangular Mindlin plate", min6_element, min6_help(),
+                        pmin6_help(), min6_table}),
+        without_forces({26, "isomin6", "linear, triangular Mindlin plate", isomin6_element,
+                        isomin6_help(), pisomin6_help()}),
         planned(27, "iFEM2D", "2-D, 3 to 9 node element for nonlinear iFEM"),
         {28, "interface", "quadrilateral (and triangular) interface", interface_element,
          interface_help(), pinterface_help(), interface_table},
         {29, "truss", "linear truss", truss_element, truss_help(), ptruss_help(),
          drawn_truss(truss_kind)},
         planned(30, "stiff2n", "linear elastic 2-node stiffness"),
-        planned(31, "shell3",
-                "Mindlin 3-D triangular, linear shell with membrane and shear relaxations"),
+        without_forces({31, "shell3", "Mindlin triangular, linear flat shell", shell3_element,
+                        shell3_help(), pshell3_help()}),
         unused(32),
         unused(33),
         unused(34),

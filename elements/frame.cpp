@@ -25,7 +25,7 @@ constexpr BendingPlane plane_xz{3, 5, 9, 11, -1};
 
 } // namespace
 
-FrameAxes frame_axes(const Vec3& chord, const Vec3& toward3) {
+LocalAxes frame_axes(const Vec3& chord, const Vec3& toward3) {
     constexpr double nearly_parallel = 1e-10; // sine of the angle
     const Vec3 x = direction_cosines({0, 0, 0}, chord).vector;
     const Vec3 v = direction_cosines({0, 0, 0}, toward3).vector;
@@ -59,46 +59,11 @@ std::array<double, 12> frame_lumped(const Vec3& translation, const Vec3& rotatio
     return d;
 }
 
-// --- transformation -----------------------------------------------------------------------------
-
-SmallMatrix<12> frame_to_global(const SmallMatrix<12>& k, const FrameAxes& axes) {
-    const auto row = [&](int p, int i) { return axes[as_size(p)][as_size(i)]; };
-    SmallMatrix<12> result;
-    for (int bj = 1; bj <= 10; bj += 3)
-        for (int bi = 1; bi <= 10; bi += 3)
-            for (int j = 0; j < 3; ++j) {
-                std::array<double, 3> kr{}; // column j of the block times the axes
-                for (int q = 0; q < 3; ++q)
-                    for (int p = 0; p < 3; ++p)
-                        kr[as_size(p)] += k(bi + p, bj + q) * row(q, j);
-                for (int i = 0; i < 3; ++i)
-                    result(bi + i, bj + j) =
-                        row(0, i) * kr[0] + row(1, i) * kr[1] + row(2, i) * kr[2];
-            }
-    return result;
-}
-
-SmallMatrix<12> frame_to_global_diagonal(const std::array<double, 12>& d, const FrameAxes& axes) {
+SmallMatrix<12> frame_to_global_diagonal(const std::array<double, 12>& d, const LocalAxes& axes) {
     SmallMatrix<12> local;
     for (int i = 1; i <= 12; ++i)
         local(i, i) = d[nth(i)];
-    return frame_to_global(local, axes);
-}
-
-std::array<double, 12> frame_to_global(const std::array<double, 12>& f, const FrameAxes& axes) {
-    std::array<double, 12> result{};
-    for (std::size_t b = 0; b < 12; b += 3)
-        for (std::size_t i = 0; i < 3; ++i)
-            result[b + i] = axes[0][i] * f[b] + axes[1][i] * f[b + 1] + axes[2][i] * f[b + 2];
-    return result;
-}
-
-std::array<double, 12> frame_to_local(const std::array<double, 12>& u, const FrameAxes& axes) {
-    std::array<double, 12> result{};
-    for (std::size_t b = 0; b < 12; b += 3)
-        for (std::size_t i = 0; i < 3; ++i)
-            result[b + i] = dot_product(axes[i], {u[b], u[b + 1], u[b + 2]});
-    return result;
+    return to_global(local, axes);
 }
 
 } // namespace quelor

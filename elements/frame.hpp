@@ -5,7 +5,7 @@
 // node 2; bending in the x-y plane takes Izz and the shear area Asy, in the x-z plane Iyy and Asz.
 #pragma once
 
-#include "numeric/small_matrix.hpp"
+#include "elements/local_axes.hpp"
 
 namespace quelor {
 
@@ -61,11 +61,9 @@ struct FrameSection {
     double asy, asz;      ///< shear areas, 0 for no shear deformation
 };
 
-/// Unit vectors of the local axes.
-using FrameAxes = std::array<Vec3, 3>;
 /// x along the chord; y = x cross `toward3`, the vector from node 1 to node 3; z = x cross y.
 /// All zero when `toward3` is (nearly) parallel to the chord or the chord is 0.
-FrameAxes frame_axes(const Vec3& chord, const Vec3& toward3);
+LocalAxes frame_axes(const Vec3& chord, const Vec3& toward3);
 
 /// Stiffness in local axes.
 SmallMatrix<12> frame_stiffness(const FrameSection& s, double length);
@@ -75,11 +73,7 @@ void add_frame_geometric(SmallMatrix<12>& k, double tension, double length);
 /// them.
 std::array<double, 12> frame_lumped(const Vec3& translation, const Vec3& rotation, double length);
 
-/// From local axes to global ones: the matrix, a diagonal matrix, a vector; and a vector the other
-/// way.
-SmallMatrix<12> frame_to_global(const SmallMatrix<12>& k, const FrameAxes& axes);
-SmallMatrix<12> frame_to_global_diagonal(const std::array<double, 12>& d, const FrameAxes& axes);
-std::array<double, 12> frame_to_global(const std::array<double, 12>& f, const FrameAxes& axes);
-std::array<double, 12> frame_to_local(const std::array<double, 12>& u, const FrameAxes& axes);
+/// A diagonal matrix of local axes in global ones.
+SmallMatrix<12> frame_to_global_diagonal(const std::array<double, 12>& d, const LocalAxes& axes);
 
 } // namespace quelor

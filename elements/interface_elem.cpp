@@ -2,14 +2,10 @@
 // interface_elem.hpp, nodes of a subdivision; workspaces `$interfaceedata`, `$interface_subdivide`.
 #include "elements/interface_elem.hpp"
 
-#include "elements/element_family.hpp"
+#include "elements/grid_input.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
-#include "numeric/point_index.hpp"
-
-#include <optional>
-#include <vector>
 
 namespace quelor {
 
@@ -24,40 +20,16 @@ enum Row {
     rows_of_table = 8
 };
 
+constexpr QuadTable interface_quads{.el = interface_el,
+                                    .title = title,
+                                    .missing = interface_missing,
+                                    .kept = "$interfaceedata",
+                                    .parts = "$interface_subdivide",
+                                    .rows = rows_of_table,
+                                    .id_row = id_row,
+                                    .middle_row = 0};
+
 // --- input --------------------------------------------------------------------------------------
-
-/// An element and those generated from it: sequences of gen + 1 elements, gen_2d + 1 of them.
-struct InterfaceRecord {
-    std::int32_t n = no_key;
-    std::array<std::int32_t, 4> nodes{};
-    std::int32_t print = 0, face = 0;
-    std::int32_t gen = 0, gen_2d = 0, inc_el = 0;
-    std::array<std::int32_t, 2> inc{}, inc_2d{}; // of nodes 1 and 2, of nodes 3 and 4
-};
-
-/// The next record; nothing at the end of the input.
-std::optional<InterfaceRecord> next_interface_record() {
-    next_record("Enter element data\n");
-    InterfaceRecord r;
-    get_int_par("n=", r.n);
-    if (r.n == no_key) return std::nullopt;
-    get_int_par("nodes=", r.nodes);
-    get_int_par("print=", r.print);
-    get_int_par("face=", r.face);
-    get_int_par("gen=", r.gen);
-    get_int_par("inc=", r.inc);
-    get_int_par("gen_2d=", r.gen_2d);
-    get_int_par("inc_2d=", r.inc_2d);
-    get_int_par("inc_el=", r.inc_el);
-    if (r.nodes[3] == 0) r.nodes[3] = r.nodes[2];
-    return r;
-}
-
-std::array<std::int32_t, 4> advanced(const std::array<std::int32_t, 4>& nodes,
-                                     const std::array<std::int32_t, 2>& inc, std::int64_t steps) {
-    return {advanced_node(nodes[0], inc[0], steps), advanced_node(nodes[1], inc[0], steps),
-            advanced_node(nodes[2], inc[1], steps), advanced_node(nodes[3], inc[1], steps)};
-}
 
 void store_interface(Matrix<std::int32_t> el, int column, const InterfaceElement& element, int id) {
     std::ranges::copy(element.nodes, el.col(column).begin());
@@ -66,39 +38,8 @@ void store_interface(Matrix<std::int32_t> el, int column, const InterfaceElement
     el(id_row, column) = id;
 }
 
-void store_interface_record(const InterfaceRecord& r, Matrix<std::int32_t> el) {
-    constexpr std::string_view out_of_range = " \n\tElement out of range - INTERFACE\n";
-    if (r.gen < 0 || r.gen_2d < 0) shutdown_with(out_of_range);
-    const std::int64_t inc_el = r.inc_el == 0 ? std::int64_t{r.gen} + 1 : r.inc_el;
-    for (std::int64_t sequence = 0; sequence <= r.gen_2d; ++sequence) {
-        const std::int64_t first = r.n + sequence * inc_el;
-        if (first < 1 || first + r.gen > el.cols) shutdown_with(out_of_range);
-        const auto nodes = advanced(r.nodes, r.inc_2d, sequence);
-        for (std::int32_t k = 0; k <= r.gen; ++k) {
-            const int e = static_cast<int>(first + k);
-            store_interface(el, e, {advanced(nodes, r.inc, k), r.print, r.face}, e);
-        }
-    }
-}
-
-/// Leaves the columns of the elements that are defined; false when there are none.
-bool compact_interfaces(Matrix<const std::int32_t> el) {
-    std::vector<int> defined;
-    for (int e = 1; e <= el.cols; ++e)
-        if (el(id_row, e) != 0) defined.push_back(e);
-    if (defined.empty()) return false;
-    const int count = static_cast<int>(defined.size());
-    constexpr std::string_view work = "$interfaceedata";
-    const auto kept = create_matrix<std::int32_t>(work, rows_of_table, count);
-    for (int k = 1; k <= count; ++k)
-        std::ranges::copy(el.col(defined[nth(k)]), kept.col(k).begin());
-    delete_array(interface_el);
-    move_array(work, interface_el);
-    return true;
-}
-
 Matrix<const std::int32_t> open_interfaces() {
-    return element_matrix<std::int32_t>(interface_missing, interface_el, rows_of_table, any_size);
+    return open_quads(interface_quads);
 }
 
 void read_interfaces() {
@@ -110,10 +51,18 @@ void read_interfaces() {
         delete_array(name);
     create_int_scalar(interface_pressure, pressure ? 1 : 0);
     const auto el = create_matrix<std::int32_t>(interface_el, rows_of_table, n);
-    while (const auto record = next_interface_record())
-        store_interface_record(*record, el);
-    if (!compact_interfaces(el)) {
-        delete_array(interface_el);
+    while (auto record = next_grid_record("Enter element data\n", 4)) {
+        InterfaceElement element;
+        get_int_par("print=", element.print);
+        get_int_par("face=", element.face);
+        if (record->nodes[3] == 0) record->nodes[3] = record->nodes[2];
+        generate_grid(*record, std::array{1, 1, 2, 2}, n, " \n\tElement out of range - INTERFACE\n",
+                      [&](int e, std::span<const std::int32_t> nodes) {
+                          std::ranges::copy(nodes, element.nodes.begin());
+                          store_interface(el, e, element, e);
+                      });
+    }
+    if (!compact_quads(interface_quads)) {
         set_element_group(interface_slot, 0);
         return print_both(" \n\tNo elements defined - INTERFACE\n");
     }
@@ -121,108 +70,10 @@ void read_interfaces() {
     set_element_group(interface_slot, 1);
 }
 
-// --- subdivision --------------------------------------------------------------------------------
-
-/// The nodes of the model by place: existing ones are found (tolerance 1e-8), missing ones added.
-class NodePlacer {
-public:
-    NodePlacer() {
-        const NodeSet set = open_nodes(fe_nodes);
-        for (int n = 1; set && n <= set.count; ++n)
-            if (set.is_active(n)) index_.add(n, set.at(n));
-    }
-    /// Number of the node at p; 0, after a message, when there is none and none can be added.
-    int at(const Vec3& p) {
-        constexpr Vec3 tol{1e-8, 1e-8, 1e-8};
-        const NodeSet set = open_nodes(fe_nodes);
-        int found = 0;
-        index_.visit_candidates(p, tol, [&](int n) {
-            if (within(set.at(n), p, tol) && (found == 0 || n < found)) found = n;
-        });
-        if (found == 0 && (found = node_add(p, -1)) != 0) index_.add(found, p);
-        if (found == 0) print_both(" \nNode generation failed; using zero\n");
-        return found;
-    }
-
-private:
-    PointIndex index_;
-};
-
-/// Nodes (i, j) of n by m parts, i = 0..n in the 1-2 direction running fastest; bilinear.
-std::vector<std::int32_t> grid_nodes(std::span<const std::int32_t> corners, int n, int m,
-                                     NodePlacer& placer) {
-    const auto x = require_coordinates();
-    const std::array p{element_node(x, corners[0]), element_node(x, corners[1]),
-                       element_node(x, corners[2]), element_node(x, corners[3])};
-    std::vector<std::int32_t> grid;
-    for (int j = 0; j <= m; ++j)
-        for (int i = 0; i <= n; ++i) {
-            const double s = static_cast<double>(i) / n, t = static_cast<double>(j) / m;
-            Vec3 q = add_scaled({0, 0, 0}, (1 - s) * (1 - t), p[0]);
-            q = add_scaled(q, s * (1 - t), p[1]);
-            q = add_scaled(q, s * t, p[2]);
-            q = add_scaled(q, (1 - s) * t, p[3]);
-            const bool corner = (i == 0 || i == n) && (j == 0 || j == m);
-            const std::size_t which = j == 0 ? (i == 0 ? 0u : 1u) : (i == 0 ? 3u : 2u);
-            grid.push_back(corner ? corners[which] : placer.at(q));
-        }
-    return grid;
-}
-
-/// The n by m parts of an element: the first takes the element's column, the others follow in
-/// `rest`.
-void subdivide_element(std::span<std::int32_t> column, int n, int m, NodePlacer& placer,
-                       std::vector<InterfaceElement>& rest) {
-    const auto grid = grid_nodes(column.first(4), n, m, placer);
-    const auto node = [&](int i, int j) { return grid[as_size(j) * as_size(n + 1) + as_size(i)]; };
-    for (int j = 0; j < m; ++j)
-        for (int i = 0; i < n; ++i) {
-            const std::array nodes{node(i, j), node(i + 1, j), node(i + 1, j + 1), node(i, j + 1)};
-            if (i == 0 && j == 0)
-                std::ranges::copy(nodes, column.begin());
-            else
-                rest.push_back({nodes, column[print_row - 1], column[face_row - 1]});
-        }
-}
-
-/// True when an element has the ID number.
-bool has_id(Matrix<const std::int32_t> el, std::int32_t id) {
-    for (int e = 1; e <= el.cols; ++e)
-        if (el(id_row, e) == id) return true;
-    return false;
-}
-
 void subdivide_interfaces() {
-    std::array<std::int32_t, 2> range{}, parts{1, 1};
-    get_int_par(" range=", range);
-    get_int_par(" nxm=", parts);
-    const auto el = open_interfaces();
-    const std::int32_t first = range[0], last = range[1];
-    const auto [n, m] = parts;
-    if (!has_id(el, first))
-        return print_both(" \n\tCould not find first element in range to subdivide\n");
-    if (!has_id(el, last) || last < first)
-        return print_both(" \n\tCould not find last element in range to subdivide\n");
-    const auto inside = [&](int e) { return first <= el(id_row, e) && el(id_row, e) <= last; };
-    std::int64_t total = 0;
-    for (int e = 1; e <= el.cols; ++e)
-        total += inside(e) ? std::int64_t{n} * m : 1;
-    if (n < 1 || m < 1 || n > most_elements || m > most_elements || total > most_elements)
-        return print_both(" \n\tNumber of parts to subdivide into not possible\n");
-    check_element_nodes_nonzero(title, el, 4);
-    if (n == 1 && m == 1) return;
-
-    constexpr std::string_view work = "$interface_subdivide";
-    copy_array(interface_el, work);
-    const auto table = as_matrix<std::int32_t>(find_array(work));
-    NodePlacer placer;
-    std::vector<InterfaceElement> rest;
-    for (int e = 1; e <= table.cols; ++e)
-        if (inside(e)) subdivide_element(table.col(e), n, m, placer, rest);
-    move_array(work, interface_el);
-    append_interfaces(rest);
-    delete_array(node_eqs); // there may be new nodes
-    delete_array(num_eqs);
+    if (!subdivide_quads(interface_quads)) return;
+    if (!array_exists(interface_pressure)) create_int_scalar(interface_pressure, 0);
+    set_element_group(interface_slot, 1);
 }
 
 // --- requests -----------------------------------------------------------------------------------

@@ -87,6 +87,22 @@ void add_internal_force(GlobalVector& f, EquationList list, std::span<const doub
 void add_element_load(GlobalVector& loads, int pattern, EquationList list,
                       std::span<const double> fe);
 
+/// A vector of zeros that exists for a pass, unless there is an array of that name.
+class ZeroWhereAbsent {
+public:
+    ZeroWhereAbsent(std::string_view name, int n) : name_(array_exists(name) ? "" : name) {
+        if (!name_.empty()) create_matrix<double>(name_, n, 0);
+    }
+    ~ZeroWhereAbsent() {
+        if (!name_.empty()) delete_array(name_);
+    }
+    ZeroWhereAbsent(const ZeroWhereAbsent&) = delete;
+    ZeroWhereAbsent& operator=(const ZeroWhereAbsent&) = delete;
+
+private:
+    std::string_view name_;
+};
+
 /// The displacements of a pass: `.disp` (its first column) and `$ddisp`.
 struct Displacements {
     const Equations* equations = nullptr;

@@ -70,6 +70,16 @@ void elem_call(Request request, int source) {
     if (source == 0 && task_of(request) == Task::column_heights) constraint_column_heights();
 }
 
+void name_types_without_forces() {
+    const ArrayRef ref = find_array(elem_grp);
+    if (!ref.is(type_integer) || ref.size() != element_slots) return;
+    const auto codes = as_span<std::int32_t>(ref);
+    for (const ElementRow& row : element_rows())
+        if (codes[nth(row.slot)] != 0 && !row.internal_forces)
+            print_both(" \n\tElements of type " + std::string(row.alias) +
+                       " form no internal forces and do not resist the loads of nsolve\n");
+}
+
 static void cmd_elem_grp(std::string_view) {
     std::int32_t slot = 0;
     std::int32_t code = 0;

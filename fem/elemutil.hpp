@@ -137,6 +137,7 @@ struct ElementRow {
     std::string_view help;       ///< help of the input command; empty without a routine
     std::string_view print_help; ///< help of the print command; empty without a routine
     ElementTable table{};
+    bool internal_forces = true; ///< false: the state forms none, and nonlinear solutions miss them
 };
 /// All 40 rows in slot order; defined by elements/element_table.cpp.
 std::span<const ElementRow, element_slots> element_rows();
@@ -150,6 +151,8 @@ void call_element(int slot, Request request);
 /// Offers a request to every active slot; source 0 passes it as it is, source 1 gives each slot its
 /// own group code as modifier 1. The pass of column heights ends with the nodal constraints.
 void elem_call(Request request, int source);
+/// Names the active types whose state forms no internal forces.
+void name_types_without_forces();
 /// Stores a code in `.elem_grp`, which is made when absent or of another length.
 void set_element_group(int slot, int code);
 

@@ -23,22 +23,6 @@ namespace quelor {
 
 namespace {
 
-/// A vector of zeros that exists for a pass, unless there is an array of that name.
-class ZeroWhereAbsent {
-public:
-    ZeroWhereAbsent(std::string_view name, int n) : name_(array_exists(name) ? "" : name) {
-        if (!name_.empty()) create_matrix<double>(name_, n, 0);
-    }
-    ~ZeroWhereAbsent() {
-        if (!name_.empty()) delete_array(name_);
-    }
-    ZeroWhereAbsent(const ZeroWhereAbsent&) = delete;
-    ZeroWhereAbsent& operator=(const ZeroWhereAbsent&) = delete;
-
-private:
-    std::string_view name_;
-};
-
 /// `.#eqs`; below 1 is a message, and the fatal path where a solver asks.
 int count_equations(FormMode mode) {
     const int count = get_int(num_eqs);

@@ -2,6 +2,7 @@
 // of zeros here when no solver has made it.
 #include "fem/state.hpp"
 
+#include "fem/assembly.hpp"
 #include "fem/elemutil.hpp"
 #include "fem/formkm.hpp"
 #include "fem/nodes.hpp"
@@ -31,19 +32,13 @@ bool prepare_internal_force(StatePass pass) {
     return true;
 }
 
-void run_passes(StatePass pass) {
-    if (pass != StatePass::commit) elem_call({2, 1, 0}, 0);
-    if (pass != StatePass::trial) elem_call({2, 2, 0}, 0);
-}
-
 } // namespace
 
 void element_state(StatePass pass) {
     if (!prepare_internal_force(pass)) return;
-    if (array_exists(ddisp)) return run_passes(pass);
-    const int neq = find_array(f_internal).rows();
-    const Temporary<double> increment(ddisp, neq, 0);
-    run_passes(pass);
+    const ZeroWhereAbsent increment(ddisp, find_array(f_internal).rows());
+    if (pass != StatePass::commit) elem_call({2, 1, 0}, 0);
+    if (pass != StatePass::trial) elem_call({2, 2, 0}, 0);
 }
 
 void print_element_state(StateKind kind) {

@@ -34,8 +34,15 @@ void radiation_potential(Array3<const Complex8> potrad, Array3<const Complex8> q
     // Columns of a slice at one frequency lie n1 n2 apart.
     const std::int32_t rows_q = q.n1 * q.n2, rows_phi = potrad.n1 * potrad.n2;
     const Complex8 one = 1, zero = 0;
-    zgemm_("T", "T", &table.rows, &table.cols, &potrad.n3, &one, &q(1, ifreq, 1), &rows_q,
-           &potrad(1, ifreq, 1), &rows_phi, &zero, table.data, &table.rows, 1, 1);
+    if (q.n3 > 2) { // for one or two headings the product with a vector is up to twice as fast
+        zgemm_("T", "T", &table.rows, &table.cols, &potrad.n3, &one, &q(1, ifreq, 1), &rows_q,
+               &potrad(1, ifreq, 1), &rows_phi, &zero, table.data, &table.rows, 1, 1);
+        return;
+    }
+    const std::int32_t step = 1;
+    for (int b = 1; b <= q.n3; ++b)
+        zgemv_("N", &potrad.n1, &potrad.n3, &one, &potrad(1, ifreq, 1), &rows_phi, &q(1, ifreq, b),
+               &step, &zero, &table(b, 1), &table.rows, 1);
 }
 
 void potential_to_pressure(double omega, double rho, std::span<Complex8> phi) {

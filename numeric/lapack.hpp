@@ -46,5 +46,12 @@ void zgemm_(const char* transa, const char* transb, const std::int32_t* m, const
             const std::int32_t* lda, const std::complex<double>* b, const std::int32_t* ldb,
             const std::complex<double>* beta, std::complex<double>* c, const std::int32_t* ldc,
             std::size_t transa_length, std::size_t transb_length);
+
+// y := alpha op(a) x + beta y, a of m by n; the elements of x and y lie incx and incy apart.
+void zgemv_(const char* trans, const std::int32_t* m, const std::int32_t* n,
+            const std::complex<double>* alpha, const std::complex<double>* a,
+            const std::int32_t* lda, const std::complex<double>* x, const std::int32_t* incx,
+            const std::complex<double>* beta, std::complex<double>* y, const std::int32_t* incy,
+            std::size_t trans_length);
 }
 // NOLINTEND(readability-identifier-naming)

@@ -9,6 +9,7 @@
 // v^T u grows by the prescribed amount in the first iteration of a step and stays in the others.
 #include "solvers/nsolve.hpp"
 
+#include "fem/elemutil.hpp"
 #include "fem/eqns.hpp"
 #include "fem/formkm.hpp"
 #include "fem/nodal_values.hpp"
@@ -343,6 +344,7 @@ void cmd_nsolve(std::string_view) {
     auto nodes = open_nodal_values();
     if (!nodes || !nodes->fit(run.n)) return;
     run.nodes = *nodes;
+    name_types_without_forces();
     create_int_scalar(analysis_type, 0);
     Temporary<double> load("$load_step", run.n, 0), du("$rhs_equ", run.n, 0),
         du0("$rhs0", run.n, 0);

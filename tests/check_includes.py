@@ -33,10 +33,14 @@ PATTERNS = (
                        " hydro_analysis/solve2.* hydro_analysis/symmetry.hpp"
                        " hydro_response/drag.* hydro_response/far_field.* hydro_response/field_potential.*"
                        " hydro_response/response_values.* hydro_response/wave_spectra.*"
-                       " elements/bar.* elements/frame.* elements/plane_beam.*"),
+                       " elements/bar.* elements/catenary.* elements/frame.* elements/plane_beam.*"
+                       " elements/local_axes.hpp elements/shell_section.* elements/shell_triangle.*"
+                       " elements/shell_forces.* elements/shell_quad.* elements/plate6.*"),
     ("command", "kernel/condit.* kernel/help.* kernel/*_cmd.*"),
     ("service", "kernel/* solvers/matrix.* matrix/blocks.* fem/elemutil.* fem/node_family.* fem/nodes.* fem/bcid.hpp"
-                " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.* elements/element_family.*"
+                " fem/assembly.* fem/constraint.* fem/eqns.* fem/formkm.* elements/element_family.* elements/grid_input.*"
+                " elements/cable_records.*"
+                " elements/shell_family.* elements/triangle_shells.*"
                 " fem/export_to_gmsh.* fem/nodal_values.* fem/rigid_modes.* fem/state.*"
                 " fem/loads.* fem/masses.* fem/node_records.*"
                 " hydro_response/source_files.*"),

@@ -11,7 +11,7 @@ const FrameSection slender{210, 80, 0.5, 0.3, 0.07, 0.11, 0, 0};
 const FrameSection stocky{210, 80, 0.5, 0.3, 0.07, 0.11, 0.2, 0.3};
 const Vec3 p1{0.4, 1.2, -0.3}, p2{2.5, -0.1, 0.9};
 
-FrameAxes skew_axes() {
+LocalAxes skew_axes() {
     return frame_axes(difference(p2, p1), {0.3, 0.1, 2});
 }
 
@@ -21,7 +21,7 @@ TEST(Frame, a_rigid_motion_in_any_direction_gives_no_force) {
     const double length = vector_length(difference(p2, p1));
     const auto u = rigid_motion({p1, p2}, {0.3, -0.2, 0.7}, {0.5, 0.1, -0.4});
     for (const FrameSection& s : {slender, stocky}) {
-        const SmallMatrix<12> k = frame_to_global(frame_stiffness(s, length), skew_axes());
+        const SmallMatrix<12> k = to_global(frame_stiffness(s, length), skew_axes());
         expect_symmetric(k);
         EXPECT_LT(largest(product(k, u)), 1e-13 * largest(k.a));
     }
@@ -66,29 +66,29 @@ TEST(Frame, cantilever_and_fixed_beam_meet_their_closed_forms) {
 }
 
 TEST(Frame, local_axes_are_those_of_the_third_node) {
-    const FrameAxes a = frame_axes({3, 0, 0}, {1, 0, -2});
+    const LocalAxes a = frame_axes({3, 0, 0}, {1, 0, -2});
     EXPECT_EQ(a[0], (Vec3{1, 0, 0}));
     EXPECT_NEAR(a[1][1], 1, 1e-15); // x cross toward -Z is +Y
     EXPECT_NEAR(a[2][2], 1, 1e-15);
-    const FrameAxes skew = skew_axes();
+    const LocalAxes skew = skew_axes();
     for (std::size_t i = 0; i < 3; ++i)
         for (std::size_t j = 0; j < 3; ++j)
             EXPECT_NEAR(dot_product(skew[i], skew[j]), i == j ? 1 : 0, 1e-15);
     EXPECT_NEAR(dot_product(cross_product(skew[0], skew[1]).vector, skew[2]), 1, 1e-15);
-    EXPECT_EQ(frame_axes({0, 0, 3}, {0, 0, -1}), FrameAxes{});
-    EXPECT_EQ(frame_axes({0, 0, 0}, {0, 0, -1}), FrameAxes{});
+    EXPECT_EQ(frame_axes({0, 0, 3}, {0, 0, -1}), LocalAxes{});
+    EXPECT_EQ(frame_axes({0, 0, 0}, {0, 0, -1}), LocalAxes{});
 }
 
 TEST(Frame, vectors_and_matrices_turn_alike) {
-    const FrameAxes axes = skew_axes();
+    const LocalAxes axes = skew_axes();
     const auto u = rigid_motion({p1, p2}, {1, 0.2, 0.3}, {0.1, 0.7, -0.2});
     std::array<double, 12> global{};
     std::ranges::copy(u, global.begin());
-    const auto local = frame_to_local(global, axes);
-    const auto back = frame_to_global(local, axes);
+    const auto local = to_local(global, axes);
+    const auto back = to_global(local, axes);
     const SmallMatrix<12> k = frame_stiffness(stocky, 2);
-    const auto f = frame_to_global(product(k, local), axes);
-    const auto g = product(frame_to_global(k, axes), global);
+    const auto f = to_global(product(k, local), axes);
+    const auto g = product(to_global(k, axes), global);
     for (std::size_t i = 0; i < 12; ++i) {
         EXPECT_NEAR(back[i], global[i], 1e-15);
         EXPECT_NEAR(f[i], g[i], 1e-13 * largest(k.a));

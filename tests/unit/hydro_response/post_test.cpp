@@ -19,7 +19,7 @@ namespace quelor {
 namespace {
 
 constexpr double depth = 15, g = 9.80665, rho = 1025, degree = std::numbers::pi / 180;
-constexpr std::array heading{35 * degree, 250 * degree};
+constexpr std::array heading{35 * degree, 250 * degree, 100 * degree};
 constexpr std::size_t table = 64; ///< rows of a table: panels of the whole box
 
 /// A row of a panel table: where the panel is, the signs of its reflection, the complex values.
@@ -41,7 +41,7 @@ class PostResponse : public ArraySession {
 protected:
     PostResponse() { set_project_name("job"); }
 
-    /// A box 16 x 10 x 3 m, whole, half or a quarter, its analysis and response for two headings.
+    /// A box 16 x 10 x 3 m, whole, half or a quarter, its analysis and response for three headings.
     static void analyse(int symmetry, const std::string& periods) {
         db_clear();
         MeshText mesh;
@@ -50,8 +50,8 @@ protected:
                  symmetry == 2, symmetry != 0);
         const int n = mesh.panel_count();
         type("hyd_parameters h=15 symmetry=" + std::to_string(symmetry) +
-             "\nhyd_coordaxs zcg=-1\nhyd_wave nbeta=2 nfreq=" +
-             std::to_string(std::ranges::count(periods, ' ') + 1) + "\n35 250\n" + periods +
+             "\nhyd_coordaxs zcg=-1\nhyd_wave nbeta=3 nfreq=" +
+             std::to_string(std::ranges::count(periods, ' ') + 1) + "\n35 250 100\n" + periods +
              "\nhyd_nodes #=" + std::to_string(4 * n) + "\n" + mesh.nodes() +
              "hyd_panel n=" + std::to_string(n) + "\n" + mesh.panels() +
              "hyd_rigid_modes\nhyd_rmass\n4e5 0 0 0 -4e5 0\n0 4e5 0 4e5 0 0\n0 0 4e5 0 0 0\n"
@@ -141,20 +141,20 @@ TEST_F(PostResponse, forces_from_the_stored_pressures_are_those_of_the_analysis)
         const auto un = as_matrix<const double>(find_array(hyd_un));
         const auto fi = elements<Complex8>(hyd_fi), fd = elements<Complex8>(hyd_fd);
         for (std::size_t i = 0; i < 3; ++i) {
-            Complexes force(8); // of the waves of both headings, of the motion in each mode
+            Complexes force(9); // of the waves of each heading, of the motion in each mode
             for (std::size_t r = 0; r < rows.size(); ++r) {
                 const std::array sign{rows[r].sx, rows[r].sy, 1.0};
                 const double n =
                     un(static_cast<int>(i) + 1, rows[r].panel) * sign[i] * area[nth(rows[r].panel)];
                 for (std::size_t j = 0; j < rows[r].values.size(); ++j)
-                    force[r < table ? j : j + 2] += n * rows[r].values[j];
+                    force[r < table ? j : j + 3] += n * rows[r].values[j];
             }
-            for (const std::size_t b : {i, i + 6})
+            for (const std::size_t b : {i, i + 6, i + 12})
                 EXPECT_LT(std::abs(force[b / 6] - (fi[b] + fd[b])), 1e-12 * std::abs(fi[2] + fd[2]))
                     << symmetry << i;
             for (std::size_t j = 0; j < 6; ++j) {
                 const Complex8 expected(omega * omega * A[i + 6 * j], -omega * B[i + 6 * j]);
-                EXPECT_LT(std::abs(force[j + 2] - expected),
+                EXPECT_LT(std::abs(force[j + 3] - expected),
                           1e-12 * omega * omega * A[7 * j] + 1e-9)
                     << symmetry << i << j;
             }
@@ -190,12 +190,12 @@ TEST_F(PostResponse, displacements_and_hydrostatic_change_are_those_of_a_rigid_b
     const auto x = as_matrix<const double>(find_array(".hyd_xyz"));
     // project.res: frequencies, within them headings: omega, heading, six complex numbers a node.
     const std::string bytes = file_bytes("job.res");
-    ASSERT_EQ(bytes.size(), 4 * 8 * (2 + 12 * as_size(x.cols)));
+    ASSERT_EQ(bytes.size(), 6 * 8 * (2 + 12 * as_size(x.cols)));
     Reals numbers(bytes.size() / 8);
     std::memcpy(numbers.data(), bytes.data(), bytes.size());
     const double* at = numbers.data();
     for (const std::size_t f : {0U, 1U})
-        for (const std::size_t b : {0U, 1U}) {
+        for (const std::size_t b : {0U, 1U, 2U}) {
             const Complexes q = coordinates(f, b, 2);
             for (std::size_t r = f * table; r < (f + 1) * table; ++r)
                 EXPECT_LT(std::abs(rows[r].values[b] +
@@ -232,7 +232,7 @@ TEST_F(PostResponse, totals_are_those_of_the_waves_and_of_the_motion_in_each_mod
             }
         }
     };
-    expect_total("hyd_postresponse", 1, 2);
+    expect_total("hyd_postresponse", 1, 3);
     type("input hyd_Peiwt r=1 c=6\n1e5 2e5 3e5 4e6 5e6 6e6\nhyd_analysis_response_P");
     expect_total("hyd_postresponse_P", 0, 1);
     EXPECT_FALSE(array_exists(hyd_potincm) || array_exists(hyd_potdiff));
