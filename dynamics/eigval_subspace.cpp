@@ -9,6 +9,7 @@
 #include "fem/nodes.hpp"
 #include "fem/rigid_modes.hpp"
 #include "kernel/fortfile.hpp"
+#include "kernel/process_state.hpp"
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
@@ -23,9 +24,11 @@ namespace {
 // --- starting vectors ----------------------------------------------------------------------------
 
 /// The last number of the random series, which goes on from run to run.
+struct RandomState {
+    std::int64_t x = 1;
+};
 std::int64_t& random_state() {
-    static std::int64_t x = 1;
-    return x;
+    return process_state<RandomState>().x;
 }
 
 void fill_randomly(const EigvalOptions& options, Matrix<double> x, int first) {

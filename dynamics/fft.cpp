@@ -184,10 +184,9 @@ void cmd_fft_helper(std::string_view) {
         return print_both(" \nfft_helper quitting\n");
     }
     const auto functions = all_columns<const Complex8>(h);
-    const std::string result = unused_name("$fft_helper");
-    multiply_packed(functions, as_span<const double>(p),
-                    create_matrix<double>(result, n, functions.cols));
-    move_array(result, target);
+    Result result(target, "$fft_helper");
+    multiply_packed(functions, as_span<const double>(p), result.matrix<double>(n, functions.cols));
+    result.place();
 }
 
 constexpr Command rows[] = {

@@ -85,12 +85,11 @@ bool compact_interfaces(Matrix<const std::int32_t> el) {
         if (el(id_row, e) != 0) defined.push_back(e);
     if (defined.empty()) return false;
     const int count = static_cast<int>(defined.size());
-    constexpr std::string_view work = "$interfaceedata";
-    const auto kept = create_matrix<std::int32_t>(work, rows_of_table, count);
+    Result result(interface_el, "$interfaceedata");
+    const auto kept = result.matrix<std::int32_t>(rows_of_table, count);
     for (int k = 1; k <= count; ++k)
         std::ranges::copy(el.col(defined[nth(k)]), kept.col(k).begin());
-    delete_array(interface_el);
-    move_array(work, interface_el);
+    result.place();
     return true;
 }
 
@@ -209,14 +208,14 @@ void subdivide_interfaces() {
     check_element_nodes_nonzero(title, el, 4);
     if (n == 1 && m == 1) return;
 
-    constexpr std::string_view work = "$interface_subdivide";
-    copy_array(interface_el, work);
-    const auto table = as_matrix<std::int32_t>(find_array(work));
+    Result result(interface_el, "$interface_subdivide");
+    copy_array(interface_el, result.name());
+    const auto table = as_matrix<std::int32_t>(result.array());
     NodePlacer placer;
     std::vector<InterfaceElement> rest;
     for (int e = 1; e <= table.cols; ++e)
         if (inside(e)) subdivide_element(table.col(e), n, m, placer, rest);
-    move_array(work, interface_el);
+    result.place();
     append_interfaces(rest);
     delete_array(node_eqs); // there may be new nodes
     delete_array(num_eqs);

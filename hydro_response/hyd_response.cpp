@@ -156,8 +156,10 @@ void cmd_hyd_analysis_response(std::string_view) {
     loop.dynk = as_matrix<Complex8>(find_array(hyd_dynk));
     loop.rhs = as_span<Complex8>(find_array(hyd_rhs));
     loop.gencor = as_array3<Complex8>(find_array(hyd_gencor));
-    for (int ifreq = 1; ifreq <= s.nfreq; ++ifreq)
+    for (int ifreq = 1; ifreq <= s.nfreq; ++ifreq) {
         solve_frequency(loop, ifreq);
+        checkpoint();
+    }
 
     hyd_write_cor(loop.freq, loop.beta, as_array3<const Complex8>(find_array(hyd_gencor)));
     close_unit(unit_cor);

@@ -175,7 +175,7 @@ void cmd_readdb(std::string_view) {
     print_both(
         " \n\tError reading database file\n\t\tProblem may be insufficient memory or corrupted/incorrect file");
     list_database();
-    final_exit(true);
+    exit_unsaved(true);
 }
 
 void cmd_clear(std::string_view) {

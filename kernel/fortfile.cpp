@@ -2,6 +2,7 @@
 // it. A unit whose write has failed takes no more bytes, so that no file has a hole in its middle.
 #include "kernel/fortfile.hpp"
 
+#include "kernel/process_state.hpp"
 #include "kernel/project.hpp"
 
 #include <algorithm>
@@ -32,10 +33,18 @@ struct Unit {
     bool failed = false;
 };
 
-std::map<int, Unit>& units() {
-    static std::map<int, Unit> table{
+struct UnitTable {
+    std::map<int, Unit> units{
         {unit_screen, {.file = stdout, .name = "screen", .last = Activity::writing}}};
-    return table;
+
+    ~UnitTable() {
+        for (const auto& [number, unit] : units)
+            if (unit.file && number != unit_screen) std::fclose(unit.file);
+    }
+};
+
+std::map<int, Unit>& units() {
+    return process_state<UnitTable>().units;
 }
 
 /// The unit when it is connected, else null.
@@ -233,10 +242,6 @@ void close_and_delete_unit(int number) {
     std::fclose(unit->file);
     unit->file = nullptr;
     std::remove(unit->name.c_str());
-}
-
-bool unit_is_open(int number) {
-    return connected(number) != nullptr;
 }
 
 void rewind_unit(int number) {

@@ -32,7 +32,6 @@ int fortopen_name(int unit, std::string_view name, std::string_view status, std:
 /// The screen is only flushed.
 void close_unit(int unit);
 void close_and_delete_unit(int unit);
-bool unit_is_open(int unit);
 void rewind_unit(int unit);
 /// To be called for the screen before a read from the console and before another program runs.
 void flush_unit(int unit);

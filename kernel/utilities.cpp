@@ -92,13 +92,6 @@ std::string_view string_of(const ArrayRef& ref) {
     return up_to_nul({chars.data(), chars.size()});
 }
 
-std::string unused_name(std::string_view name) {
-    std::string result(name);
-    while (array_exists(result))
-        result += '$';
-    return result;
-}
-
 Shape rc_to_dims(int r, int c) {
     if (r > 0 && c > 0) return {2, r, c};
     if (r == 0 && c > 0) return {2, 1, c};

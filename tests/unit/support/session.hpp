@@ -8,6 +8,7 @@
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/iof.hpp"
+#include "kernel/process_state.hpp"
 
 #include <gtest/gtest.h>
 
@@ -27,10 +28,10 @@ protected:
         std::string folder = testing::TempDir() + "quelorXXXXXX";
         folder_ = mkdtemp(folder.data());
         std::filesystem::current_path(folder_);
-        reset();
+        reset_process_state();
     }
     ~Session() override {
-        reset();
+        reset_process_state();
         std::filesystem::current_path("/");
         std::filesystem::remove_all(folder_);
     }
@@ -98,12 +99,6 @@ protected:
     }
 
 private:
-    static void reset() {
-        db_clear();
-        close_all_inputs();
-        reset_record_state();
-    }
-
     std::vector<Rows> families_;
     std::filesystem::path folder_;
 };
