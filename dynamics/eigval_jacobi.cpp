@@ -3,7 +3,6 @@
 // and fourth. Workspace: $jac_phip, $lam_temp.
 #include "dynamics/eigval_jacobi.hpp"
 
-#include "dynamics/jacobif.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
@@ -112,7 +111,10 @@ constexpr Command rows[] = {
 
 void solve_pencil(Matrix<double> k, Matrix<double> m, Matrix<double> phi, std::span<double> lambda,
                   double tol, int maxit) {
-    const JacobiResult result = jacobi_pencil(k, m, phi, lambda, tol, maxit);
+    report_jacobi(jacobi_pencil(k, m, phi, lambda, tol, maxit));
+}
+
+void report_jacobi(const JacobiResult& result) {
     if (has_failed(result.status)) {
         print_both(message_of(result.status));
         shutdown_with(" \n\tJacobi reports an error; execution terminating");

@@ -13,9 +13,11 @@
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/dense_products.hpp"
 #include "solvers/matrix.hpp"
 
 #include <algorithm>
+#include <vector>
 
 namespace quelor {
 
@@ -29,6 +31,11 @@ struct RandomState {
 };
 std::int64_t& random_state() {
     return process_state<RandomState>().x;
+}
+
+void multiply_mass(const Pencil& pencil, Matrix<const double> x, Matrix<double> w) {
+    if (pencil.diagonal_mass) return scale_rows(pencil.m, x, w);
+    profile_multiply(pencil.m, x, w, pencil.loc);
 }
 
 void fill_randomly(const EigvalOptions& options, Matrix<double> x, int first) {
@@ -75,6 +82,33 @@ void set_start(const EigvalOptions& options, std::span<const double> k_diagonal,
                "                  '    Error in subroutine startv',/)",
                {found, x.cols});
     shutdown();
+}
+
+/// Makes column j of x orthonormal to those before it with regard to M; false when it depends on
+/// them. The second pass takes out what the rounding of the first has left.
+bool orthonormalize_column(const Pencil& pencil, Matrix<double> x, int j, std::span<double> w,
+                           std::span<double> components) {
+    constexpr double dependent = 1e-8;
+    for (int pass = 1;; ++pass) {
+        multiply_mass(pencil, {x.col(j).data(), x.rows, 1}, {w.data(), x.rows, 1});
+        const double length = scale_to_unit(x.col(j), w);
+        if (length == 0 || (pass > 1 && length < dependent)) return false;
+        if (pass == 3) return true;
+        remove_components(x, j, w, components);
+    }
+}
+
+/// Makes the columns of x orthonormal with regard to M. Random numbers replace a column that
+/// depends on those before it; it becomes zero when there is no further vector.
+void orthonormalize(const Pencil& pencil, Matrix<double> x) {
+    std::vector<double> w(as_size(x.rows)), components(as_size(x.cols));
+    std::int64_t random = 1;
+    for (int j = 1; j <= x.cols; ++j) {
+        if (orthonormalize_column(pencil, x, j, w, components)) continue;
+        for (double& value : x.col(j))
+            value = next_random(random);
+        if (!orthonormalize_column(pencil, x, j, w, components)) std::ranges::fill(x.col(j), 0.0);
+    }
 }
 
 // --- the stiffness and its factors ---------------------------------------------------------------
@@ -142,12 +176,18 @@ template <class Action> void timed(double& sum, Action action) {
     sum += cpu_seconds() - start;
 }
 
-void multiply_mass(const Pencil& pencil, Matrix<const double> x, Matrix<double> w) {
-    if (pencil.diagonal_mass) return scale_rows(pencil.m, x, w);
-    profile_multiply(pencil.m, x, w, pencil.loc);
+/// Mass and stiffness within the space of the columns of x; w is overwritten.
+void project(const Pencil& pencil, const StiffnessPair& pair, Matrix<const double> x,
+             Matrix<double> w, Matrix<double> mass, Matrix<double> stiffness) {
+    multiply_mass(pencil, x, w);
+    mat_mult(x, w, mass, true);
+    use_original(pair);
+    profile_multiply(pair.original, x, w, pencil.loc);
+    mat_mult(x, w, stiffness, true);
 }
 
-/// One step: x := K^-1 M x, then the modes within the space of its columns.
+/// One step: x := K^-1 M x, then the modes within the space of its columns. Rounding can leave the
+/// mass of nearly dependent columns indefinite; that of orthonormal ones it cannot.
 void iterate_once(const EigvalOptions& options, const Pencil& pencil, const StiffnessPair& pair,
                   Matrix<double> x, Matrix<double> w, std::span<double> lambda, Times& times) {
     const int q = x.cols;
@@ -156,15 +196,17 @@ void iterate_once(const EigvalOptions& options, const Pencil& pencil, const Stif
     std::ranges::copy(w.all(), x.data);
     use_factors(pair);
     timed(times.solve, [&] { profile_solve(pair.factors, x, pencil.loc, ProfileMode::both); });
-    multiply_mass(pencil, x, w);
-    project(x, w, g_mass.view);
-    use_original(pair);
-    profile_multiply(pair.original, x, w, pencil.loc);
-    project(x, w, g_stiffness.view);
-    timed(times.jacobi, [&] {
-        solve_pencil(g_stiffness.view, g_mass.view, vectors.view, lambda, options.tol,
-                     options.maxit);
-    });
+    JacobiResult result{.status = JacobiStatus::not_definite};
+    for (const bool again : {false, true}) {
+        if (result.status != JacobiStatus::not_definite) break;
+        if (again) orthonormalize(pencil, x);
+        project(pencil, pair, x, w, g_mass.view, g_stiffness.view);
+        timed(times.jacobi, [&] {
+            result = jacobi_pencil(g_stiffness.view, g_mass.view, vectors.view, lambda, options.tol,
+                                   options.maxit);
+        });
+    }
+    report_jacobi(result);
     combine(x, vectors.view, w);
 }
 
@@ -200,6 +242,8 @@ void copy_diagonal(std::span<const double> a, std::span<const std::int32_t> loc,
         diagonal[i] = a[nth(loc[i])];
 }
 
+/// Rigid body modes are made orthonormal with the vectors behind them: else the first solution
+/// makes all columns nearly dependent, as each holds much of the modes of the lowest eigenvalues.
 void set_start_vectors(const EigvalOptions& options, const Pencil& pencil, Matrix<double> x) {
     Temporary<double> k_diagonal("$ss_kd", pencil.n, 0), m_diagonal("$ss_md", pencil.n, 0);
     copy_diagonal(pencil.k, pencil.loc, k_diagonal.view.all());
@@ -208,6 +252,7 @@ void set_start_vectors(const EigvalOptions& options, const Pencil& pencil, Matri
     else
         copy_diagonal(pencil.m, pencil.loc, m_diagonal.view.all());
     set_start(options, k_diagonal.view.all(), m_diagonal.view.all(), x);
+    if (options.has_rigid()) orthonormalize(pencil, x);
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include "kernel/gencom.hpp"
 #include "kernel/utilities.hpp"
 
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -17,10 +18,12 @@ namespace quelor {
 
 namespace {
 
-/// The array as one column after the other, whatever its number of dimensions.
-template <class T> Matrix<T> all_columns(const ArrayRef& array) {
-    return {static_cast<T*>(array.data), array.rows(),
-            static_cast<int>(array.size() / array.rows())};
+/// Calls action(column) for each column, whatever the number of dimensions.
+template <class T, class Action> void for_columns(const ArrayRef& array, Action action) {
+    const auto values = as_span<T>(array);
+    const std::size_t rows = as_size(array.rows());
+    for (std::size_t at = 0; at < values.size(); at += rows)
+        action(values.subspan(at, rows));
 }
 
 template <class T> void scale(std::span<T> values, double factor) {
@@ -42,14 +45,19 @@ bool is_vector_of(const ArrayRef& array, TypeCode type, std::int64_t length) {
 void fft_default(const ArrayRef& array, Direction direction) {
     if (!array.is(type_real))
         return print_both(" \n\tCommand is only implemented for double precision reals\n");
-    const auto a = all_columns<double>(array);
-    if (a.rows > (std::numeric_limits<std::int32_t>::max() - 15) / 2)
+    const int n = array.rows();
+    if (n > (std::numeric_limits<std::int32_t>::max() - 15) / 2)
         return print_both(" \n\tToo many rows for the work array\n");
-    if (!is_vector_of(find_array(fft_wsave), type_real, 2 * std::int64_t{a.rows} + 15))
-        create_array(type_real, fft_wsave, {2 * a.rows + 15});
-    const auto work = as_span<double>(find_array(fft_wsave));
-    packed_transform(a, work.first(as_size(a.rows)), direction);
-    if (direction == Direction::inverse) scale(a.all(), 1.0 / a.rows);
+    if (!is_vector_of(find_array(fft_wsave), type_real, 2 * std::int64_t{n} + 15))
+        create_array(type_real, fft_wsave, {2 * n + 15});
+    const auto wsave = as_span<double>(find_array(fft_wsave));
+    const auto table = wsave.first(2 * as_size(n));
+    double& rows_of_table = wsave[table.size()];
+    if (rows_of_table != n) make_packed_table(table);
+    rows_of_table = n;
+    const auto values = as_span<double>(array);
+    packed_transform(values, table, direction);
+    if (direction == Direction::inverse) scale(values, 1.0 / n);
 }
 
 // --- -ferziger: complex, a power of 2
@@ -57,19 +65,20 @@ void fft_default(const ArrayRef& array, Direction direction) {
 void fft_ferziger(const ArrayRef& array, Direction direction) {
     if (!array.is(type_complex8))
         return print_both(" \n\tCommand is only implemented for double precision complex\n");
-    const auto a = all_columns<Complex8>(array);
-    if (!is_power_of_2(a.rows))
+    const std::size_t n = as_size(array.rows());
+    if (!std::has_single_bit(n))
         return print_both(" \nThis routine requires n to be a power of 2. Returning without "
                           "calculations.\n");
-    if (a.rows == 1) return;
-    std::vector<double> roots(as_size(a.rows / 2));
-    std::vector<std::int32_t> reversal(as_size(reversal_size(a.rows)));
+    if (n == 1) return;
+    std::vector<double> roots(n / 2);
+    std::vector<std::int32_t> reversal(reversal_size(n));
     make_roots(roots);
     make_reversal(reversal);
     const bool inverse = direction == Direction::inverse;
-    for (int j = 1; j <= a.cols; ++j)
-        complex_transform(parts(a.col(j)), inverse ? 1 : -1, {roots, reversal});
-    if (inverse) scale(a.all(), 1.0 / a.rows);
+    for_columns<Complex8>(array, [&](std::span<Complex8> column) {
+        complex_transform(parts(column), inverse ? 1 : -1, {roots, reversal});
+    });
+    if (inverse) scale(as_span<Complex8>(array), 1.0 / static_cast<double>(n));
 }
 
 // --- -ooura: real or complex, a power of 2
@@ -87,38 +96,39 @@ Radix2Tables ooura_tables(int n, int points) {
     const auto w = as_span<double>(find_array(fft_w));
     if (ip[0] != n) make_roots(w);
     ip[0] = n;
-    const auto reversal = ip.subspan(2, as_size(reversal_size(points)));
+    const auto reversal = ip.subspan(2, reversal_size(as_size(points)));
     make_reversal(reversal);
     return {w, reversal};
 }
 
 void fft_ooura_real(const ArrayRef& array, Direction direction) {
     write_both("('        Calling real fft')");
-    const auto a = all_columns<double>(array);
-    if (a.rows == 1) return;
-    const Radix2Tables tables = ooura_tables(a.rows, a.rows / 2);
-    for (int j = 1; j <= a.cols; ++j)
-        real_transform(a.col(j), direction, tables);
-    if (direction == Direction::inverse) scale(a.all(), 2.0 / a.rows);
+    const int n = array.rows();
+    if (n == 1) return;
+    const Radix2Tables tables = ooura_tables(n, n / 2);
+    for_columns<double>(
+        array, [&](std::span<double> column) { real_transform(column, direction, tables); });
+    if (direction == Direction::inverse) scale(as_span<double>(array), 2.0 / n);
 }
 
 /// As often as there are columns it is the first column that is transformed; the others are only
 /// scaled by the inverse. Command files rely on it.
 void fft_ooura_complex(const ArrayRef& array, Direction direction) {
     write_both("('        Calling complex fft')");
-    const auto a = all_columns<Complex8>(array);
-    if (a.rows == 1) return;
-    const Radix2Tables tables = ooura_tables(a.rows, a.rows);
+    const int n = array.rows();
+    if (n == 1) return;
+    const Radix2Tables tables = ooura_tables(n, n);
     const bool inverse = direction == Direction::inverse;
-    for (int j = 1; j <= a.cols; ++j)
-        complex_transform(parts(a.col(1)), inverse ? -1 : 1, tables);
-    if (inverse) scale(a.all(), 1.0 / a.rows);
+    const auto first = parts(as_span<Complex8>(array).first(as_size(n)));
+    for_columns<Complex8>(
+        array, [&](std::span<Complex8>) { complex_transform(first, inverse ? -1 : 1, tables); });
+    if (inverse) scale(as_span<Complex8>(array), 1.0 / n);
 }
 
 void fft_ooura(const ArrayRef& array, Direction direction) {
     if (!array.is(type_real) && !array.is(type_complex8))
         return print_both(" \n\tCommand is implemented for real or complex\n");
-    if (!is_power_of_2(array.rows()))
+    if (!std::has_single_bit(as_size(array.rows())))
         return print_both(" \n\tThis routine requires n to be a power of 2. Returning without "
                           "calculations\n");
     return array.is(type_real) ? fft_ooura_real(array, direction)
@@ -183,9 +193,13 @@ void cmd_fft_helper(std::string_view) {
         print_both(" \nH must have N/2+1 rows and P must have N rows");
         return print_both(" \nfft_helper quitting\n");
     }
-    const auto functions = all_columns<const Complex8>(h);
+    const std::int64_t functions = h.size() / h.rows();
+    if (functions > std::numeric_limits<std::int32_t>::max())
+        return print_both(" \nH has too many columns. fft_helper quitting\n");
+    const int m = static_cast<int>(functions);
     Result result(target, "$fft_helper");
-    multiply_packed(functions, as_span<const double>(p), result.matrix<double>(n, functions.cols));
+    multiply_packed({static_cast<const Complex8*>(h.data), h.rows(), m}, as_span<const double>(p),
+                    result.matrix<double>(n, m));
     result.place();
 }
 

@@ -7,7 +7,7 @@
 
 namespace quelor {
 
-/// real (2 N + 15): work area of the default transform of N rows, kept for the next one.
+/// real (2 N + 15): tables of the default transform of N rows, then N, kept for the next one.
 inline constexpr std::string_view fft_wsave = "$fft_wsave";
 /// integer (sqrt N + 2): the N for which `$fft_w` is made, a number not used, bit reversal.
 inline constexpr std::string_view fft_ip = "$fft_ip";

@@ -1,38 +1,16 @@
-// Fourier transforms: the packed real transform by FFTW, those of a power of 2 by radix-2 passes.
+// Fourier transforms: those of a power of 2 by radix-2 passes, others as convolutions by these.
 #include "dynamics/fft_kernels.hpp"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <fftw3.h>
 #include <numbers>
 #include <utility>
+#include <vector>
 
 namespace quelor {
 
 namespace {
-
-// The library orders a transform as re(0), re(1), ..., im(2), im(1).
-
-void pack(std::span<const double> halves, std::span<double> packed) {
-    const std::size_t n = packed.size();
-    packed[0] = halves[0];
-    for (std::size_t k = 1; 2 * k < n; ++k) {
-        packed[2 * k - 1] = halves[k];
-        packed[2 * k] = halves[n - k];
-    }
-    if (n % 2 == 0) packed[n - 1] = halves[n / 2];
-}
-
-void unpack(std::span<const double> packed, std::span<double> halves) {
-    const std::size_t n = packed.size();
-    halves[0] = packed[0];
-    for (std::size_t k = 1; 2 * k < n; ++k) {
-        halves[k] = packed[2 * k - 1];
-        halves[n - k] = packed[2 * k];
-    }
-    if (n % 2 == 0) halves[n / 2] = packed[n - 1];
-}
 
 /// x += y w and y := x - y w for the complex numbers at x and y, w = c + i s.
 void butterfly(double* x, double* y, double c, double s) {
@@ -111,36 +89,168 @@ void split_halves(std::span<double> a, const double* roots) {
     }
 }
 
-} // namespace
-
-void packed_transform(Matrix<double> a, std::span<double> work, Direction direction) {
-    assert(work.size() == as_size(a.rows));
+/// The packed transform of real_transform by way of complex(z, sign), a transform of half as many
+/// points.
+template <class Transform>
+void transform_by_halves(std::span<double> a, Direction direction, const double* roots,
+                         Transform&& complex) {
     const bool forward = direction == Direction::forward;
-    // Estimated plans do not depend on the load of the machine, so neither do the results.
-    fftw_plan_s* const plan = fftw_plan_r2r_1d(a.rows, work.data(), work.data(),
-                                               forward ? FFTW_R2HC : FFTW_HC2R, FFTW_ESTIMATE);
-    for (int j = 1; j <= a.cols; ++j) {
-        if (forward) {
-            std::ranges::copy(a.col(j), work.begin());
-        } else {
-            unpack(a.col(j), work);
+    if (forward && a.size() > 2) {
+        complex(a, 1);
+        join_halves(a, roots);
+    }
+    const double sum = a[0] + a[1], difference = a[0] - a[1];
+    a[0] = forward ? sum : sum / 2;
+    a[1] = forward ? difference : difference / 2;
+    if (!forward && a.size() > 2) {
+        split_halves(a, roots);
+        complex(a, -1);
+    }
+}
+
+// --- any length ----------------------------------------------------------------------------------
+
+/// at := cos and sin of 2 pi k / n, 0 <= k < n, to rounding: the angle that is left to the
+/// functions is at most pi/4, and all before it is in integers.
+void put_root(std::size_t k, std::size_t n, double* at) {
+    const std::size_t quarter = 4 * k / n, rest = 4 * k % n; // of a quarter turn, in n-ths
+    const bool beyond = 2 * rest > n;
+    const double angle = std::numbers::pi / 2 * static_cast<double>(beyond ? n - rest : rest) /
+                         static_cast<double>(n);
+    double c = std::cos(angle), s = std::sin(angle);
+    if (beyond) std::swap(c, s);
+    const double x[] = {c, -s, -c, s}, y[] = {s, c, -s, -c};
+    at[0] = x[quarter];
+    at[1] = y[quarter];
+}
+
+/// Values of a table of n rows that the roots of join_halves take, and the points of the complex
+/// transform behind it.
+std::size_t joining_values(std::size_t n) {
+    return n % 2 == 0 ? (n / 2 + 1) / 2 * 2 : 0;
+}
+std::size_t points_of(std::size_t n) {
+    return n % 2 == 0 ? n / 2 : n;
+}
+
+/// z := z w or, with sign = -1, z conj(w); complex numbers side by side.
+void multiply(std::span<double> z, std::span<const double> w, int sign) {
+    for (std::size_t i = 0; i < z.size(); i += 2) {
+        const double re = w[i], im = sign * w[i + 1], x = z[i], y = z[i + 1];
+        z[i] = x * re - y * im;
+        z[i + 1] = x * im + y * re;
+    }
+}
+
+/// Transforms of n points, not scaled, as a convolution: from 2 j k = j^2 + k^2 - (k - j)^2, with
+/// the chirp c(j) = exp(pi i j^2 / n),
+///     sum of z(j) exp(2 pi i j k / n) = c(k) sum of z(j) c(j) conj(c(k - j)),
+/// which transforms of the next power of 2 from 2 n - 1 on form.   Source: [Bluestein 1970]
+class ChirpTransform {
+public:
+    /// chirp  -  n pairs, which must outlive the object
+    explicit ChirpTransform(std::span<const double> chirp)
+        : chirp_(chirp), length_(std::bit_ceil(chirp.size() - 1)), roots_(length_ / 2),
+          reversal_(reversal_size(length_)), filter_(2 * length_), work_(2 * length_) {
+        make_roots(roots_);
+        make_reversal(reversal_);
+        const double scale = 1 / static_cast<double>(length_); // a power of 2
+        for (std::size_t i = 0; i < chirp.size(); i += 2) {
+            const std::size_t mirrored = i == 0 ? 0 : 2 * length_ - i;
+            filter_[i] = filter_[mirrored] = scale * chirp[i];
+            filter_[i + 1] = filter_[mirrored + 1] = -scale * chirp[i + 1];
         }
-        fftw_execute(plan);
-        if (forward) {
-            pack(work, a.col(j));
+        complex_transform(filter_, 1, {roots_, reversal_});
+    }
+
+    /// The chirp and the filter of the other sign are the conjugates: c(j) = c(-j).
+    void operator()(std::span<double> z, int sign) {
+        multiply(z, chirp_, sign);
+        std::ranges::fill(std::ranges::copy(z, work_.begin()).out, work_.end(), 0.0);
+        complex_transform(work_, 1, {roots_, reversal_});
+        multiply(work_, filter_, sign);
+        complex_transform(work_, -1, {roots_, reversal_});
+        std::copy_n(work_.begin(), z.size(), z.begin());
+        multiply(z, chirp_, sign);
+    }
+
+private:
+    std::span<const double> chirp_;
+    std::size_t length_;
+    std::vector<double> roots_;
+    std::vector<std::int32_t> reversal_;
+    std::vector<double> filter_, work_;
+};
+
+// Even length: the other sign of the exponent, and the order of real_transform. Signs change by a
+// subtraction, which leaves a zero without one.
+template <class Transform>
+void transform_even(std::span<double> packed, std::span<double> work, Direction direction,
+                    const double* roots, Transform& transform) {
+    const std::size_t n = packed.size();
+    if (direction == Direction::forward) {
+        std::ranges::copy(packed, work.begin());
+        transform_by_halves(work, direction, roots, transform);
+        packed[0] = work[0];
+        packed[n - 1] = work[1];
+        for (std::size_t k = 2; k < n; k += 2) {
+            packed[k - 1] = work[k];
+            packed[k] = 0 - work[k + 1];
+        }
+        return;
+    }
+    work[0] = packed[0];
+    work[1] = packed[n - 1];
+    for (std::size_t k = 2; k < n; k += 2) {
+        work[k] = packed[k - 1];
+        work[k + 1] = 0 - packed[k];
+    }
+    transform_by_halves(work, direction, roots, transform);
+    std::ranges::transform(work, packed.begin(), [](double x) { return 2 * x; });
+}
+
+// Odd length: all points as complex numbers.
+template <class Transform>
+void transform_odd(std::span<double> packed, std::span<double> work, Direction direction,
+                   Transform& transform) {
+    const std::size_t n = packed.size();
+    std::ranges::fill(work, 0.0);
+    if (direction == Direction::forward) {
+        for (std::size_t j = 0; j < n; ++j)
+            work[2 * j] = packed[j];
+        transform(work, -1);
+        packed[0] = work[0];
+        std::ranges::copy(work.subspan(2, n - 1), packed.begin() + 1);
+        return;
+    }
+    work[0] = packed[0];
+    for (std::size_t k = 2; k < n; k += 2) {
+        work[k] = work[2 * n - k] = packed[k - 1];
+        work[k + 1] = packed[k];
+        work[2 * n - k + 1] = -packed[k];
+    }
+    transform(work, 1);
+    for (std::size_t j = 0; j < n; ++j)
+        packed[j] = work[2 * j];
+}
+
+template <class Transform>
+void transform_columns(std::span<double> a, std::size_t n, Direction direction, const double* roots,
+                       Transform transform) {
+    std::vector<double> work(n % 2 == 0 ? n : 2 * n);
+    for (std::size_t at = 0; at < a.size(); at += n) {
+        if (n % 2 == 0) {
+            transform_even(a.subspan(at, n), work, direction, roots, transform);
         } else {
-            std::ranges::copy(work, a.col(j).begin());
+            transform_odd(a.subspan(at, n), work, direction, transform);
         }
     }
-    fftw_destroy_plan(plan);
 }
 
-bool is_power_of_2(std::int64_t n) {
-    return n > 0 && std::has_single_bit(static_cast<std::uint64_t>(n));
-}
+} // namespace
 
-int reversal_size(std::int64_t n) {
-    return 1 << (std::countr_zero(static_cast<std::uint64_t>(n)) / 2);
+std::size_t reversal_size(std::size_t n) {
+    return std::size_t{1} << (std::countr_zero(n) / 2);
 }
 
 void make_roots(std::span<double> roots) {
@@ -171,18 +281,31 @@ void complex_transform(std::span<double> z, int sign, const Radix2Tables& tables
 }
 
 void real_transform(std::span<double> a, Direction direction, const Radix2Tables& tables) {
-    const bool forward = direction == Direction::forward;
-    if (forward && a.size() > 2) {
-        complex_transform(a, 1, tables);
-        join_halves(a, tables.roots.data());
-    }
-    const double sum = a[0] + a[1], difference = a[0] - a[1];
-    a[0] = forward ? sum : sum / 2;
-    a[1] = forward ? difference : difference / 2;
-    if (!forward && a.size() > 2) {
-        split_halves(a, tables.roots.data());
-        complex_transform(a, -1, tables);
-    }
+    transform_by_halves(a, direction, tables.roots.data(),
+                        [&](std::span<double> z, int sign) { complex_transform(z, sign, tables); });
+}
+
+void make_packed_table(std::span<double> table) {
+    const std::size_t n = table.size() / 2, joining = joining_values(n);
+    for (std::size_t k = 0; k < joining; k += 2)
+        put_root(k / 2, n, &table[k]);
+    if (std::has_single_bit(n)) return;
+    const std::size_t points = points_of(n);
+    for (std::size_t j = 0; j < points; ++j)
+        put_root(j * j % (2 * points), 2 * points, &table[joining + 2 * j]);
+}
+
+void packed_transform(std::span<double> a, std::span<const double> table, Direction direction) {
+    const std::size_t n = table.size() / 2, joining = joining_values(n);
+    if (n == 1) return;
+    if (!std::has_single_bit(n))
+        return transform_columns(a, n, direction, table.data(),
+                                 ChirpTransform(table.subspan(joining, 2 * points_of(n))));
+    std::vector<std::int32_t> reversal(reversal_size(points_of(n)));
+    make_reversal(reversal);
+    const Radix2Tables tables{table.first(joining), reversal};
+    transform_columns(a, n, direction, table.data(),
+                      [&](std::span<double> z, int sign) { complex_transform(z, sign, tables); });
 }
 
 } // namespace quelor

@@ -3,23 +3,25 @@
 // 0 in the formulas.
 #pragma once
 
-#include "numeric/types.hpp"
+#include "numeric/index.hpp"
 
+#include <cstddef>
+#include <cstdint>
 #include <span>
 
 namespace quelor {
 
 enum class Direction { forward, inverse };
 
-/// Transforms each column of a, N real values, in place; any N, in O(N log N). Packed order of
-/// A(k) = sum of a(j) exp(-2 pi i j k / N): A(0), then real and imaginary part of A(1), A(2) ...,
-/// and for even N the real A(N/2) last. The inverse takes that order and is not scaled: it gives N
-/// times the values.
-/// work  -  N values; aligned alike in every call, or the last digits may differ
+/// Transforms each column of a, N real values, in place, one behind the other; any N, in O(N log
+/// N). Packed order of A(k) = sum of a(j) exp(-2 pi i j k / N): A(0), then real and imaginary part
+/// of A(1), A(2) ..., and for even N the real A(N/2) last. The inverse takes that order and is not
+/// scaled: it gives N times the values. By radix 2 where N is a power of 2, else by a convolution.
+/// table  in  2 N values of make_packed_table
 /// Order of the packed values: [Swarztrauber 1982]
-void packed_transform(Matrix<double> a, std::span<double> work, Direction direction);
-
-bool is_power_of_2(std::int64_t n);
+void packed_transform(std::span<double> a, std::span<const double> table, Direction direction);
+/// The table for N rows, 2 N values: roots of unity for even N, and the chirp of the convolution.
+void make_packed_table(std::span<double> table);
 
 /// What the transforms of n points need, n a power of 2 from 2 on.
 struct Radix2Tables {
@@ -28,7 +30,7 @@ struct Radix2Tables {
     /// Bit reversal of 0 ... l - 1; l = `reversal_size(n)`.
     std::span<const std::int32_t> reversal;
 };
-int reversal_size(std::int64_t n);
+std::size_t reversal_size(std::size_t n);
 /// Tables for the sizes of the spans: `roots` holds N/2 values, `reversal` a power of 2 of them.
 void make_roots(std::span<double> roots);
 void make_reversal(std::span<std::int32_t> reversal);

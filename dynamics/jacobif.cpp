@@ -169,7 +169,7 @@ bool make_rotation(Triangle& k, Triangle& m, int i, int j, Rotation& t) {
         t.cg = kjj == 0 ? -mij / mjj : -kij / kjj;
         return true;
     }
-    if (d < 0) return false;
+    if (d < 0) return false; // never where the pair's block of M is definite: two real roots
     const double x = b / 2 + std::copysign(std::sqrt(d), b < 0 ? -1.0 : 1.0);
     t.ca = ag / x;
     t.cg = -ak / x;

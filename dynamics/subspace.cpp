@@ -1,27 +1,14 @@
 // Starting vectors and projections of the subspace iteration.
 #include "dynamics/subspace.hpp"
 
-#include "numeric/blas_memory.hpp"
-#include "numeric/lapack.hpp"
+#include "numeric/dense_products.hpp"
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <vector>
 
 namespace quelor {
-
-namespace {
-
-/// c := op(a) b by BLAS; op transposes a when `trans` is "T".
-void multiply(const char* trans, Matrix<const double> a, Matrix<const double> b, Matrix<double> c) {
-    require_blas_memory();
-    const double one = 1, zero = 0;
-    const std::int32_t inner = b.rows;
-    dgemm_(trans, "N", &c.rows, &c.cols, &inner, &one, a.data, &a.rows, b.data, &b.rows, &zero,
-           c.data, &c.rows, 1, 1);
-}
-
-} // namespace
 
 double next_random(std::int64_t& x) {
     x = (49297 + 9301 * (x % 233280)) % 233280; // the remainder first: no overflow
@@ -60,12 +47,27 @@ int start_from_ratios(std::span<const double> k_diagonal, std::span<const double
     return found;
 }
 
-void project(Matrix<const double> x, Matrix<const double> w, Matrix<double> g) {
-    multiply("T", x, w, g);
+void remove_components(Matrix<double> x, int j, std::span<const double> w, std::span<double> c) {
+    if (j == 1) return;
+    mat_mult(Matrix<const double>{x.data, x.rows, j - 1}, {w.data(), x.rows, 1},
+             {c.data(), j - 1, 1}, true);
+    subtract_product({x.data, x.rows, j - 1, x.rows}, {c.data(), j - 1, 1, j - 1},
+                     {&x(1, j), x.rows, 1, x.rows});
+}
+
+double scale_to_unit(std::span<double> x, std::span<double> w) {
+    const double length = std::sqrt(std::inner_product(x.begin(), x.end(), w.begin(), 0.0));
+    const double factor = 1 / length;
+    if (!std::isfinite(factor)) return 0;
+    for (double& value : x)
+        value *= factor;
+    for (double& value : w)
+        value *= factor;
+    return length;
 }
 
 void combine(Matrix<double> x, Matrix<const double> q, Matrix<double> w) {
-    multiply("N", x, q, w);
+    mat_mult(Matrix<const double>(x), q, w, false);
     std::ranges::copy(w.all(), x.data);
 }
 

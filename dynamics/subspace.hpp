@@ -18,8 +18,13 @@ void start_from_mass(std::span<const double> m_diagonal, std::span<double> colum
 int start_from_ratios(std::span<const double> k_diagonal, std::span<const double> m_diagonal,
                       Matrix<double> x, int first);
 
-/// g := x^T w; x, w (n,q), g (q,q)
-void project(Matrix<const double> x, Matrix<const double> w, Matrix<double> g);
+/// One pass of Gram-Schmidt: takes the parts along columns 1 to j - 1 of x, whose norms x^T M x are
+/// 1 or 0, out of column j. w  in  M x for column j, n values;  c  -  j - 1 values
+void remove_components(Matrix<double> x, int j, std::span<const double> w, std::span<double> c);
+/// x and w = M x divided by the root of x^T w, which is returned; 0, and nothing is done, when that
+/// is not possible.
+double scale_to_unit(std::span<double> x, std::span<double> w);
+
 /// x := x q by way of w; x, w (n,q), q (q,q)
 void combine(Matrix<double> x, Matrix<const double> q, Matrix<double> w);
 /// w := D x, D diagonal; x, w (n,q)

@@ -4,7 +4,6 @@
 
 #include "elements/element_family.hpp"
 #include "elements/frame.hpp"
-#include "fem/export_to_gmsh.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
@@ -53,24 +52,8 @@ void read_beam_material(Matrix<double> mp, int number) {
     cdense = -1;
     get_real_par("cbar=", cdense);
     if (!(cdense < 0)) fill_three(cdense, beam_damping);
-}
-
-/// Exactly m records; a repeated number counts.
-void read_beam_materials(int m) {
-    const auto mp = create_matrix<double>(beam3d_mp, m, beam3d_columns);
-    for (int record = 1; record <= m; ++record) {
-        std::int32_t number = 0;
-        next_record("Enter material data\n");
-        get_int_par("m=", number);
-        require_number(number, m, beam3d_bad_material);
-        read_beam_material(mp, number);
-        std::array<double, beam3d_columns> row{};
-        for (int c = 1; c <= beam3d_columns; ++c)
-            row[nth(c)] = mp(number, c);
-        require_finite(row, "material " + std::to_string(number));
-        if (mp(number, beam_g) == 0 && (mp(number, beam_asy) != 0 || mp(number, beam_asz) != 0))
-            shutdown_with(" \n\tA shear area of BEAM3D needs the shear modulus g\n");
-    }
+    if (mp(number, beam_g) == 0 && (mp(number, beam_asy) != 0 || mp(number, beam_asz) != 0))
+        shutdown_with(" \n\tA shear area of BEAM3D needs the shear modulus g\n");
 }
 
 // --- element records ----------------------------------------------------------------------------
@@ -131,7 +114,9 @@ void read_beams() {
     for (const auto name : {beam3d_el, beam3d_mp, beam3d_len, beam3d_st, beam3d_trial, beam3d_kg})
         delete_array(name);
     create_int_scalar(beam3d_kg, kg ? 1 : 0);
-    read_beam_materials(m);
+    const auto mp = create_matrix<double>(beam3d_mp, m, beam3d_columns);
+    read_materials(mp, "Enter material data\n", beam3d_bad_material,
+                   [&](int number) { read_beam_material(mp, number); });
     Matrix<std::int32_t> el;
     Matrix<double> st;
     if (n > 0) {
@@ -223,17 +208,6 @@ SmallMatrix<12> local_stiffness(const BeamModel& m, Matrix<const double> st, int
 using BeamList = std::array<std::int32_t, 12>;
 
 // --- matrices -----------------------------------------------------------------------------------
-
-void beam_column_heights() {
-    const BeamModel m = open_beams();
-    const Equations equations = open_equations();
-    ColumnHeights heights = open_column_heights(equations);
-    BeamList list;
-    for (int e = 1; e <= m.el.cols; ++e) {
-        element_equations(equations, m.nodes(e), all_six, list);
-        add_column_heights(heights, list);
-    }
-}
 
 void beam_stiffness() {
     const BeamModel m = open_beams();
@@ -352,12 +326,6 @@ void print_beam_state(std::string_view array) {
     }
 }
 
-void export_beams() {
-    const auto el = element_matrix<std::int32_t>(beam3d_missing, beam3d_el, 6, any_size);
-    gmsh_write_elements(el, 6, 2, 1, std::array{99, 2});
-    gmsh_count_elements(largest_in_row(el, 6));
-}
-
 } // namespace
 
 // --- services of the generation -----------------------------------------------------------------
@@ -394,7 +362,7 @@ void beam3d_element(Request request) {
     case Task::input:
         return has_flag(" -cylinder") ? generate_cylinder() : read_beams();
     case Task::column_heights:
-        return beam_column_heights();
+        return add_all_column_heights(open_beams().el, 2, all_six);
     case Task::connectivity:
         return elem_conn0(element_matrix<std::int32_t>(beam3d_missing, beam3d_el, 6, any_size), 2);
     case Task::stiffness:
@@ -416,8 +384,6 @@ void beam3d_element(Request request) {
         return print_beam_state(beam3d_st);
     case Task::print_trial_state:
         return print_beam_state(trial_or_state(beam3d_trial, beam3d_st));
-    case Task::mesh_export:
-        return export_beams();
     default:
         return; // no work for a beam
     }

@@ -1,7 +1,7 @@
 // `beam3d`, the linear two-node beam in space (slot 3).
 #pragma once
 
-#include "fem/elemutil.hpp"
+#include "fem/export_to_gmsh.hpp"
 #include "numeric/vectors.hpp"
 
 namespace quelor {
@@ -41,6 +41,11 @@ enum Beam3dColumn {
 };
 inline constexpr int beam3d_columns = 19;
 inline constexpr std::string_view beam3d_missing = " \n\tBEAM3D element information not found\n";
+inline constexpr ElementTable beam3d_table{.name = beam3d_el,
+                                           .missing = beam3d_missing,
+                                           .nodes = 2,
+                                           .gmsh_type = gmsh_line,
+                                           .number_row = 6};
 inline constexpr std::string_view beam3d_none = " \n\tNo BEAM3D element information found\n";
 inline constexpr std::string_view beam3d_bad_material =
     " \n\tBEAM3D material number out of range\n";

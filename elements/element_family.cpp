@@ -1,8 +1,9 @@
 #include "elements/element_family.hpp"
 
-#include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
 #include "numeric/finite.hpp"
+
+#include <vector>
 
 namespace quelor {
 
@@ -42,6 +43,16 @@ ArrayRef element_array(std::string_view message, std::string_view array, TypeCod
         (cols != any_size && ref.cols() != cols))
         shutdown_with(message);
     return ref;
+}
+
+void add_all_column_heights(Matrix<const std::int32_t> el, int nodes, std::span<const int> dofs) {
+    const Equations equations = open_equations();
+    ColumnHeights heights = open_column_heights(equations);
+    std::vector<std::int32_t> list(as_size(nodes) * dofs.size());
+    for (int e = 1; e <= el.cols; ++e) {
+        element_equations(equations, el.col(e).first(as_size(nodes)), dofs, list);
+        add_column_heights(heights, list);
+    }
 }
 
 std::int32_t largest_in_row(Matrix<const std::int32_t> el, int row) {

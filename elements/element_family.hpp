@@ -5,6 +5,7 @@
 #include "fem/assembly.hpp"
 #include "fem/elemutil.hpp"
 #include "fem/nodes.hpp"
+#include "kernel/gencom.hpp"
 #include "kernel/utilities.hpp"
 
 #include <algorithm>
@@ -32,6 +33,22 @@ inline constexpr std::int32_t no_key = std::numeric_limits<std::int32_t>::min();
 void require_number(std::int32_t n, int limit, std::string_view message);
 /// The fatal path when a value is not finite; `what` names the record: "element 5".
 void require_finite(std::span<const double> values, std::string_view what);
+/// Exactly as many records as the table of materials has rows: read(number) takes the values of the
+/// current record, which must be finite; a repeated number counts. A number that is not in the
+/// table gives the message and the fatal path.
+template <class Read>
+void read_materials(Matrix<double> mp, std::string_view prompt, std::string_view bad_number,
+                    Read read) {
+    for (int record = 1; record <= mp.rows; ++record) {
+        std::int32_t number = 0;
+        next_record(prompt);
+        get_int_par("m=", number);
+        require_number(number, mp.rows, bad_number);
+        read(number);
+        for (int c = 1; c <= mp.cols; ++c)
+            require_finite({&mp(number, c), 1}, "material " + std::to_string(number));
+    }
+}
 /// A node number on its way through a generation, n + steps * inc; 0 stays 0, and beyond the range
 /// of integers it stays at the range's end, where the check of the nodes finds it.
 std::int32_t advanced_node(std::int32_t n, std::int32_t inc, std::int64_t steps);
@@ -64,6 +81,9 @@ template <class T>
 std::span<const T> element_vector(std::string_view message, std::string_view array, int n) {
     return element_matrix<T>(message, array, n, 1).all();
 }
+/// The pass of column heights of a table whose elements have the same degrees of freedom at each of
+/// `nodes` nodes.
+void add_all_column_heights(Matrix<const std::int32_t> el, int nodes, std::span<const int> dofs);
 /// Largest value of a row, 0 when there are no columns.
 std::int32_t largest_in_row(Matrix<const std::int32_t> el, int row);
 /// The trial array when it exists, otherwise the committed one.

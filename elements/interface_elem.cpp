@@ -3,7 +3,6 @@
 #include "elements/interface_elem.hpp"
 
 #include "elements/element_family.hpp"
-#include "fem/export_to_gmsh.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
@@ -17,9 +16,13 @@ namespace quelor {
 namespace {
 
 constexpr std::string_view title = "INTERFACE";
-constexpr std::string_view missing = " \n\tINTERFACE element information not found\n";
 constexpr std::string_view trial = "$interface_el";
-enum Row { print_row = 5, face_row = 6, id_row = 7, rows_of_table = 8 };
+enum Row {
+    print_row = 5,
+    face_row = interface_table.face_row,
+    id_row = interface_table.number_row,
+    rows_of_table = 8
+};
 
 // --- input --------------------------------------------------------------------------------------
 
@@ -94,7 +97,7 @@ bool compact_interfaces(Matrix<const std::int32_t> el) {
 }
 
 Matrix<const std::int32_t> open_interfaces() {
-    return element_matrix<std::int32_t>(missing, interface_el, rows_of_table, any_size);
+    return element_matrix<std::int32_t>(interface_missing, interface_el, rows_of_table, any_size);
 }
 
 void read_interfaces() {
@@ -223,35 +226,6 @@ void subdivide_interfaces() {
 
 // --- requests -----------------------------------------------------------------------------------
 
-void interface_column_heights() {
-    const auto el = open_interfaces();
-    const Equations equations = open_equations();
-    ColumnHeights heights = open_column_heights(equations);
-    std::array<std::int32_t, 24> list;
-    for (int e = 1; e <= el.cols; ++e) {
-        element_equations(equations, el.col(e).first(4), all_six, list);
-        add_column_heights(heights, list);
-    }
-}
-
-/// Quadrilaterals, then triangles.
-void export_interfaces() {
-    const auto el = open_interfaces();
-    std::vector<std::int32_t> quads, triangles;
-    for (int e = 1; e <= el.cols; ++e) {
-        auto& table = el(3, e) == el(4, e) ? triangles : quads;
-        table.insert(table.end(), el.col(e).begin(), el.col(e).end());
-    }
-    const auto write = [](const std::vector<std::int32_t>& table, int nodes, int type) {
-        const int count = static_cast<int>(table.size()) / rows_of_table;
-        gmsh_write_elements({table.data(), rows_of_table, count}, id_row, nodes, type,
-                            std::array{99, 2});
-    };
-    write(quads, 4, 3);
-    write(triangles, 3, 2);
-    gmsh_count_elements(largest_in_row(el, id_row));
-}
-
 void print_interfaces() {
     const auto el = open_interfaces();
     write_both("(/, ' ELEMENT  NODE-1  NODE-2  NODE-3  NODE-4   PRINT    FACE')");
@@ -278,7 +252,7 @@ void interface_element(Request request) {
     case Task::input:
         return has_flag(" -subdivide") ? subdivide_interfaces() : read_interfaces();
     case Task::column_heights:
-        return interface_column_heights();
+        return add_all_column_heights(open_interfaces(), 4, all_six);
     case Task::connectivity:
         return elem_conn0(open_interfaces(), 4);
     case Task::loads:
@@ -292,8 +266,6 @@ void interface_element(Request request) {
         return commit_state(trial, interface_el);
     case Task::print_input:
         return print_interfaces();
-    case Task::mesh_export:
-        return export_interfaces();
     default:
         return; // no stiffness, no mass
     }

@@ -2,7 +2,7 @@
 // that marks a surface of the structure, for drawing and as the wet surface of a fluid mesh.
 #pragma once
 
-#include "fem/elemutil.hpp"
+#include "fem/export_to_gmsh.hpp"
 
 namespace quelor {
 
@@ -12,6 +12,17 @@ inline constexpr int interface_slot = 28;
 /// pressure on the negative face, +1 on the positive one), ID number, not used; one column a
 /// defined element. Written by the input, the subdivision and the generation of a cylinder.
 inline constexpr std::string_view interface_el = ".interface_el";
+inline constexpr std::string_view interface_missing =
+    " \n\tINTERFACE element information not found\n";
+inline constexpr ElementTable interface_table{
+    .name = interface_el,
+    .missing = interface_missing,
+    .nodes = 4,
+    .gmsh_type = gmsh_quadrilateral,
+    .number_row = 7,
+    .face_row = 6,
+    .found = " \"wet\" interface elements to convert to panels",
+    .converted = "     Converted interface elements"};
 /// integer: 1 with pressure, otherwise 0. Written by the input.
 inline constexpr std::string_view interface_pressure = ".interface_pressure";
 

@@ -64,22 +64,8 @@ void read_plane_material(Matrix<double> mp, int number) {
     get("mI=", nbeam_rotary);
     get_two("Cm=", nbeam_cmx);
     get_two("Cd=", nbeam_cdx);
-}
-
-/// Exactly m records; a repeated number counts.
-void read_plane_materials(int m) {
-    const auto mp = create_matrix<double>(nbeam2d_mp, m, nbeam2d_columns);
-    for (int record = 1; record <= m; ++record) {
-        std::int32_t number = 0;
-        next_record("Enter line of data\n");
-        get_int_par("m=", number);
-        require_number(number, m, bad_material);
-        read_plane_material(mp, number);
-        for (int c = 1; c <= nbeam2d_columns; ++c)
-            require_finite({&mp(number, c), 1}, "material " + std::to_string(number));
-        if (mp(number, nbeam_g) == 0 && mp(number, nbeam_as) != 0)
-            shutdown_with(" \n\tThe shear area of NBEAM2D needs the shear modulus g\n");
-    }
+    if (mp(number, nbeam_g) == 0 && mp(number, nbeam_as) != 0)
+        shutdown_with(" \n\tThe shear area of NBEAM2D needs the shear modulus g\n");
 }
 
 struct PlaneRecord {
@@ -167,7 +153,9 @@ void read_plane_beams() {
     for (const auto name :
          {nbeam2d_mp, nbeam2d_el, nbeam2d_len, nbeam2d_st, nbeam2d_trial, nbeam2d_dir})
         delete_array(name);
-    read_plane_materials(m);
+    const auto mp = create_matrix<double>(nbeam2d_mp, m, nbeam2d_columns);
+    read_materials(mp, "Enter line of data\n", bad_material,
+                   [&](int number) { read_plane_material(mp, number); });
     const PlaneTables tables{create_matrix<std::int32_t>(nbeam2d_el, n, 4),
                              create_matrix<double>(nbeam2d_len, n, 0).all(),
                              create_matrix<double>(nbeam2d_st, n, 4),

@@ -4,7 +4,6 @@
 
 #include "elements/bar.hpp"
 #include "elements/element_family.hpp"
-#include "fem/export_to_gmsh.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/require.hpp"
@@ -58,21 +57,15 @@ std::optional<TrussRecord> next_truss_record() {
     return r;
 }
 
-/// Exactly m records; a repeated number counts.
 void read_truss_materials(const TrussKind& kind, int m) {
     const auto mp = create_matrix<double>(kind.mp, m, 4);
-    for (int record = 1; record <= m; ++record) {
-        std::int32_t number = 0;
-        next_record("Enter material data: m  e  a  mbar\n");
-        get_int_par("m=", number);
-        require_number(number, m, " \n\n\tMaterial number not possible\n");
-        get_real_par("e=", mp(number, modulus));
-        get_real_par("a=", mp(number, area));
-        get_real_par("mbar=", mp(number, density));
-        mp(number, compression) = has_flag(" -no_compression") ? 1.0 : 0.0;
-        require_finite(std::array{mp(number, modulus), mp(number, area), mp(number, density)},
-                       "material " + std::to_string(number));
-    }
+    read_materials(mp, "Enter material data: m  e  a  mbar\n",
+                   " \n\n\tMaterial number not possible\n", [&](int number) {
+                       get_real_par("e=", mp(number, modulus));
+                       get_real_par("a=", mp(number, area));
+                       get_real_par("mbar=", mp(number, density));
+                       mp(number, compression) = has_flag(" -no_compression") ? 1.0 : 0.0;
+                   });
 }
 
 /// The arrays of the elements while they are read.
@@ -426,9 +419,6 @@ void serve(const TrussKind& kind, Request request) {
         return print_truss_state(kind, trial_or_state(kind.trial, kind.st));
     case Task::print_response:
         return print_truss_response(kind);
-    case Task::mesh_export:
-        return gmsh_write_line_elements(
-            element_matrix<std::int32_t>(kind.missing, kind.el, 4, any_size));
     default:
         return; // no work for a truss
     }

@@ -2,7 +2,7 @@
 // They differ by a row: names, and the kinematics of their state.
 #pragma once
 
-#include "fem/elemutil.hpp"
+#include "fem/export_to_gmsh.hpp"
 
 namespace quelor {
 
@@ -53,6 +53,10 @@ inline constexpr TrussKind truss_kind{29,
                                       " \n\tTRUSS element information not found\n",
                                       ".tr",
                                       false};
+
+constexpr ElementTable drawn_truss(const TrussKind& kind) {
+    return {.name = kind.el, .missing = kind.missing, .nodes = 2, .gmsh_type = gmsh_line};
+}
 
 void ntruss_element(Request request);
 std::string_view ntruss_help();

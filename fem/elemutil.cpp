@@ -3,6 +3,7 @@
 #include "fem/elemutil.hpp"
 
 #include "fem/assembly.hpp"
+#include "fem/export_to_gmsh.hpp"
 #include "fem/nodes.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
@@ -24,8 +25,17 @@ void set_element_group(int slot, int code) {
     as_span<std::int32_t>(find_array(elem_grp))[nth(slot)] = code;
 }
 
+Matrix<const std::int32_t> require_elements(const ElementTable& table) {
+    const ArrayRef ref = find_array(table.name);
+    const int rows = std::max({table.nodes, table.number_row, table.face_row});
+    if (!ref.is(type_integer) || ref.ndim() > 2 || ref.rows() < rows) shutdown_with(table.missing);
+    return as_matrix<const std::int32_t>(ref);
+}
+
 void call_element(int slot, Request request) {
     const ElementRow& row = element_rows()[nth(slot)];
+    if (row.table.gmsh_type != 0 && task_of(request) == Task::mesh_export)
+        return gmsh_write_elements(row.table);
     if (row.routine) return row.routine(request);
     // The backslashes of this text are characters of it.
     if (row.alias.empty()) return print_both(" \\nElement is unused.\\n");
@@ -73,16 +83,6 @@ static void cmd_elem_grp(std::string_view) {
 
 namespace {
 
-void put_coordinates(Matrix<const double> x, std::span<const std::int32_t> nodes, double* out,
-                     std::ptrdiff_t node_step, std::ptrdiff_t axis_step) {
-    for (const std::int32_t n : nodes) {
-        if (n > x.cols) shutdown_with(" \n\tNode number out of range\n");
-        for (int axis = 0; axis < 3; ++axis)
-            out[axis * axis_step] = n < 1 ? 0 : x(axis + 1, n);
-        out += node_step;
-    }
-}
-
 void check_nodes(std::string_view name, Matrix<const std::int32_t> el, int nodes, int lowest) {
     const int highest = get_int(num_nodes);
     const ArrayRef ref = require_array(node_active, type_character, {any_size});
@@ -114,16 +114,6 @@ void check_nodes(std::string_view name, Matrix<const std::int32_t> el, int nodes
 }
 
 } // namespace
-
-void element_coordinates(Matrix<const double> x, std::span<const std::int32_t> nodes,
-                         Matrix<double> out) {
-    put_coordinates(x, nodes, out.data, 3, 1);
-}
-
-void element_coordinates_transposed(Matrix<const double> x, std::span<const std::int32_t> nodes,
-                                    Matrix<double> out) {
-    put_coordinates(x, nodes, out.data, 1, out.rows);
-}
 
 void check_element_nodes(std::string_view name, Matrix<const std::int32_t> el, int nodes) {
     check_nodes(name, el, nodes, 0);

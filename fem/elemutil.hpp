@@ -115,6 +115,19 @@ constexpr Task task_of(Request r) {
     }
 }
 
+/// The table of a type's elements, for those who draw them or make panels of them: integer, one
+/// column an element, node numbers in the first rows.
+struct ElementTable {
+    std::string_view name{};      ///< ".beam3d_el"; empty: neither drawn nor wet
+    std::string_view missing{};   ///< message when it is absent
+    int nodes = 0;                ///< of an element as it is drawn, or as a panel
+    int gmsh_type = 0;            ///< 0: not drawn
+    int number_row = 0;           ///< row of the element's own number; 0: the number of the column
+    int face_row = 0;             ///< row: 0 dry, -1 or 1 the wet face; 0: a type without faces
+    std::string_view found{};     ///< words of the conversion to panels, behind the count,
+    std::string_view converted{}; ///< and when it is done
+};
+
 /// One row of the element table.
 struct ElementRow {
     int slot;                    ///< 1 to 40
@@ -123,10 +136,15 @@ struct ElementRow {
     void (*routine)(Request);    ///< null: not built yet, or an unused slot
     std::string_view help;       ///< help of the input command; empty without a routine
     std::string_view print_help; ///< help of the print command; empty without a routine
+    ElementTable table{};
 };
 /// All 40 rows in slot order; defined by elements/element_table.cpp.
 std::span<const ElementRow, element_slots> element_rows();
-/// Runs one slot's routine; an unused or unbuilt slot says so.
+/// The columns of a type's table; the fatal path, with its message, when it is absent or has not
+/// the rows that the description names.
+Matrix<const std::int32_t> require_elements(const ElementTable& table);
+/// Runs one slot's routine; an unused or unbuilt slot says so. The lines of a mesh file are written
+/// here, from the row.
 void call_element(int slot, Request request);
 
 /// Offers a request to every active slot; source 0 passes it as it is, source 1 gives each slot its
@@ -138,15 +156,6 @@ void set_element_group(int slot, int code);
 std::span<const Command> elemutil_rows();
 
 // --- nodes of elements --------------------------------------------------------------------------
-
-/// Coordinates of nodes, one column a node; a node number below 1 gives zeros, one beyond `.xyz`
-/// the fatal path.
-/// x  in   (3, nodes of the model);   out  (3, number of nodes)
-void element_coordinates(Matrix<const double> x, std::span<const std::int32_t> nodes,
-                         Matrix<double> out);
-/// The same, one row a node: out (number of nodes, 3).
-void element_coordinates_transposed(Matrix<const double> x, std::span<const std::int32_t> nodes,
-                                    Matrix<double> out);
 
 /// After input: every node number, rows 1 to `nodes` of the element table, lies between 0 and
 /// `.#nodes`, and each one above 0 is an active node. Each bad element is named on both units, and

@@ -54,36 +54,39 @@ void gmsh_end_elements() {
     delete_array(gmsh_eshift);
 }
 
-void gmsh_write_elements(Matrix<const std::int32_t> el, int id_row, int nodes, int type,
-                         std::span<const std::int32_t> tags) {
+namespace {
+
+/// Line of one element: its number, Gmsh's type, the tags, the nodes.
+void write_element(std::int32_t number, int type, std::span<const std::int32_t> nodes) {
+    // Two tags, Gmsh's physical and geometrical entity.
+    FormatItems items{number, type, 2, 99, 2, nodes};
+    // Numbers of six digits would run into each other.
+    if (std::max(number, std::ranges::max(nodes)) > 99999)
+        write_unit(unit_gmsh, "(50i11)", items);
+    else
+        write_unit(unit_gmsh, "(50i6)", items);
+}
+
+} // namespace
+
+void gmsh_write_elements(const ElementTable& table) {
+    const auto el = require_elements(table);
     const std::int32_t shift = require_int(gmsh_eshift);
-    std::vector<std::int32_t> line{0, type, static_cast<std::int32_t>(tags.size())};
-    line.insert(line.end(), tags.begin(), tags.end());
-    const std::size_t head = line.size();
-    line.resize(head + as_size(nodes));
-    for (int e = 1; e <= el.cols; ++e) {
-        line[0] = shift + (id_row > 0 ? el(id_row, e) : e);
-        std::ranges::copy(el.col(e).first(as_size(nodes)),
-                          line.begin() + static_cast<std::ptrdiff_t>(head));
-        FormatItems items;
-        items.add(std::span<const std::int32_t>(line));
-        // Numbers of six digits would run into each other.
-        if (std::ranges::max(line) > 99999)
-            write_unit(unit_gmsh, "(50i11)", items);
-        else
-            write_unit(unit_gmsh, "(50i6)", items);
-    }
-}
-
-void gmsh_count_elements(int count) {
-    create_int_scalar(gmsh_eshift, require_int(gmsh_eshift) + count);
-}
-
-void gmsh_write_line_elements(Matrix<const std::int32_t> el) {
-    constexpr int two_node_line = 1;
-    constexpr std::int32_t tags[] = {99, 2}; // Gmsh's physical and geometrical entity
-    gmsh_write_elements(el, -1, 2, two_node_line, tags);
-    gmsh_count_elements(el.cols);
+    const auto number = [&](int e) { return table.number_row > 0 ? el(table.number_row, e) : e; };
+    const auto is_triangle = [&](int e) {
+        return table.gmsh_type == gmsh_quadrilateral && el(3, e) == el(4, e);
+    };
+    const auto write = [&](bool triangles, int type, int nodes) {
+        for (int e = 1; e <= el.cols; ++e)
+            if (is_triangle(e) == triangles)
+                write_element(shift + number(e), type, el.col(e).first(as_size(nodes)));
+    };
+    write(false, table.gmsh_type, table.nodes);
+    write(true, gmsh_triangle, 3);
+    std::int32_t last = 0;
+    for (int e = 1; e <= el.cols; ++e)
+        last = std::max(last, number(e));
+    create_int_scalar(gmsh_eshift, shift + last);
 }
 
 void gmsh_write_node_data(int step, double time, const NodeSet& nodes, Matrix<const double> u) {

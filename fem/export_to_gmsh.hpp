@@ -1,8 +1,8 @@
 // Gmsh mesh files, text format version 2.2 [Gmsh 2.2]: the writers of their sections. The exporting
-// command opens unit_gmsh; the elements answer its mesh_export request with gmsh_write_elements and
-// gmsh_count_elements.
+// command opens unit_gmsh.
 #pragma once
 
+#include "fem/elemutil.hpp"
 #include "fem/node_family.hpp"
 
 namespace quelor {
@@ -20,19 +20,13 @@ void gmsh_write_nodes(const NodeSet& nodes);
 void gmsh_begin_elements(int count);
 void gmsh_end_elements();
 
-/// Lines of elements with node numbers in rows 1 to `nodes` of their columns: `$Gmsh_eshift` + id,
-/// type, number of tags, tags, nodes.
-/// el      in  one column an element
-/// id_row  in  row of the element's number; -1: its column
-/// type    in  Gmsh's element type: 1 line, 2 triangle, 3 quadrilateral
-void gmsh_write_elements(Matrix<const std::int32_t> el, int id_row, int nodes, int type,
-                         std::span<const std::int32_t> tags);
-/// An element type has written its lines: the next type's numbers follow after its `count`, the
-/// number of elements or, when they have numbers of their own, the largest of these.
-void gmsh_count_elements(int count);
-
-/// All elements of a type of lines between two nodes, in rows 1 and 2: both of the above.
-void gmsh_write_line_elements(Matrix<const std::int32_t> el);
+// Gmsh's element types; triangles have three nodes, or six with those between them.
+inline constexpr int gmsh_line = 1, gmsh_triangle = 2, gmsh_quadrilateral = 3, gmsh_triangle6 = 9;
+/// Lines of all elements of a type: `$Gmsh_eshift` + number, type, number of tags, tags, nodes.
+/// Among quadrilaterals those with node 4 equal to node 3 are triangles, which follow the others.
+/// The next type's numbers follow after the number of elements or, when they have numbers of their
+/// own, the largest of these.
+void gmsh_write_elements(const ElementTable& table);
 
 /// A section "$NodeData": a displaced shape.
 /// step  in  from 1;   time  in  its label;   u  in  (3, nodes) translations

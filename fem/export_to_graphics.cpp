@@ -26,26 +26,15 @@ namespace {
 constexpr std::int32_t most_steps = 100'000; // more is a slip of the pen
 constexpr std::int32_t not_given = std::numeric_limits<std::int32_t>::min();
 
-/// The types that are exported: their element tables, one column an element.
-struct ExportedTable {
-    int slot;
-    std::string_view el;
-};
-constexpr ExportedTable exported[] = {
-    {3, ".beam3d_el"},     {24, ".biot2d3to9_el"}, {6, ".d2l3to9_el"}, {27, ".ifem2d_el"},
-    {8, ".min3s_el"},      {10, ".min4t_el"},      {9, ".min5s_el"},   {25, ".min6_el"},
-    {28, ".interface_el"}, {1, ".ntruss_el"},      {29, ".truss_el"},
-};
-
 /// Elements that will write their lines: those of the active types.
 int count_elements() {
     const ArrayRef groups = find_array(elem_grp);
     if (!groups.is(type_integer) || groups.size() != element_slots) return 0;
     const auto code = as_span<std::int32_t>(groups);
     int count = 0;
-    for (const auto& [slot, el] : exported)
-        if (code[nth(slot)] != 0) {
-            const ArrayRef table = find_array(el);
+    for (const ElementRow& row : element_rows())
+        if (code[nth(row.slot)] != 0 && row.table.gmsh_type != 0) {
+            const ArrayRef table = find_array(row.table.name);
             if (table.is(type_integer)) count += table.cols();
         }
     return count;

@@ -108,10 +108,9 @@ void solve_iteratively(Matrix<const Complex4> a, Matrix<Complex4> b, double tol)
     const auto work = as_span<Complex8>(require_array(hyd_iter_work, type_complex8, {n, any_size}));
     if (work.size() < std::size_t{9} * as_size(n))
         shutdown_with(" \n\t.hyd_iter_work needs at least 9 columns\n");
-    std::vector<Complex8> matrix(a.all().begin(), a.all().end());
     std::vector<Complex8> x(b.all().begin(), b.all().end());
     std::vector<std::int32_t> iterations(as_size(b.cols));
-    const int failed = solve2({matrix.data(), n, n}, {x.data(), n, b.cols}, tol, work, iterations);
+    const int failed = solve2(a, {x.data(), n, b.cols}, tol, work, iterations);
     for (int j = 1; j <= b.cols && j != failed; ++j)
         write_both("10(12x, 'RHS ', i5, ' converged at iteration', i5)", {j, iterations[nth(j)]});
     if (failed != 0) shutdown_with(" \n\tIterative solver did not converge\n");

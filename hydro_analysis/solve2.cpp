@@ -26,10 +26,11 @@ static Complex8 times(Complex8 a, Complex8 b) {
     return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
 }
 
-static Complex8 inner(std::span<const Complex8> u, std::span<const Complex8> v) {
+// The vectors u and x may be columns of the matrix in single precision, which widening makes exact.
+template <class T> static Complex8 inner(std::span<T> u, std::span<const Complex8> v) {
     Complex8 sum = 0;
     for (std::size_t i = 0; i < u.size(); ++i)
-        sum += times(std::conj(u[i]), v[i]);
+        sum += times(std::conj(Complex8(u[i])), v[i]);
     return sum;
 }
 
@@ -41,14 +42,14 @@ static double norm2(std::span<const Complex8> u) {
 }
 
 // y += factor x
-static void add(Vector y, Complex8 factor, std::span<const Complex8> x) {
+template <class T> static void add(Vector y, Complex8 factor, std::span<T> x) {
     for (std::size_t i = 0; i < y.size(); ++i)
-        y[i] += times(factor, x[i]);
+        y[i] += times(factor, Complex8(x[i]));
 }
 
 // q = a p and qt = a^H pt in one sweep, a block of rows at a time so that q and pt stay in the
 // cache.
-static void multiply_both(Matrix<const Complex8> a, const Workspace& w) {
+template <class T> static void multiply_both(Matrix<const T> a, const Workspace& w) {
     constexpr int block = 750;
     std::ranges::fill(w.q, Complex8{});
     std::ranges::fill(w.qt, Complex8{});
@@ -65,7 +66,8 @@ static void multiply_both(Matrix<const Complex8> a, const Workspace& w) {
 }
 
 // Solves for w.x with right-hand side b; the number of iterations, or -1.
-static int solve_column(Matrix<const Complex8> a, std::span<const Complex8> b, double tol,
+template <class T>
+static int solve_column(Matrix<const T> a, std::span<const Complex8> b, double tol,
                         const Workspace& w) {
     const std::size_t n = b.size();
     const double bnorm = norm2(b);
@@ -102,8 +104,9 @@ static int solve_column(Matrix<const Complex8> a, std::span<const Complex8> b, d
     return -1;
 }
 
-int solve2(Matrix<const Complex8> a, Matrix<Complex8> b, double tol, std::span<Complex8> work,
-           std::span<std::int32_t> iterations) {
+template <class T>
+static int solve_columns(Matrix<const T> a, Matrix<Complex8> b, double tol,
+                         std::span<Complex8> work, std::span<std::int32_t> iterations) {
     if (b.cols == 0) return 0;
     const Workspace w = split(work, as_size(a.rows));
     for (int i = 1; i <= a.rows; ++i)
@@ -115,6 +118,15 @@ int solve2(Matrix<const Complex8> a, Matrix<Complex8> b, double tol, std::span<C
         std::ranges::copy(w.x, b.col(c).begin());
     }
     return 0;
+}
+
+int solve2(Matrix<const Complex8> a, Matrix<Complex8> b, double tol, std::span<Complex8> work,
+           std::span<std::int32_t> iterations) {
+    return solve_columns(a, b, tol, work, iterations);
+}
+int solve2(Matrix<const Complex4> a, Matrix<Complex8> b, double tol, std::span<Complex8> work,
+           std::span<std::int32_t> iterations) {
+    return solve_columns(a, b, tol, work, iterations);
 }
 
 } // namespace quelor

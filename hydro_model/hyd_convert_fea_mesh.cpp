@@ -1,38 +1,27 @@
 // Panels from the wet elements of a finite-element mesh. Reads `.xyz`, `.node_active` and the
-// element tables `.interface_el`, `.min5s_el`, `.min3s_el`; writes the nodes of the panel mesh and
+// tables of the element types that have a wet face; writes the nodes of the panel mesh and
 // all that `hyd_panel` writes.
 #include "hydro_model/hyd_convert_fea_mesh.hpp"
 
+#include "fem/elemutil.hpp"
 #include "fem/nodes.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/utilities.hpp"
 
 #include <algorithm>
-#include <string>
+#include <ranges>
+#include <vector>
 
 namespace quelor {
 
 namespace {
 
-/// An element type that may be wet: where its table says so.
-struct WetKind {
-    std::string_view el;     ///< element table, one column an element, its nodes in the first rows
-    int nodes;               ///< corner nodes
-    int face;                ///< row: 0 dry, -1 or 1 the wet face
-    int number;              ///< row of the panel number, 0 for a type without one
-    std::string_view report; ///< message after the conversion
-};
-constexpr WetKind wet_kinds[] = {
-    {".interface_el", 4, 6, 7, "     Converted interface elements"},
-    {".min5s_el", 4, 8, 9, "     Converted min5s elements"},
-    {".min3s_el", 3, 9, 0, "     Converted min3s elements"},
-};
-
 using PanelNodes = std::array<std::int32_t, 4>;
 
 /// The wet elements of one type, and the panel number of each within the type.
 struct WetFamily {
+    const ElementTable* type = nullptr;
     int wet = 0;             ///< number of wet elements
     std::int32_t panels = 0; ///< panel numbers that the type takes
     std::vector<PanelNodes> nodes;
@@ -40,40 +29,66 @@ struct WetFamily {
 };
 
 /// Corner nodes as a panel. On the positive face they run counterclockwise, so their order turns.
-PanelNodes panel_nodes(std::span<const std::int32_t> element, const WetKind& kind) {
+PanelNodes panel_nodes(std::span<const std::int32_t> element, const ElementTable& type) {
     PanelNodes n{};
-    const auto last = as_size(kind.nodes);
+    const auto last = as_size(type.nodes);
     std::copy_n(element.begin(), last, n.begin());
-    if (element[nth(kind.face)] != 1) return n;
+    if (element[nth(type.face_row)] != 1) return n;
     std::swap(n[1], n[last - 1]);
-    if (kind.nodes == 4 && n[1] == n[2]) n[2] = n[3];
+    if (type.nodes == 4 && n[1] == n[2]) n[2] = n[3];
     return n;
 }
 
 /// The table of a type; null when it is absent or has not the rows that the type needs.
-Matrix<const std::int32_t> wet_table(const WetKind& kind) {
-    const ArrayRef ref = find_array(kind.el);
-    if (!ref.is(type_integer) || ref.rows() < std::max(kind.face, kind.number)) return {};
+Matrix<const std::int32_t> wet_table(const ElementTable& type) {
+    const ArrayRef ref = find_array(type.name);
+    if (!ref.is(type_integer) || ref.rows() < std::max(type.face_row, type.number_row)) return {};
     return as_matrix<const std::int32_t>(ref);
 }
 
 /// An element without a panel number takes the one after its predecessor's.
-WetFamily find_wet(const WetKind& kind) {
+WetFamily find_wet(const ElementTable& type) {
     WetFamily family;
-    const auto el = wet_table(kind);
+    family.type = &type;
+    const auto el = wet_table(type);
     std::int32_t largest = 0;
     std::int32_t previous = 0;
     for (int e = 1; e <= el.cols; ++e) {
-        if (el(kind.face, e) == 0) continue;
-        const std::int32_t given = kind.number == 0 ? 0 : el(kind.number, e);
+        if (el(type.face_row, e) == 0) continue;
+        const std::int32_t given = type.number_row == 0 ? 0 : el(type.number_row, e);
         largest = std::max(largest, given);
         previous = given != 0 ? given : previous + 1;
         family.numbers.push_back(previous);
-        family.nodes.push_back(panel_nodes(el.col(e), kind));
+        family.nodes.push_back(panel_nodes(el.col(e), type));
     }
     family.wet = static_cast<int>(family.nodes.size());
     family.panels = largest > 0 ? largest : family.wet;
     return family;
+}
+
+/// The types that may be wet in the order of the panels: interface, min5s, min3s, which is that of
+/// the slots from the last to the first.
+std::vector<WetFamily> find_all_wet() {
+    std::vector<WetFamily> families;
+    for (const ElementRow& row : element_rows() | std::views::reverse)
+        if (row.table.face_row > 0) families.push_back(find_wet(row.table));
+    return families;
+}
+
+/// True when there is a table of quadrilaterals that may be wet; triangles come beside them.
+bool has_wet_table(std::span<const WetFamily> families) {
+    return std::ranges::any_of(
+        families, [](const WetFamily& f) { return f.type->nodes == 4 && wet_table(*f.type); });
+}
+
+void report_found(std::span<const WetFamily> families) {
+    std::string_view lead = "Found ";
+    write_both("()");
+    for (const WetFamily& family : families) {
+        write_both("(5x, a6, i5, a)", {lead, family.wet, family.type->found});
+        lead = {};
+    }
+    write_both("()");
 }
 
 /// True when the panel numbers of a type lie in its range and none is used twice.
@@ -97,11 +112,10 @@ void convert(std::span<const WetFamily> families, std::int32_t total) {
     create_int_scalar(hyd_num_panels, total);
     const auto panels = create_matrix<std::int32_t>(hyd_panel_el, 4, total);
     std::int32_t offset = 0;
-    for (std::size_t k = 0; k < families.size(); ++k) {
-        const WetFamily& family = families[k];
+    for (const WetFamily& family : families) {
         for (std::size_t i = 0; i < family.nodes.size(); ++i)
             std::ranges::copy(family.nodes[i], panels.col(family.numbers[i] + offset).begin());
-        if (family.wet > 0) write_both("(a)", {wet_kinds[k].report});
+        if (family.wet > 0) write_both("(a)", {family.type->converted});
         offset += family.panels;
     }
     finish_panels();
@@ -111,13 +125,10 @@ void cmd_hyd_convert_fea_mesh(std::string_view) {
     const NodeSet nodes = get_int(num_nodes) < 1 ? NodeSet{} : open_nodes(fe_nodes);
     if (!nodes || nodes.count < 1)
         return print_both(" \n\tConversion failed: FEA nodal data not found\n");
-    if (!wet_table(wet_kinds[0]) && !wet_table(wet_kinds[1]))
+    const auto families = find_all_wet();
+    if (!has_wet_table(families))
         return print_both(" \n\tConversion failed: FEA element data not found\n");
-    std::array<WetFamily, std::size(wet_kinds)> families;
-    std::ranges::transform(wet_kinds, families.begin(), find_wet);
-    write_both(
-        "10(/, 5x, 'Found ', i5, ' \"wet\" interface elements to convert to panels', /, 5x, '      ', i5, ' \"wet\" min5s elements to convert to panels ', /, 5x, '      ', i5, ' \"wet\" min3s elements to convert to panels', /)",
-        {families[0].wet, families[1].wet, families[2].wet});
+    report_found(families);
     std::int64_t total = 0;
     for (const WetFamily& family : families)
         total += family.panels;

@@ -11,6 +11,7 @@
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/dense_products.hpp"
 
 #include <algorithm>
 
@@ -58,26 +59,6 @@ void set_symmetry_codes(int symmetry, int nmode) {
 
 // --- transformations
 
-/// c := a b, column by column.
-void multiply(Matrix<const double> a, Matrix<const double> b, Matrix<double> c) {
-    std::ranges::fill(c.all(), 0.0);
-    for (int j = 1; j <= c.cols; ++j)
-        for (int k = 1; k <= a.cols; ++k)
-            for (int i = 1; i <= c.rows; ++i)
-                c(i, j) += a(i, k) * b(k, j);
-}
-
-/// c := a^T b.
-void multiply_transposed(Matrix<const double> a, Matrix<const double> b, Matrix<double> c) {
-    for (int j = 1; j <= c.cols; ++j)
-        for (int i = 1; i <= c.rows; ++i) {
-            double sum = 0.0;
-            for (int k = 1; k <= a.rows; ++k)
-                sum += a(k, i) * b(k, j);
-            c(i, j) = sum;
-        }
-}
-
 /// A := psi^T A psi, when the array exists. Its message has no leading point.
 void transform_matrix(std::string_view name, Matrix<const double> psi) {
     const ArrayRef ref = find_array(name);
@@ -87,8 +68,8 @@ void transform_matrix(std::string_view name, Matrix<const double> psi) {
         shutdown_with(" \n\t" + std::string(plain) + " must be (nmode,nmode)\n");
     const auto a = as_matrix<double>(ref);
     const Temporary<double> product(work, psi.rows, psi.cols);
-    multiply(a, psi, product.view);
-    multiply_transposed(psi, product.view, a);
+    mat_mult(a, psi, product.view, false);
+    mat_mult(psi, product.view, a, true);
     write_both("('    Transformed ', a)", {name});
 }
 
@@ -106,7 +87,7 @@ Matrix<double> mode_array(std::string_view name, int nmode, bool by_row) {
 void transform_columns(std::string_view name, Matrix<const double> psi) {
     const auto a = mode_array(name, psi.rows, false);
     const Temporary<double> product(work, a.rows, a.cols);
-    multiply(a, psi, product.view);
+    mat_mult(a, psi, product.view, false);
     std::ranges::copy(product.view.all(), a.data);
 }
 
@@ -114,7 +95,7 @@ void transform_columns(std::string_view name, Matrix<const double> psi) {
 void transform_rows(std::string_view name, Matrix<const double> psi) {
     const auto a = mode_array(name, psi.rows, true);
     const Temporary<double> product(work, a.rows, a.cols);
-    multiply_transposed(psi, a, product.view);
+    mat_mult(psi, a, product.view, true);
     std::ranges::copy(product.view.all(), a.data);
 }
 

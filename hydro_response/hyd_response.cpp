@@ -5,6 +5,7 @@
 #include "hydro_response/hyd_response.hpp"
 
 #include "hydro_analysis/csolve.hpp"
+#include "hydro_analysis/hyd_anal_main.hpp"
 #include "hydro_analysis/hyd_reports.hpp"
 #include "hydro_model/frequency_results.hpp"
 #include "hydro_model/hyd_input.hpp"
@@ -14,6 +15,7 @@
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/finite.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -39,10 +41,7 @@ void summary(const HydSize& size, bool symmetrize, std::span<const double> freq,
     write_both("(2x, 'Structural hysteretic damping (%), hdamp............', 0pf10.2,/)",
                {100 * require_real(hyd_hysdamp)});
     write_wave_lists(size, 1, freq, beta);
-    if (symmetrize)
-        write_both("(/, 'Added mass and hydrodynamic damping will be symmetrized.', /)");
-    else
-        write_both("(/, 'Added mass and hydrodynamic damping will not be symmetrized.', /)");
+    write_symmetrize_line(symmetrize);
 }
 
 /// Index of the largest modulus; the first of equals.
@@ -118,7 +117,25 @@ template <class T> Array3<const T> require_array3(std::string_view name, int n1,
     return as_array3<const T>(require_array(name, type_code<T>, {n1, n2, n3}));
 }
 
+/// False after a message, where the structure's mass, damping or stiffness holds other than
+/// numbers.
+bool check_finite_structure() {
+    for (const auto name : {hyd_mstr, hyd_cstr, hyd_kstr}) {
+        const ArrayRef ref = find_array(name);
+        if (!ref.is(type_real)) continue;
+        const auto values = as_span<const double>(ref);
+        const std::size_t at = first_not_finite(values), rows = as_size(ref.rows());
+        if (at == values.size()) continue;
+        print_both(" \n\t" + std::string(name) + "(" + std::to_string(at % rows + 1) + "," +
+                   std::to_string(at / rows + 1) +
+                   ") is not a finite number; define the matrix again\n");
+        return false;
+    }
+    return true;
+}
+
 void cmd_hyd_analysis_response(std::string_view) {
+    if (!check_finite_structure()) return;
     ResponseLoop loop{};
     loop.options = hyd_response_options();
     open_cor_file();
@@ -189,6 +206,13 @@ constexpr Command rows[] = {
 
 } // namespace
 
+bool hyd_check_green_function() {
+    if (!array_exists(grnfun)) create_int_scalar(grnfun, 0);
+    if (get_int(grnfun) == 0) return true;
+    print_both(" \n\t\tThis command is not implemented for this Green function\n");
+    return false;
+}
+
 ResponseOptions hyd_response_options() {
     ResponseOptions o;
     std::string text;
@@ -202,6 +226,13 @@ ResponseOptions hyd_response_options() {
 void open_cor_file() {
     fortopen_ext(unit_cor, ".cor", "UNKNOWN", "FORMATTED");
     write_unit(unit_cor, "(10x,8('*'),' GENERALIZED COORDINATES ', 2x, 8('*'))");
+}
+
+void write_symmetrize_line(bool symmetrize) {
+    if (symmetrize)
+        write_both("(/, 'Added mass and hydrodynamic damping will be symmetrized.', /)");
+    else
+        write_both("(/, 'Added mass and hydrodynamic damping will not be symmetrized.', /)");
 }
 
 void hyd_response_arrays(int nfreq, int nbeta, int nmode) {

@@ -15,6 +15,10 @@ namespace quelor {
 inline constexpr std::string_view hyd_dynk = ".hyd_dynk";
 inline constexpr std::string_view hyd_rhs = ".hyd_rhs";
 
+/// False, after a message, when `.grnfun` selects a Green function other than 0; absent, it becomes
+/// 0.
+bool hyd_check_green_function();
+
 struct ResponseOptions {
     bool residual = false, symmetrize = false, eq = false;
 };
@@ -22,6 +26,9 @@ ResponseOptions hyd_response_options();
 
 inline constexpr int unit_cor = 90;
 void open_cor_file();
+
+/// Whether the coefficients are symmetrised, as the summaries say it.
+void write_symmetrize_line(bool symmetrize);
 
 /// Deletes and creates `.hyd_dynk`, `.hyd_rhs` and `.hyd_gencor` (nmode,nfreq,nbeta).
 void hyd_response_arrays(int nfreq, int nbeta, int nmode);

@@ -70,16 +70,6 @@ std::span<const double> find_list(std::string_view name, int n) {
     return {};
 }
 
-bool open_tf_file() {
-    std::string extension, file;
-    get_char_par(" ext=", extension, 128);
-    get_char_par(" file=", file, 128);
-    if (!is_blank(extension))
-        return fortopen_ext(unit_tf, "." + extension, "UNKNOWN", "FORMATTED") == 0;
-    if (!is_blank(file)) return fortopen_name(unit_tf, file, "UNKNOWN", "FORMATTED") == 0;
-    return fortopen_ext(unit_tf, ".tf", "UNKNOWN", "FORMATTED") == 0;
-}
-
 void write_title(const TableOptions& options) {
     if (options.rao)
         write_unit(unit_tf, "(1x, 8('*'), ' TRANSFER FUNCTIONS: RAOs ONLY ', 8('*'))");
@@ -144,7 +134,7 @@ void cmd_hyd_tf(std::string_view) {
     const auto tf = result.array3<Complex8>(gencor.n2, gencor.n3, modemat.rows);
     transfer_functions(modemat, gencor, tf);
     result.place();
-    if (!open_tf_file()) return;
+    if (open_table_file(unit_tf, ".tf") != TableFile::opened) return;
     write_title(options);
     write_tables(options, abscissa, beta, {tf.data, tf.n1, tf.n2, tf.n3});
     close_unit(unit_tf);
@@ -184,6 +174,22 @@ void transfer_functions(Matrix<const double> modemat, Array3<const Complex8> gen
                     sum += modemat(c, m) * gencor(m, f, b);
                 tf(f, b, c) = sum;
             }
+}
+
+TableFile open_table_file(int unit, std::string_view default_extension) {
+    std::string extension, file;
+    get_char_par(" ext=", extension, 128);
+    get_char_par(" file=", file, 128);
+    int status = 0;
+    if (!is_blank(extension))
+        status = fortopen_ext(unit, "." + extension, "UNKNOWN", "FORMATTED");
+    else if (!is_blank(file))
+        status = fortopen_name(unit, file, "UNKNOWN", "FORMATTED");
+    else if (!default_extension.empty())
+        status = fortopen_ext(unit, default_extension, "UNKNOWN", "FORMATTED");
+    else
+        return TableFile::not_named;
+    return status == 0 ? TableFile::opened : TableFile::failed;
 }
 
 std::span<const Command> hyd_tf_rows() {

@@ -15,6 +15,12 @@ inline constexpr std::string_view hyd_tf = "hyd_tf";
 void transfer_functions(Matrix<const double> modemat, Array3<const Complex8> gencor,
                         Array3<Complex8> tf);
 
+enum class TableFile { opened, failed, not_named };
+/// Opens the text file of a table of results: " ext=" names its extension behind the project's
+/// name, or else " file=" the file, or else the default does, if there is one. A failure is
+/// reported.
+TableFile open_table_file(int unit, std::string_view default_extension = {});
+
 std::span<const Command> hyd_tf_rows();
 
 } // namespace quelor

@@ -404,7 +404,9 @@ constexpr Command loop_row[] = {
          "Repeats the block with arg1 going from f to l by steps of s. arg1 is an integer or a "
          "real scalar, and is created as an integer if it does not exist; it stays after the "
          "loop. f and l are 0 and s is 1 by default. With a negative step the loop counts down. "
-         "The limit and the step may be given as ~name, and are looked up before each pass.\n\n"
+         "The limit and the step may be given as ~name, and are looked up before each pass. A loop "
+         "whose step does not change arg1, as s=0.5 does not change an integer, is not run unless a "
+         "break_loop stands in its block.\n\n"
          "The rules of the command while hold for do as well.\n\n"
          "Example\n\tdo i f=1 l=9 s=2\n\tprinti i\n\tend_do\n\n"
          "See Also\n\tend_do, while, break_loop\n"},

@@ -53,11 +53,6 @@ void write_text(int unit, std::string_view text);
 /// flush_unit.
 bool unit_has_failed(int unit);
 
-// --- formatted reading ---------------------------------------------------------------------------
-
-/// Next line without its end; false at end of file.
-bool read_line(int unit, std::string& line);
-
 // --- sequential records (32-bit length, bytes, length) -------------------------------------------
 
 template <class T> inline constexpr bool is_record_item = std::is_arithmetic_v<T>;
@@ -91,7 +86,7 @@ private:
 };
 /// Next record's bytes; false at end of file or when the counts do not agree.
 bool read_record_bytes(int unit, std::vector<char>& record);
-/// Before the last record (or line, in a formatted file); false at the beginning.
+/// Before the last record; false at the beginning.
 bool backspace_record(int unit);
 
 // --- streams -------------------------------------------------------------------------------------

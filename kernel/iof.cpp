@@ -117,7 +117,6 @@ void trim_end(std::string& text) {
 /// end of input.
 bool take_console_line(std::string_view prompt, LineKind kind, std::size_t limit,
                        std::string& line) {
-    flush_unit(unit_output);
     const EditedLine edited = edit_line(prompt, kind, line);
     obey_end_signal();
     if (edited == EditedLine::no_terminal) {

@@ -45,8 +45,8 @@ ProjectState& state() {
 }
 
 bool same_file(int one, int other) {
-    struct stat a {
-    }, b{};
+    struct stat a {};
+    struct stat b {};
     return fstat(one, &a) == 0 && fstat(other, &b) == 0 && a.st_dev == b.st_dev &&
            a.st_ino == b.st_ino;
 }

@@ -42,12 +42,12 @@ double cpu_seconds(); ///< since the start of the program
 
 /// Prints the program's title on a unit.
 void print_banner(int unit);
-inline constexpr std::string_view system_version = "24.0";
 
 /// Writes the database to "<name>.db"; false when the file could not be written whole, is
 /// write-protected or is none (a folder, a pipe). The earlier file stays when the new one fails.
 bool db_save(std::string_view name);
-/// Saves to "<name>.db" and says how it went: `save`, `savequit` and the fatal path.
+/// Saves to "<name>.db" and says how it went, as its answer does: `save`, `savequit` and the fatal
+/// path.
 bool save_database(std::string_view name);
 /// Adds the arrays of "<name>.db"; false when it cannot be opened or is damaged.
 bool db_read(std::string_view name);

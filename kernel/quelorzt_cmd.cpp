@@ -8,8 +8,13 @@
 #include "hydro_model/hyd_nodes.hpp"
 #include "hydro_model/hyd_panel.hpp"
 #include "hydro_model/hyd_surf_nodes.hpp"
+#include "hydro_response/hyd_energyloss.hpp"
+#include "hydro_response/hyd_irregular.hpp"
+#include "hydro_response/hyd_mooring.hpp"
 #include "hydro_response/hyd_response.hpp"
 #include "hydro_response/hyd_tf.hpp"
+#include "hydro_response/hyd_wave_spectra.hpp"
+#include "hydro_response/hyd_wet.hpp"
 #include "kernel/command.hpp"
 
 namespace quelor {
@@ -31,6 +36,11 @@ static constexpr std::initializer_list<Family> families = {
     hyd_analysis_rows,
     hyd_response_rows,
     hyd_tf_rows,
+    hyd_wave_spectra_rows,
+    hyd_irregular_rows,
+    hyd_wet_rows,
+    hyd_energy_rows,
+    hyd_mooring_rows,
 };
 
 /// Words whose commands are not built yet, by family.
@@ -39,13 +49,9 @@ static constexpr std::string_view planned[] = {
     "hyd_analysis_response_P", "hyd_postresponse_P",
     "hyd_analysis_response_drag",
     "hyd_postresponse", "hyd_modal_pressure",
-    "hyd_wave_spectra", "phyd_wave_spectra", "hyd_irregular",
-    "hyd_wet",
-    "hyd_energy",
     "hyd_surf_elevation",
     "hyd_velocity_nodes", "hyd_velocity_node_gen", "phyd_velocity_nodes", "hyd_velocity_node_tolerance",
     "hyd_velocity", "phyd_velocity",
-    "hyd_mooring_stiffness", "phyd_mooring_stiffness", "hyd_assign_mooring",
     "hyd_export_graphics", "hyd_export_graphics_th",
 };
 // clang-format on

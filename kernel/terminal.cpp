@@ -260,6 +260,7 @@ EditedLine edit_line(std::string_view prompt, LineKind kind, std::string& line) 
     const auto last_line = prompt.rfind('\n') + 1;
     write_text(unit_screen, prompt.substr(0, last_line));
     flush_unit(unit_screen);
+    flush_unit(unit_output);
     state().prompt = prompt.substr(last_line);
     state().kind = kind;
     el_set(state().editor, EL_HIST, history,

@@ -152,6 +152,7 @@ constexpr Command project_row[] = {
          "Clears the database and starts a project; its name is asked for. The database of the "
          "project before is not saved. The lines that are typed are added to the file "
          "\"name.log\", and the output goes to the file \"name.out\", which is written over.\n\n"
+         "A project is open in one session at a time; another one is asked for a new name.\n\n"
          "In a batch file the next line is the project name.\n\n"
          "Example\n\tnew_project\n\tbarge\n\n"
          "See Also\n\tname?, save, clear\n"},

@@ -87,11 +87,6 @@ char* create_string_array(std::string_view text, std::string_view name) {
     return data;
 }
 
-std::string_view string_of(const ArrayRef& ref) {
-    const auto chars = as_matrix<const char>(ref).all();
-    return up_to_nul({chars.data(), chars.size()});
-}
-
 Shape rc_to_dims(int r, int c) {
     if (r > 0 && c > 0) return {2, r, c};
     if (r == 0 && c > 0) return {2, 1, c};

@@ -8,12 +8,13 @@
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/help_print.hpp"
-#include "kernel/utilities.hpp"
+#include "matrix/algebra.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <string>
+#include <type_traits>
 
 namespace quelor {
 
@@ -38,14 +39,6 @@ struct BlockLayout {
     int columns = 0;
     std::string heading{}, numbered{}, unnumbered{};
     bool star_in_items = true;
-};
-
-/// One table of an array: its elements begin `offset` elements into the data.
-struct Table {
-    std::int32_t type;
-    const void* data;
-    std::ptrdiff_t offset;
-    int rows, cols;
 };
 
 /// Lines of one command on its units, the screen first, with the stops after each page.
@@ -90,39 +83,33 @@ std::string repeated(int n, std::string_view edit) {
     return n > 0 ? std::to_string(n).append(edit) : std::string();
 }
 
-void add_complex(FormatItems& items, Complex8 z, bool phase) {
-    if (!phase) {
+void add_value(FormatItems& items, std::int32_t value, const PrintRequest&) {
+    items.add(value);
+}
+void add_value(FormatItems& items, double value, const PrintRequest& request) {
+    if (request.reals_as_whole)
+        items.add(nearest_int(value));
+    else
+        items.add(value);
+}
+void add_value(FormatItems& items, Complex8 z, const PrintRequest& request) {
+    if (!request.phase) {
         items.add(z);
         return;
     }
     const double degrees = 180 / std::numbers::pi;
     items.add(complex_modulus(z)).add(std::atan2(z.imag(), z.real()) * degrees);
 }
+void add_value(FormatItems& items, const char& c, const PrintRequest&) {
+    items.add(std::string_view(&c, 1));
+}
 
 /// Elements first to last of a row.
-void add_row(FormatItems& items, const Table& table, int row, int first, int last,
+template <class T>
+void add_row(FormatItems& items, Matrix<const T> table, int row, int first, int last,
              const PrintRequest& request) {
-    for (int j = first; j <= last; ++j) {
-        const std::ptrdiff_t at = table.offset + row - 1 + std::ptrdiff_t{j - 1} * table.rows;
-        switch (table.type) {
-        case type_integer:
-            items.add(static_cast<const std::int32_t*>(table.data)[at]);
-            break;
-        case type_real: {
-            const double x = static_cast<const double*>(table.data)[at];
-            if (request.reals_as_whole)
-                items.add(nearest_int(x));
-            else
-                items.add(x);
-            break;
-        }
-        case type_complex8:
-            add_complex(items, static_cast<const Complex8*>(table.data)[at], request.phase);
-            break;
-        default:
-            items.add(std::string_view(static_cast<const char*>(table.data) + at, 1));
-        }
-    }
+    for (int j = first; j <= last; ++j)
+        add_value(items, table(row, j), request);
 }
 
 void write_heading(Listing& out, const BlockLayout& layout, int first, int last) {
@@ -136,7 +123,8 @@ void write_heading(Listing& out, const BlockLayout& layout, int first, int last)
     out.write("()");
 }
 
-void write_row(Listing& out, const BlockLayout& layout, const Table& table, int row, int first,
+template <class T>
+void write_row(Listing& out, const BlockLayout& layout, Matrix<const T> table, int row, int first,
                int last, const PrintRequest& request) {
     const bool numbered = row == request.first_row || row % request.row_step == 0;
     FormatItems items;
@@ -150,7 +138,8 @@ void write_row(Listing& out, const BlockLayout& layout, const Table& table, int 
 }
 
 /// All blocks of one table.
-void write_blocks(Listing& out, const BlockLayout& layout, const Table& table,
+template <class T>
+void write_blocks(Listing& out, const BlockLayout& layout, Matrix<const T> table,
                   const PrintRequest& request) {
     for (int first = request.first_col; first <= table.cols; first += layout.columns) {
         const int last = first + std::min(layout.columns - 1, table.cols - first);
@@ -163,7 +152,8 @@ void write_blocks(Listing& out, const BlockLayout& layout, const Table& table,
 }
 
 /// Rows in the format of the user, without headings.
-void write_rows_in_form(Listing& out, const Table& table, const PrintRequest& request) {
+template <class T>
+void write_rows_in_form(Listing& out, Matrix<const T> table, const PrintRequest& request) {
     for (int row = request.first_row; row <= table.rows && !out.ended(); ++row) {
         FormatItems items;
         add_row(items, table, row, request.first_col, table.cols, request);
@@ -172,12 +162,11 @@ void write_rows_in_form(Listing& out, const Table& table, const PrintRequest& re
 }
 
 /// A row of the array to a line; the NULs that end texts are not shown.
-void write_characters(Listing& out, const Table& table, const PrintRequest& request) {
+void write_characters(Listing& out, Matrix<const char> table, const PrintRequest& request) {
     for (int row = request.first_row; row <= table.rows && !out.ended(); ++row) {
         std::string text;
         for (int j = request.first_col; j <= table.cols; ++j)
-            text += static_cast<const char*>(
-                table.data)[table.offset + row - 1 + std::ptrdiff_t{j - 1} * table.rows];
+            text += table(row, j);
         text.resize(text.find_last_not_of('\0') + 1);
         std::replace(text.begin(), text.end(), '\0', ' ');
         FormatItems items;
@@ -222,33 +211,34 @@ BlockLayout xprint_layout(std::int32_t type, int cols) {
             "70(i5, 3x, 1p5e24.15)", "60(4x, '*', 3x, 1p5e24.15)", false};
 }
 
-bool is_numeric(const ArrayRef& array) {
-    return array.is(type_integer) || array.is(type_real) || array.is(type_complex8);
-}
-
-void print_table(Listing& out, const Table& table, const PrintRequest& request) {
+template <class T>
+void print_table(Listing& out, Matrix<const T> table, const PrintRequest& request) {
     if (!request.form.empty()) return write_rows_in_form(out, table, request);
-    if (table.type == type_character) return write_characters(out, table, request);
-    write_blocks(out, print_layout(table.type, request, table.cols), table, request);
+    if constexpr (std::is_same_v<T, char>)
+        write_characters(out, table, request);
+    else
+        write_blocks(out, print_layout(type_code<T>, request, table.cols), table, request);
 }
 
-/// Number of tables: one for a matrix, and "for dimensions greater than 4, only the first".
-int table_count(const ArrayRef& array) {
-    return array.ndim() == 3 || array.ndim() == 4 ? array.dim(3) * array.dim(4) : 1;
-}
-
-void print_array(const ArrayRef& array, const PrintRequest& request) {
-    const int tables = table_count(array);
-    const int first = request.table > 0 ? request.table : 1;
-    const int last = request.table > 0 ? request.table : tables;
+template <class T> void print_tables(const ArrayRef& array, const PrintRequest& request) {
+    const std::int64_t first = request.table > 0 ? request.table : 1;
+    const std::int64_t last = request.table > 0 ? request.table : table_count(array);
+    const std::int64_t size = std::int64_t{array.rows()} * array.cols();
     Listing out(request.file_only ? std::span<const int>(output_only) : both_units,
                 request.file_only ? 0 : request.lines);
-    for (int table = first; table <= last && !out.ended(); ++table) {
+    for (std::int64_t table = first; table <= last && !out.ended(); ++table) {
         if (array.ndim() > 2 && request.form.empty()) out.write("10(/, 15x, 'Table', i6)", {table});
-        const std::ptrdiff_t size = std::ptrdiff_t{array.rows()} * array.cols();
-        print_table(out, {array.type, array.data, (table - 1) * size, array.rows(), array.cols()},
-                    request);
+        print_table<T>(
+            out,
+            {static_cast<const T*>(array.data) + (table - 1) * size, array.rows(), array.cols()},
+            request);
     }
+}
+
+/// Calls f(std::type_identity<T>) with the element type T of an array that can be printed.
+template <class F> void with_printed_type(const ArrayRef& array, F f) {
+    if (array.is(type_character)) return f(std::type_identity<char>{});
+    with_type(array.type, f);
 }
 
 PrintRequest read_print_request(bool fixed) {
@@ -286,7 +276,8 @@ void print_command(bool fixed) {
         return print_both(" \n\tThe array has no such row or column\n");
     if (request.table < 0 || request.table > table_count(array))
         return print_both(" \n\tThe array has no such table\n");
-    print_array(array, request);
+    with_printed_type(array,
+                      [&]<class T>(std::type_identity<T>) { print_tables<T>(array, request); });
 }
 
 void cmd_print(std::string_view) {
@@ -308,7 +299,10 @@ void cmd_printi(std::string_view) {
     get_int_par(" row#=", request.row_step);
     if (request.row_step < 1) request.row_step = 5;
     Listing out(both_units, 0);
-    print_table(out, {array.type, array.data, 0, array.rows(), array.cols()}, request);
+    if (array.is(type_real))
+        print_table(out, as_matrix<const double>(array), request);
+    else
+        print_table(out, as_matrix<const std::int32_t>(array), request);
 }
 
 void cmd_xprint(std::string_view) {
@@ -321,8 +315,10 @@ void cmd_xprint(std::string_view) {
     get_int_par(" row#=", request.row_step);
     if (request.row_step < 1) request.row_step = 5;
     Listing out(both_units, 0);
-    write_blocks(out, xprint_layout(array.type, request.cols),
-                 {array.type, array.data, 0, array.rows(), array.cols()}, request);
+    with_type(array.type, [&]<class T>(std::type_identity<T>) {
+        write_blocks(out, xprint_layout(array.type, request.cols), as_matrix<const T>(array),
+                     request);
+    });
 }
 
 constexpr std::string_view print_help =
@@ -385,9 +381,13 @@ constexpr Command rows[] = {
 
 } // namespace
 
+std::int64_t table_count(const ArrayRef& array) {
+    return array.ndim() == 3 || array.ndim() == 4 ? std::int64_t{array.dim(3)} * array.dim(4) : 1;
+}
+
 void write_matrix(int unit, Matrix<const double> matrix) {
     Listing out({&unit, 1}, 0);
-    print_table(out, {type_real, matrix.data, 0, matrix.rows, matrix.cols}, {});
+    print_table(out, matrix, {});
 }
 
 std::span<const Command> print_rows() {

@@ -3,13 +3,16 @@
 #pragma once
 
 #include "kernel/command.hpp"
-#include "numeric/types.hpp"
+#include "kernel/dbfgen.hpp"
 
 namespace quelor {
 
 /// The matrix as `print` shows it: 6 columns in a block, in e12.4, every fifth row numbered, a
 /// blank line behind each block.
 void write_matrix(int unit, Matrix<const double> matrix);
+
+/// Tables that an array is printed in: one for a matrix and for more than four dimensions.
+std::int64_t table_count(const ArrayRef& array);
 
 std::span<const Command> print_rows();
 

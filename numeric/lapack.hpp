@@ -28,6 +28,14 @@ void zgetrs_(const char* trans, const std::int32_t* n, const std::int32_t* nrhs,
              std::complex<double>* b, const std::int32_t* ldb, std::int32_t* info,
              std::size_t trans_length);
 
+// Eigenvalues w, ascending, and with jobz = "V" vectors in the columns of a, of a x = w b x for
+// itype = 1, a symmetric, b positive definite; a and b are overwritten. info > n: b is not
+// definite. lwork = -1 asks for the best length of work, which is put into work[0].
+void dsygv_(const std::int32_t* itype, const char* jobz, const char* uplo, const std::int32_t* n,
+            double* a, const std::int32_t* lda, double* b, const std::int32_t* ldb, double* w,
+            double* work, const std::int32_t* lwork, std::int32_t* info, std::size_t jobz_length,
+            std::size_t uplo_length);
+
 // c := alpha op(a) op(b) + beta c, op(a) of m by k, op(b) of k by n.
 void dgemm_(const char* transa, const char* transb, const std::int32_t* m, const std::int32_t* n,
             const std::int32_t* k, const double* alpha, const double* a, const std::int32_t* lda,

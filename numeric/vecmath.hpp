@@ -123,49 +123,4 @@ QUELOR_INLINE SinCos vec_sincos(double x) {
             bits_to_double(((cosine & ~odd) | (sine & odd)) ^ cosine_sign)};
 }
 
-namespace vecmath {
-/// (atan(t)/t - 1)/t^2 in powers of t^2, |t| <= tan(pi/8): Chebyshev fit, largest error 4e-17.
-inline constexpr double atan_table[] = {
-    -0.3333333333333333016,   0.19999999999995520678,   -0.14285714284666542922,
-    0.11111111015256361727,   -0.090909045781239018905, 0.076921831908260865637,
-    -0.066645114473819480001, 0.058581489128022098816,  -0.050854497379402598613,
-    0.039231658295587191303,  -0.019176887119062258989};
-
-/// atan(numerator/denominator) for 0 <= numerator <= denominator > 0: above tan(pi/8) the angle is
-/// turned back by pi/4, with one division in all.
-QUELOR_INLINE double atan_first_octant(double numerator, double denominator) {
-    constexpr double tan_pi_8 = 0.41421356237309503;
-    const bool turned = numerator > tan_pi_8 * denominator;
-    const double top = turned ? numerator - denominator : numerator;
-    const double bottom = turned ? numerator + denominator : denominator;
-    const double t = top / bottom, z = t * t;
-    const double angle = t + t * z * horner(atan_table, z);
-    return turned ? std::numbers::pi / 4 + angle : angle;
-}
-} // namespace vecmath
-
-/// atan(x). Relative error below 1e-15; +-pi/2 at +-infinity, NaN for NaN.
-QUELOR_INLINE double vec_atan(double x) {
-    using namespace vecmath;
-    const double a = x < 0.0 ? -x : x;
-    const bool large = a > 1.0;
-    const double bounded = a > 1e300 ? 1e300 : a; // infinity / infinity is never formed
-    const double angle = atan_first_octant(large ? 1.0 : bounded, large ? bounded : 1.0);
-    const double positive = large ? std::numbers::pi / 2 - angle : angle;
-    return x < 0.0 ? -positive : positive;
-}
-
-/// The angle of (x, y) in (-pi, pi]. Relative error below 1e-15; 0 for (0, 0); a zero y counts as
-/// +0 whatever its sign. |x| and |y| below 1e300.
-QUELOR_INLINE double vec_atan2(double y, double x) {
-    using namespace vecmath;
-    const double ax = x < 0.0 ? -x : x, ay = y < 0.0 ? -y : y;
-    const bool steep = ay > ax;
-    const double top = steep ? ax : ay, bottom = steep ? ay : ax;
-    const double angle = atan_first_octant(top, bottom == 0.0 ? 1.0 : bottom);
-    const double quarter = steep ? std::numbers::pi / 2 - angle : angle;
-    const double half = x < 0.0 ? std::numbers::pi - quarter : quarter;
-    return y < 0.0 ? -half : half;
-}
-
 } // namespace quelor

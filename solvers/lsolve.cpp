@@ -1,6 +1,6 @@
 // The linear solution K U = F for all load cases. Reads `.kdiag_loc`, `.disp_inp`, `load_comb`,
 // `.node_eqs`; writes `.disp`, `.k_status`, `.analysis_type`; `.kstr` ends factored, and imposed
-// displacements change `.load_pat`; `$tmp1`, `$tmp2` while it works.
+// displacements change `.load_pat`; `$tmp1`, `$tmp2`, `$lsolve` while it works.
 #include "solvers/lsolve.hpp"
 
 #include "fem/eqns.hpp"
@@ -12,10 +12,12 @@
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
+#include "numeric/finite.hpp"
 #include "solvers/matrix.hpp"
 
 #include <algorithm>
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace quelor {
@@ -143,20 +145,19 @@ Loads find_loads() {
     return {as_matrix<double>(patterns), as_matrix<const double>(factors)};
 }
 
-/// The right sides of the cases into `.disp`.
-Matrix<double> create_cases(const Loads& loads) {
-    const int n = loads.patterns.rows;
-    const auto u =
-        create_matrix<double>(disp, n, loads.factors ? loads.factors.cols : loads.patterns.cols);
+int case_count(const Loads& loads) {
+    return loads.factors ? loads.factors.cols : loads.patterns.cols;
+}
+/// The right sides of the cases, u zero on entry.
+void fill_cases(const Loads& loads, Matrix<double> u) {
     if (!loads.factors) {
         std::ranges::copy(loads.patterns.all(), u.data);
-        return u;
+        return;
     }
     for (int c = 1; c <= u.cols; ++c)
         for (int p = 1; p <= loads.patterns.cols; ++p)
-            for (int e = 1; e <= n; ++e)
+            for (int e = 1; e <= u.rows; ++e)
                 u(e, c) += loads.patterns(e, p) * loads.factors(p, c);
-    return u;
 }
 
 /// Says so when `.kstr` is not what the user says it is; it is used all the same.
@@ -188,12 +189,37 @@ bool factor(int digits) {
     return true;
 }
 
-void solve(Matrix<double> u, int digits) {
+/// The first equation whose solution is not finite in some case, from 0; their number when all are.
+std::size_t first_unsolved(Matrix<const double> u) {
+    std::size_t first = as_size(u.rows);
+    for (int c = 1; c <= u.cols; ++c)
+        first = std::min(first, first_not_finite(u.col(c)));
+    return first;
+}
+
+void report_zero_stiffness(int equation) {
+    std::string text = " \n\tZero stiffness in equation " + std::to_string(equation);
+    const ArrayRef ref = find_array(node_eqs);
+    if (!ref.is(type_integer)) return print_both(text + "\n");
+    const auto eqs = as_matrix<const std::int32_t>(ref);
+    const auto at = std::ranges::find(eqs.all(), equation) - eqs.all().begin();
+    if (at < std::ssize(eqs.all()))
+        text += ", node " + std::to_string(at / eqs.rows + 1) + ", degree of freedom " +
+                std::to_string(at % eqs.rows + 1);
+    print_both(text + "\n");
+}
+
+/// False after a message. The factorisation does not test its first equation.
+bool solve(Matrix<double> u, int digits) {
     write_both("30(15x, 'Solve for displacements')");
     const double start = cpu_seconds();
-    if (!profile_op(kstr, kdiag_loc, u, 1, digits)) return;
+    if (!profile_op(kstr, kdiag_loc, u, 1, digits)) return false;
+    const std::size_t unsolved = first_unsolved(u);
+    if (unsolved < as_size(u.rows))
+        return report_zero_stiffness(static_cast<int>(unsolved) + 1), false;
     write_both("35(20x, 'Time to solve (sec)......................', f11.2,/)",
                {cpu_seconds() - start});
+    return true;
 }
 
 void cmd_lsolve(std::string_view) {
@@ -209,9 +235,11 @@ void cmd_lsolve(std::string_view) {
     check_status(options.k);
     if (options.k == 0) form_again();
     if (options.k < 2 && !impose_displacements(loads.patterns)) return;
-    const auto u = create_cases(loads);
+    Result result(disp, "$lsolve");
+    const auto u = result.matrix<double>(loads.patterns.rows, case_count(loads));
+    fill_cases(loads, u);
     if (options.k < 2 && !factor(options.digits)) return;
-    solve(u, options.digits);
+    if (solve(u, options.digits)) result.place();
 }
 
 constexpr Command rows[] = {

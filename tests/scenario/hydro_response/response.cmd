@@ -16,6 +16,9 @@ inputi im r=1 c=6
 1 2 3 4 5 6
 hyd_tf im
 dir hyd_tf two hyd_modemat
+zero z r=6 c=6
+invert z hyd_kstr
+hyd_analysis_response
 rm .hyd_gencor
 hyd_tf
 q

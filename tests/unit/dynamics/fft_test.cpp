@@ -94,7 +94,7 @@ template <class T> double error(const std::vector<T>& found, const std::vector<T
 }
 
 TEST_F(Fft, DefaultIsTheDefiningSumForAnyNumberOfRows) {
-    for (const std::size_t n : {1u, 2u, 3u, 4u, 5u, 7u, 16u, 97u, 100u, 420u, 529u, 1024u}) {
+    for (const std::size_t n : {1u, 2u, 3u, 4u, 5u, 6u, 7u, 16u, 97u, 100u, 529u, 1024u, 1026u}) {
         const Reals a = random_reals(2 * n);
         put("a", a, 2);
         EXPECT_EQ(run("fft a"), "");
@@ -111,24 +111,45 @@ TEST_F(Fft, DefaultIsTheDefiningSumForAnyNumberOfRows) {
     }
 }
 
+// Three coefficients by their sums, the others by Parseval's identity and by that of a delay:
+// a(j-1) has the coefficients A(k) exp(-2 pi i k/N).
 TEST_F(Fft, DefaultTransformsALargePrimeNumberOfRows) {
-    const Reals a = random_reals(100003);
-    put("a", a);
+    const Reals a = random_reals(999983);
+    Reals both = a;
+    both.push_back(a.back());
+    both.insert(both.end(), a.begin(), a.end() - 1);
+    put("a", both, 2);
     EXPECT_EQ(run("fft a -forward"), "");
-    const Reals found = elements<double>("a");
+    const auto found = as_matrix<const double>(find_array("a"));
+    const auto coefficient_of = [&](int column, std::size_t k) {
+        const int row = static_cast<int>(2 * k);
+        return k == 0 ? found(1, column) : Complex8(found(row, column), found(row + 1, column));
+    };
     const auto roots = roots_of_unity(a.size(), -1);
-    for (const std::size_t k : {1u, 777u, 50001u}) {
-        const Complex8 difference =
-            Complex8(found[2 * k - 1], found[2 * k]) - coefficient(a, roots, k);
-        EXPECT_LT(std::abs(difference), tolerance * norm(found));
+    const double size = norm(a) * std::sqrt(static_cast<double>(a.size()));
+    for (const std::size_t k : {1u, 777u, 499991u})
+        EXPECT_LT(std::abs(coefficient_of(1, k) - coefficient(a, roots, k)), tolerance * size) << k;
+    double power = 0, delayed = 0;
+    for (std::size_t k = 0; 2 * k < a.size(); ++k) {
+        const int times = k == 0 ? 1 : 2;
+        power += times * std::norm(coefficient_of(1, k));
+        delayed +=
+            times * std::norm(coefficient_of(2, k) - coefficient_of(1, k) * Complex8(roots[k]));
     }
+    EXPECT_NEAR(std::sqrt(power) / size, 1, tolerance);
+    EXPECT_LT(std::sqrt(delayed), tolerance * size);
 }
 
 TEST_F(Fft, WorkArrayOfTheUserIsReplaced) {
-    put("a", random_reals(6));
+    const Reals a = random_reals(6), expected = packed(defining_sum(a, -1));
     create_matrix<std::int32_t>(fft_wsave, 27, 0); // of the length that six rows take
-    EXPECT_EQ(run("fft a"), "");
-    EXPECT_EQ(elements<double>(fft_wsave).size(), 27u);
+    for (const bool real : {false, true}) {
+        if (real) create_matrix<double>(fft_wsave, 27, 0);
+        put("a", a);
+        EXPECT_EQ(run("fft a"), "");
+        EXPECT_EQ(elements<double>(fft_wsave).size(), 27u);
+        EXPECT_LT(error(elements<double>("a"), expected), tolerance);
+    }
 }
 
 TEST_F(Fft, FerzigerTransformsEachColumnOfAComplexArray) {

@@ -5,16 +5,12 @@
 #include "fem/eqns.hpp"
 #include "fem/formkm.hpp"
 #include "kernel/dbfgen.hpp"
+#include "numeric/lapack.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <random>
 #include <vector>
-
-extern "C" void dsygv_(const std::int32_t* itype, const char* jobz, const char* uplo,
-                       const std::int32_t* n, double* a, const std::int32_t* lda, double* b,
-                       const std::int32_t* ldb, double* w, double* work, const std::int32_t* lwork,
-                       std::int32_t* info, std::size_t, std::size_t);
 
 namespace quelor {
 
@@ -81,14 +77,17 @@ inline Owned random_definite(int n, std::mt19937& random, double shift) {
     return a;
 }
 
-/// Eigenvalues of K phi = lambda M phi by LAPACK, ascending.
-inline std::vector<double> lapack_eigenvalues(Owned k, Owned m) {
+/// Eigenvalues of K phi = lambda M phi by LAPACK, ascending; with jobz "V" the vectors replace k.
+inline std::vector<double> lapack_pencil(const char* jobz, Owned& k, Owned& m) {
     const std::int32_t type = 1, n = k.rows, size = 64 * n;
     std::int32_t info = 0;
     std::vector<double> lambda(static_cast<std::size_t>(n)), work(static_cast<std::size_t>(size));
-    dsygv_(&type, "N", "U", &n, k.data.data(), &n, m.data.data(), &n, lambda.data(), work.data(),
+    dsygv_(&type, jobz, "U", &n, k.data.data(), &n, m.data.data(), &n, lambda.data(), work.data(),
            &size, &info, 1, 1);
     return info == 0 ? lambda : std::vector<double>{};
+}
+inline std::vector<double> lapack_eigenvalues(Owned k, Owned m) {
+    return lapack_pencil("N", k, m);
 }
 
 /// Largest |phi^T M phi - I|.

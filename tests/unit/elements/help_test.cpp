@@ -27,15 +27,15 @@ std::string example_of(std::string_view help) {
 } // namespace
 
 TEST_F(Help, the_examples_of_the_structural_elements_work) {
-    for (const int slot : {1, 3, 4, 28, 29}) {
-        const ElementRow& element = element_rows()[static_cast<std::size_t>(slot - 1)];
+    for (const ElementRow& element : element_rows()) {
+        if (!element.routine || element.alias.starts_with("hyd_")) continue;
         db_clear();
-        script("nodes #=20\nn=1\nn=5 x=4 lgen=1\nn=6 z=1\nn=10 x=4 z=1 lgen=1\nn=11 z=2\n"
-               "n=15 x=4 z=2 lgen=1\n\nbcid\n\n");
+        script("nodes #=40\nn=1\nn=5 x=4 lgen=1\nn=6 y=1\nn=10 x=4 y=1 lgen=1\nn=11 y=2\n"
+               "n=15 x=4 y=2 lgen=1\n\nbcid\n\n");
         const std::string input = example_of(element.help), print = example_of(element.print_help);
         EXPECT_FALSE(input.empty() || print.empty()) << element.alias;
         EXPECT_EQ(script(input).find(" \n"), std::string::npos) << input;
-        EXPECT_NE(integer(elem_grp, slot), 0) << element.alias;
+        EXPECT_NE(integer(elem_grp, element.slot), 0) << element.alias;
         EXPECT_GT(script(print).size(), 100u) << print;
         EXPECT_NE(script("form_k\nform_m\n").find("Time to form M"), std::string::npos);
     }

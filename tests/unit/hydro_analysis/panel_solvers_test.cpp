@@ -131,6 +131,21 @@ TEST(IterativeSolver, meets_its_tolerance_and_skips_zero_columns) {
     EXPECT_EQ(solve2(a.view(), none.m, 1e-10, work, iterations), 0);
 }
 
+TEST(IterativeSolver, takes_a_matrix_in_single_precision_as_its_copy_in_double) {
+    constexpr int n = 60;
+    Dense<Complex4> a(n, n);
+    Dense<Complex8> wide(n, n), b(n, 2), x(n, 2);
+    fill_random(a, 20, 5);
+    std::ranges::copy(a.values, wide.values.begin());
+    fill_random(b, 0, 6);
+    x.values = b.values;
+    std::vector<Complex8> work(9 * n);
+    std::vector<std::int32_t> iterations(2);
+    EXPECT_EQ(solve2(a.view(), x.m, 1e-10, work, iterations), 0);
+    EXPECT_EQ(solve2(wide.view(), b.m, 1e-10, work, iterations), 0);
+    EXPECT_EQ(x.values, b.values);
+}
+
 // In exact arithmetic n iterations solve n equations, one when the matrix is diagonal.
 TEST(IterativeSolver, ends_within_n_iterations_or_fails) {
     Dense<Complex8> a(4, 4), b(4, 2);

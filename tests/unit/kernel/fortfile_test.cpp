@@ -147,7 +147,7 @@ TEST_F(Fortfile, DamagedRecordFilesEndTheReading) {
     }
 }
 
-TEST_F(Fortfile, StreamsAndLinesReadBackWhatWasWritten) {
+TEST_F(Fortfile, StreamsReadBackWhatWasWritten) {
     std::vector<double> values{1, 2, 3}, back(3);
     ASSERT_EQ(fortopen_ext(99, ".str", "NEW", "BINARY"), 0);
     stream_write(99, std::span(values));
@@ -155,18 +155,6 @@ TEST_F(Fortfile, StreamsAndLinesReadBackWhatWasWritten) {
     EXPECT_TRUE(stream_read(99, std::span(back)));
     EXPECT_EQ(back, values);
     EXPECT_FALSE(stream_read(99, std::span(back).first(1)));
-
-    ASSERT_EQ(fortopen_ext(98, ".txt", "NEW", "FORMATTED"), 0);
-    write_text(98, "one\r\n\nthree");
-    rewind_unit(98);
-    std::string line;
-    std::vector<std::string> lines;
-    while (read_line(98, line))
-        lines.push_back(line);
-    EXPECT_EQ(lines, (std::vector<std::string>{"one", "", "three"}));
-    ASSERT_TRUE(backspace_record(98));
-    ASSERT_TRUE(read_line(98, line));
-    EXPECT_EQ(line, "three");
 }
 
 } // namespace

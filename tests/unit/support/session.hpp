@@ -89,6 +89,13 @@ protected:
         dup2(STDERR_FILENO, STDOUT_FILENO);
         ASSERT_NE(std::freopen("/dev/null", "r", stdin), nullptr);
     }
+    /// Runs one command line in the child of a death test.
+    void run_detached(std::string_view line) {
+        detach();
+        set_record(line);
+        const std::string word = get_command_word();
+        find(word)->run(word);
+    }
 
     const Command* find(std::string_view word) const {
         for (const Rows& rows : families_)
