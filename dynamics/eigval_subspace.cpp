@@ -9,6 +9,7 @@
 #include "fem/nodes.hpp"
 #include "fem/rigid_modes.hpp"
 #include "kernel/fortfile.hpp"
+#include "kernel/process_state.hpp"
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
@@ -27,9 +28,11 @@ namespace {
 constexpr std::int64_t first_seed = 1;
 
 /// The last number of the random series, which goes on from run to run.
+struct RandomState {
+    std::int64_t x = first_seed;
+};
 std::int64_t& random_state() {
-    static std::int64_t x = first_seed;
-    return x;
+    return process_state<RandomState>().x;
 }
 
 void multiply_mass(const Pencil& pencil, Matrix<const double> x, Matrix<double> w) {

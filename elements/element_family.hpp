@@ -58,10 +58,10 @@ template <class T> Matrix<T> append_columns(std::string_view array, int rows, in
     const ArrayRef ref = find_array(array);
     const bool fits = ref.is(type_code<T>) && ref.ndim() <= 2 && ref.rows() == rows;
     const int present = fits ? ref.cols() : 0;
-    const std::string work = unused_name("$append");
-    const Matrix<T> wide = create_matrix<T>(work, rows, present + extra);
+    Result result(array, "$append");
+    const Matrix<T> wide = result.matrix<T>(rows, present + extra);
     if (fits) std::ranges::copy(as_span<T>(ref), wide.data);
-    move_array(work, array);
+    result.place();
     return wide;
 }
 

@@ -129,6 +129,7 @@ void run_analysis(const HydModel& model, const AnalysisOptions& options, int fir
         const WaveOfFrequency wave = wave_of_frequency(model, ifreq);
         twnk(ifreq, 2) = wave.k;
         analyse_frequency(analysis, wave);
+        checkpoint();
     }
     close_unit(unit_rad);
     close_unit(unit_dif);

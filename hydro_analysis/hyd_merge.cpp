@@ -80,15 +80,15 @@ int add_frequencies(std::span<const double> added, bool keep_potentials) {
     std::vector<double> values(added.begin(), added.end());
     std::ranges::sort(values);
     if (!ascending(old_freq, nold)) std::ranges::reverse(values);
-    const auto freq = create_matrix<double>("$freq", nfreq, 0);
-    const auto twnk = create_matrix<double>("$twnk", nfreq, 2);
+    Result new_freq(hyd_freq, "$freq"), new_twnk(hyd_twnk, "$twnk");
+    const auto freq = new_freq.matrix<double>(nfreq, 0), twnk = new_twnk.matrix<double>(nfreq, 2);
     for (int i = 1; i <= nfreq; ++i) {
         freq(i) = i <= nold ? old_freq[nth(i)] : values[nth(i - nold)];
         twnk(i, 1) = i <= nold ? old_twnk(i, 1) : 2 * std::numbers::pi / freq(i);
         twnk(i, 2) = i <= nold ? old_twnk(i, 2) : 0.0;
     }
-    move_array("$freq", hyd_freq);
-    move_array("$twnk", hyd_twnk);
+    new_freq.place();
+    new_twnk.place();
     wave[1] = nfreq;
     return nold + 1;
 }
