@@ -25,11 +25,9 @@ namespace {
 
 // --- starting vectors ----------------------------------------------------------------------------
 
-constexpr std::int64_t first_seed = 1;
-
 /// The last number of the random series, which goes on from run to run.
 struct RandomState {
-    std::int64_t x = first_seed;
+    std::int64_t x = 1;
 };
 std::int64_t& random_state() {
     return process_state<RandomState>().x;
@@ -258,10 +256,6 @@ void set_start_vectors(const EigvalOptions& options, const Pencil& pencil, Matri
 }
 
 } // namespace
-
-void reset_random_series() {
-    random_state() = first_seed;
-}
 
 bool iterate_subspace(const EigvalOptions& options, const Pencil& pencil, Matrix<double> x,
                       std::span<double> lambda) {

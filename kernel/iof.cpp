@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -62,6 +63,8 @@ std::size_t read_bytes(int descriptor, std::span<char> buffer) {
     flush_unit(unit_screen);
     flush_unit(unit_output);
     reading_from(descriptor);
+    pollfd ready{.fd = descriptor, .events = POLLIN, .revents = 0};
+    poll(&ready, 1, -1); // a pipe that nobody has opened for writing yet
     ssize_t got = 0;
     do
         got = read(descriptor, buffer.data(), buffer.size());
@@ -173,8 +176,9 @@ void restore_after_loop() {
 
 int open_input_file(std::string_view name, bool echo) {
     if (!has_room()) return 0;
-    const int descriptor = open(std::string(name).c_str(), O_RDONLY | O_CLOEXEC);
+    const int descriptor = open(std::string(name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) return 0;
+    fcntl(descriptor, F_SETFL, O_RDONLY); // the opening of a pipe does not wait, the reading does
     struct stat status {};
     if (fstat(descriptor, &status) != 0 || S_ISDIR(status.st_mode)) {
         close(descriptor);

@@ -7,6 +7,7 @@ saving, a second session on the same project, standard streams that are closed.
 Where memory is limited the sanitizers cannot run; those cases are left out then.
 """
 
+import atexit
 import os
 import pathlib
 import resource
@@ -52,12 +53,13 @@ class Session:
     def __init__(self, *lines, **options):
         options.setdefault("stdout", subprocess.DEVNULL)
         self.process = subprocess.Popen([PROGRAM], stdin=subprocess.PIPE, **options)
+        atexit.register(self.process.kill)
         self.project = lines[0]
         self.process.stdin.write("".join(line + "\n" for line in lines).encode())
         self.process.stdin.flush()
 
-    def has_printed(self, what):
-        path = pathlib.Path(self.project + ".out")
+    def has_printed(self, what, to=".out"):
+        path = pathlib.Path(self.project + to)
         wait_until(lambda: path.exists() and what in text(path), f"{what!r} in {path}")
         return self
 
@@ -115,11 +117,15 @@ def signals():
     for name, number, lines in (("idle", signal.SIGTERM, []),
                                 ("data", signal.SIGHUP, ["inputi c r=2 c=2", "1 2"]),
                                 ("loop", signal.SIGTERM, ["while a", "add a a b", "end_while"])):
-        session = Session(name, "seti a v=1", *lines).has_printed((lines or ["seti"])[0])
+        session = Session(name, "seti a v=1", *lines)
+        session.has_printed((lines or ["seti"])[-1], to=".log")
         assert session.end(number) == 128 + number, name
         assert f"\n    Database rescued in file {name}.rescue.db\n" in text(name + ".out")
         status, screen = run(["next", f"readdb {name}.rescue", "printi a", "q"])
         assert status == 0 and "    1        1\n" in screen, screen
+    os.mkfifo("pipe")
+    waiting = Session("pipe_read", "filein pipe").has_printed("filein")
+    assert waiting.end(signal.SIGTERM) == 128 + signal.SIGTERM
     assert Session("none").has_printed("* *\n").end(signal.SIGTERM) == 128 + signal.SIGTERM
     assert not os.path.exists("none.rescue.db")
     ignoring = Session("nohup", "seti a v=1", preexec_fn=lambda: signal.signal(signal.SIGHUP,
@@ -144,7 +150,7 @@ def between_frequencies():
 
 def two_sessions():
     os.mkdir("folder")
-    first = Session("p", "seti a v=1").has_printed("a v=1")
+    first = Session("p", "seti a v=1").has_printed("a v=1")  # waits for input
     in_use = "Project p is in use by another session; give another name\n"
     status, screen = run(["p"])
     assert status == 0 and screen.count(in_use) == 1 and screen.endswith("name: \n"), screen
