@@ -144,7 +144,7 @@ struct QuadShell {
 QuadShell quad_shell(const ShellModel& m, int e, InnerRotation rotation) {
     const auto vertices = vertices_of(m.el, m.x, e);
     QuadShell s{.points = {}, .quad = shell_quad(vertices), .triangles = {}, .motion = {}};
-    if (!s.quad.valid) shutdown_with(min4t_missing); // the nodes have been changed by hand
+    if (!s.quad.valid) refuse_flat_shell(min4t_kind, e);
     std::ranges::copy(vertices, s.points.begin());
     s.points[4] = s.quad.middle;
     for (std::size_t part = 0; part < parts; ++part)

@@ -332,6 +332,8 @@ std::string_view min5s_help() {
          "of nodes 1 and 2, inc2 of 3 and 4, inc3 of 5. Defaults are 0.\n\n"
          "gen_2d, inc_2d, inc_el\n\tNumber of further such sequences, the increments of nodes from one "
          "to the next, and that of the IDs (default gen+1).\n\n"
+         "Pressures must be given (nodal_pressure) when all nodes are there: after min5s and its "
+         "subdivision, for the nodes inside need them too.\n\n"
          "-subdivide\n\tReplaces the elements with IDs range=first,last by n by m elements each, n in the "
          "1-2 direction and m in the 1-4 direction. Nodes that are at the place are used, missing ones "
          "are added. The first part keeps the ID, the others take the numbers after the largest in use. A "

@@ -149,6 +149,7 @@ void form_stiffness_of(const PlateKind& kind) {
     for (int e = 1; e <= m.el.cols; ++e) {
         const ShellProperties& p = m.properties(e);
         const PlateNodes nodes = plate_nodes(m.el, m.x, e);
+        if (!plate6_is_possible(nodes)) refuse_flat_shell(kind.shell, e);
         const PlateParts parts = plate6_parts(nodes, section_of(nodes, p));
         PlateMatrix k = parts.bending;
         rlx(e) = plate6_relaxation(parts, p.c_s);
@@ -306,9 +307,10 @@ std::string_view min6_help() {
          "  [local=local]  [C_s=C_s]  [iso=iso]\n\t", plate_syntax,
          "Input of six-node triangular Mindlin plates in the X-Y plane, with quadratic deflection and "
          "rotations.\n\n",
-         shell_materials_text, plate_local_text, shell_c_s_text, shell_n_text, plate_nodes_text,
-         shell_mat_text, shell_q_text, shell_generation_text, plate_end_text,
-         "See Also\n\tpmin6\n\tisomin6\n\tmin3s\n"},
+         shell_materials_text, plate_local_text, shell_c_s_text,
+         "On coarse meshes thin plates are too stiff without it: C_s=0.3 is then better.\n\n",
+         shell_n_text, plate_nodes_text, shell_mat_text, shell_q_text, shell_generation_text,
+         plate_end_text, "See Also\n\tpmin6\n\tisomin6\n\tmin3s\n"},
         "min6", "0");
     return text;
 }

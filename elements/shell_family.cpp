@@ -146,6 +146,11 @@ void end_of_shell_check(bool good) {
     if (!good) shutdown_with(" \nSave database and quit\n");
 }
 
+void refuse_flat_shell(const ShellKind& kind, int e) {
+    name_flat_shell(kind, e);
+    shutdown_with(" \nSave database and quit\n");
+}
+
 // --- model --------------------------------------------------------------------------------------
 
 Matrix<const std::int32_t> open_shell_table(const ShellKind& kind) {
@@ -177,8 +182,10 @@ ShellModel open_shells(const ShellKind& kind) {
     m.el = open_shell_table(kind);
     m.x = require_coordinates();
     const auto mp = element_matrix<double>(kind.missing, kind.mp, any_size, kind.columns.count);
-    for (int number = 1; number <= mp.rows; ++number)
+    for (int number = 1; number <= mp.rows; ++number) {
+        require_elastic(kind, mp, number); // the table may have been changed by hand
         m.materials.push_back(properties_of(kind, mp, number));
+    }
     m.material_row = kind.material_row();
     for (int e = 1; e <= m.el.cols; ++e)
         require_number(m.el(m.material_row, e), mp.rows, bad_material);

@@ -43,8 +43,11 @@ namespace {
 template <class Visit>
 void for_each_piece(const TriangleKind& kind, const ShellModel& m, Visit visit) {
     for (int e = 1; e <= m.el.cols; ++e)
-        for (int part = 1; part <= kind.triangles; ++part)
-            visit(e, shell_piece(kind, m.el, m.x, e, part));
+        for (int part = 1; part <= kind.triangles; ++part) {
+            const ShellPiece piece = shell_piece(kind, m.el, m.x, e, part);
+            if (!piece.geometry.valid) refuse_flat_shell(kind.shell, e);
+            visit(e, piece);
+        }
 }
 
 ShellSection section_of(const ShellPiece& piece, const ShellProperties& p) {
