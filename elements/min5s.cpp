@@ -62,13 +62,13 @@ constexpr QuadTable min5s_quads{.el = min5s_table.name,
                                 .parts = "$min5s_subdivide",
                                 .rows = 9,
                                 .id_row = id_row,
-                                .middle_row = middle_row};
+                                .middle_row = middle_row,
+                                .triangles = false};
 
 // --- inner nodes --------------------------------------------------------------------------------
 
 ShellQuad quad_of(Matrix<const std::int32_t> el, Matrix<const double> x, int e) {
-    return shell_quad({element_node(x, el(1, e)), element_node(x, el(2, e)),
-                       element_node(x, el(3, e)), element_node(x, el(4, e))});
+    return shell_quad(element_coordinates<4>(x, el.col(e)));
 }
 
 /// Four different corners that enclose an area without a dent; otherwise each bad element is named,
@@ -177,7 +177,7 @@ void fix_unused(std::span<const std::int32_t> nodes) {
     std::ranges::sort(used);
     const auto codes = as_matrix<std::int32_t>(ref);
     for (const std::int32_t n : nodes)
-        if (n <= codes.cols && !std::ranges::binary_search(used, n))
+        if (1 <= n && n <= codes.cols && !std::ranges::binary_search(used, n))
             std::ranges::replace(codes.col(n), 0, 1);
 }
 

@@ -69,10 +69,7 @@ constexpr std::string_view state_names[] = {"X", "Y", "Z", "MX", "MY", "MXY", "Q
 // --- geometry -----------------------------------------------------------------------------------
 
 PlateNodes plate_nodes(Matrix<const std::int32_t> el, Matrix<const double> x, int e) {
-    PlateNodes nodes;
-    for (std::size_t i = 0; i < nodes.size(); ++i)
-        nodes[i] = element_node(x, el.col(e)[i]);
-    return nodes;
+    return element_coordinates<plate6_nodes>(x, el.col(e));
 }
 
 /// Local axes, those of an orthotropic material: x from node 1 to node 2, z = Z.

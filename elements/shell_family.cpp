@@ -116,6 +116,7 @@ std::optional<ShellRecord> next_shell_record(const ShellKind& kind, int material
     get_int_par(" mat=", r.mat);
     get_int_par(" print=", r.print);
     get_int_par(" face=", r.face);
+    if (r.face < -1 || r.face > 1) shutdown_with(" \n\tThe face of a shell must be -1, 0 or 1\n");
     require_number(r.mat, materials, bad_material);
     return r;
 }

@@ -130,6 +130,8 @@ TEST_F(ShellInput, subdivision_keeps_the_plate_and_fixes_inner_nodes_out_of_use)
     expect_fatal(
         "min5s -subdivide range=1,1 nxm=2,2\nrm .min5s_el\nmin5s -subdivide range=1,1 nxm=2,2\n",
         "MIN5S element information not found");
+    as_matrix<std::int32_t>(find_array(".min5s_el"))(4, 1) = 0; // data from elsewhere
+    expect_fatal("min5s -subdivide range=1,1 nxm=2,2\n", "triangle element in subdivide range");
 }
 
 TEST_F(ShellInput, cylinder_of_shells_with_rings_and_spine) {
@@ -177,6 +179,7 @@ TEST_F(ShellInput, bad_records_take_the_fatal_path) {
     expect_fatal(min3s + "m=2 e=1\n", "Material number not possible");
     expect_fatal(min3s + steel + "n=1 nodes=1,2,6 mat=2\n", "Material number not possible");
     expect_fatal(min3s + steel + "n=3 nodes=1,2,6 mat=1\n", "Element out of range - MIN3S");
+    expect_fatal(min3s + steel + "n=1 nodes=1,2,6 mat=1 face=2\n", "must be -1, 0 or 1");
     expect_fatal(min3s + steel + "n=1 nodes=1,2,6 mat=1 gen=2\n", "Element out of range - MIN3S");
     expect_fatal(min3s + steel + one + "\n", "MIN3S element number    2 has not been entered");
     expect_fatal(min3s + steel + one + "n=2 nodes=1,2 mat=1\n\n",
