@@ -100,5 +100,14 @@ std::string replaced(std::string_view text, std::string_view mark, std::string_v
 Matrix<const double> require_coordinates();
 /// Coordinates of node n; zeros for a number below 1, the fatal path beyond the list.
 Vec3 element_node(Matrix<const double> x, std::int32_t n);
+/// The same of the first N nodes of a list.
+template <std::size_t N>
+std::array<Vec3, N> element_coordinates(Matrix<const double> x,
+                                        std::span<const std::int32_t> nodes) {
+    std::array<Vec3, N> coordinates;
+    for (std::size_t i = 0; i < N; ++i)
+        coordinates[i] = element_node(x, nodes[i]);
+    return coordinates;
+}
 
 } // namespace quelor

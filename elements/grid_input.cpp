@@ -148,6 +148,10 @@ bool subdivide_quads(const QuadTable& table) {
     const auto old = open_quads(table);
     const auto s = read_subdivision(table, old);
     if (!s) return false;
+    for (int e = 1; e <= old.cols; ++e)
+        if (!table.triangles && s->contains(old(table.id_row, e)) &&
+            (old(4, e) == 0 || old(4, e) == old(3, e)))
+            shutdown_with(" \n\tFatal Error: triangle element in subdivide range");
     check_element_nodes_nonzero(table.title, old, 4);
     if (s->n == 1 && s->m == 1) return false;
     Result result(table.el, table.parts);
