@@ -47,8 +47,6 @@ struct Pencil {
 /// False, after a message and with nothing changed, when a file of -disk cannot be written.
 bool iterate_subspace(const EigvalOptions& options, const Pencil& pencil, Matrix<double> x,
                       std::span<double> lambda);
-/// The series of random starting vectors begins anew, as at the start of the program.
-void reset_random_series();
 
 /// `eigval`
 std::span<const Command> eigval_rows();

@@ -78,16 +78,17 @@ void cmd_jacobi(std::string_view) {
         copy.assign(m.all().begin(), m.all().end());
         m.data = copy.data();
     }
-    Temporary<double> vectors("$jac_phip", k.rows, k.rows);
-    Temporary<double> values("$lam_temp", k.rows, 0);
-    solve_pencil(k, m, vectors.view, values.view.all(), tolerance_of(input.digits), input.maxit);
+    Result vectors(phi, "$jac_phip"), values(lambda, "$lam_temp");
+    const auto shapes = vectors.matrix<double>(k.rows, k.rows);
+    const auto eigenvalues = values.matrix<double>(k.rows, 0).all();
+    solve_pencil(k, m, shapes, eigenvalues, tolerance_of(input.digits), input.maxit);
     if (input.frequencies) {
-        clear_negative(values.view.all());
-        for (double& value : values.view.all())
+        clear_negative(eigenvalues);
+        for (double& value : eigenvalues)
             value = std::sqrt(value);
     }
-    vectors.becomes(phi);
-    values.becomes(lambda);
+    vectors.place();
+    values.place();
 }
 
 constexpr Command rows[] = {

@@ -9,6 +9,7 @@
 #include "fem/nodes.hpp"
 #include "fem/rigid_modes.hpp"
 #include "kernel/fortfile.hpp"
+#include "kernel/process_state.hpp"
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
@@ -24,12 +25,12 @@ namespace {
 
 // --- starting vectors ----------------------------------------------------------------------------
 
-constexpr std::int64_t first_seed = 1;
-
 /// The last number of the random series, which goes on from run to run.
+struct RandomState {
+    std::int64_t x = 1;
+};
 std::int64_t& random_state() {
-    static std::int64_t x = first_seed;
-    return x;
+    return process_state<RandomState>().x;
 }
 
 void multiply_mass(const Pencil& pencil, Matrix<const double> x, Matrix<double> w) {
@@ -255,10 +256,6 @@ void set_start_vectors(const EigvalOptions& options, const Pencil& pencil, Matri
 }
 
 } // namespace
-
-void reset_random_series() {
-    random_state() = first_seed;
-}
 
 bool iterate_subspace(const EigvalOptions& options, const Pencil& pencil, Matrix<double> x,
                       std::span<double> lambda) {

@@ -197,10 +197,10 @@ void cmd_fft_helper(std::string_view) {
     if (functions > std::numeric_limits<std::int32_t>::max())
         return print_both(" \nH has too many columns. fft_helper quitting\n");
     const int m = static_cast<int>(functions);
-    const std::string result = unused_name("$fft_helper");
+    Result result(target, "$fft_helper");
     multiply_packed({static_cast<const Complex8*>(h.data), h.rows(), m}, as_span<const double>(p),
-                    create_matrix<double>(result, n, m));
-    move_array(result, target);
+                    result.matrix<double>(n, m));
+    result.place();
 }
 
 constexpr Command rows[] = {

@@ -58,10 +58,10 @@ template <class T> Matrix<T> append_columns(std::string_view array, int rows, in
     const ArrayRef ref = find_array(array);
     const bool fits = ref.is(type_code<T>) && ref.ndim() <= 2 && ref.rows() == rows;
     const int present = fits ? ref.cols() : 0;
-    const std::string work = unused_name("$append");
-    const Matrix<T> wide = create_matrix<T>(work, rows, present + extra);
+    Result result(array, "$append");
+    const Matrix<T> wide = result.matrix<T>(rows, present + extra);
     if (fits) std::ranges::copy(as_span<T>(ref), wide.data);
-    move_array(work, array);
+    result.place();
     return wide;
 }
 
@@ -100,5 +100,14 @@ std::string replaced(std::string_view text, std::string_view mark, std::string_v
 Matrix<const double> require_coordinates();
 /// Coordinates of node n; zeros for a number below 1, the fatal path beyond the list.
 Vec3 element_node(Matrix<const double> x, std::int32_t n);
+/// The same of the first N nodes of a list.
+template <std::size_t N>
+std::array<Vec3, N> element_coordinates(Matrix<const double> x,
+                                        std::span<const std::int32_t> nodes) {
+    std::array<Vec3, N> coordinates;
+    for (std::size_t i = 0; i < N; ++i)
+        coordinates[i] = element_node(x, nodes[i]);
+    return coordinates;
+}
 
 } // namespace quelor

@@ -55,11 +55,11 @@ bool compact_quads(const QuadTable& table) {
         if (el(table.id_row, e) != 0) defined.push_back(e);
     if (defined.empty()) return delete_array(table.el), false;
     const int count = static_cast<int>(defined.size());
-    const auto kept = create_matrix<std::int32_t>(table.kept, table.rows, count);
+    Result result(table.el, table.kept);
+    const auto kept = result.matrix<std::int32_t>(table.rows, count);
     for (int k = 1; k <= count; ++k)
         std::ranges::copy(el.col(defined[nth(k)]), kept.col(k).begin());
-    delete_array(table.el);
-    move_array(table.kept, table.el);
+    result.place();
     return true;
 }
 
@@ -148,17 +148,21 @@ bool subdivide_quads(const QuadTable& table) {
     const auto old = open_quads(table);
     const auto s = read_subdivision(table, old);
     if (!s) return false;
+    for (int e = 1; e <= old.cols; ++e)
+        if (!table.triangles && s->contains(old(table.id_row, e)) &&
+            (old(4, e) == 0 || old(4, e) == old(3, e)))
+            shutdown_with(" \n\tFatal Error: triangle element in subdivide range");
     check_element_nodes_nonzero(table.title, old, 4);
     if (s->n == 1 && s->m == 1) return false;
-    const auto el =
-        create_matrix<std::int32_t>(table.parts, table.rows, static_cast<int>(s->total));
+    Result result(table.el, table.parts);
+    const auto el = result.matrix<std::int32_t>(table.rows, static_cast<int>(s->total));
     std::ranges::copy(old.all(), el.data);
     std::int32_t last_id = largest_in_row(old, table.id_row);
     int next = old.cols + 1;
     NodePlacer placer;
     for (int e = 1; e <= old.cols; ++e)
         if (s->contains(el(table.id_row, e))) store_parts(table, *s, el, e, next, last_id, placer);
-    move_array(table.parts, table.el);
+    result.place();
     delete_array(node_eqs); // there may be new nodes
     delete_array(num_eqs);
     return true;

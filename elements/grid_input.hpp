@@ -71,7 +71,8 @@ struct QuadTable {
     std::string_view el, title, missing;
     std::string_view kept, parts; ///< work arrays
     int rows, id_row;
-    int middle_row; ///< row of a node inside the element, 0 for a type without one
+    int middle_row;        ///< row of a node inside the element, 0 for a type without one
+    bool triangles = true; ///< node 4 may be node 3
 };
 Matrix<const std::int32_t> open_quads(const QuadTable& table);
 /// Leaves the columns that have been entered; false, and no table, when there are none.

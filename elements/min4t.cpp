@@ -65,18 +65,13 @@ void read_gamma(int number) {
     require_finite({&gamma, 1}, "material " + std::to_string(number));
 }
 
-std::array<Vec3, 4> vertices_of(Matrix<const std::int32_t> el, Matrix<const double> x, int e) {
-    return {element_node(x, el(1, e)), element_node(x, el(2, e)), element_node(x, el(3, e)),
-            element_node(x, el(4, e))};
-}
-
 /// Makes the virtual nodes; the fatal path when an element has no area or a dent.
 void make_virtual_nodes(Matrix<const std::int32_t> el) {
     const auto x = require_coordinates();
     const auto node5 = create_matrix<double>(min4t_node5, 3, el.cols);
     bool good = true;
     for (int e = 1; e <= el.cols; ++e) {
-        const ShellQuad q = shell_quad(vertices_of(el, x, e));
+        const ShellQuad q = shell_quad(element_coordinates<4>(x, el.col(e)));
         std::ranges::copy(q.middle, node5.col(e).begin());
         if (q.valid) continue;
         name_bad_quad(min4t_kind, q, e);
@@ -142,9 +137,9 @@ struct QuadShell {
 };
 
 QuadShell quad_shell(const ShellModel& m, int e, InnerRotation rotation) {
-    const auto vertices = vertices_of(m.el, m.x, e);
+    const auto vertices = element_coordinates<4>(m.x, m.el.col(e));
     QuadShell s{.points = {}, .quad = shell_quad(vertices), .triangles = {}, .motion = {}};
-    if (!s.quad.valid) shutdown_with(min4t_missing); // the nodes have been changed by hand
+    if (!s.quad.valid) refuse_flat_shell(min4t_kind, e);
     std::ranges::copy(vertices, s.points.begin());
     s.points[4] = s.quad.middle;
     for (std::size_t part = 0; part < parts; ++part)

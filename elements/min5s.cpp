@@ -62,13 +62,13 @@ constexpr QuadTable min5s_quads{.el = min5s_table.name,
                                 .parts = "$min5s_subdivide",
                                 .rows = 9,
                                 .id_row = id_row,
-                                .middle_row = middle_row};
+                                .middle_row = middle_row,
+                                .triangles = false};
 
 // --- inner nodes --------------------------------------------------------------------------------
 
 ShellQuad quad_of(Matrix<const std::int32_t> el, Matrix<const double> x, int e) {
-    return shell_quad({element_node(x, el(1, e)), element_node(x, el(2, e)),
-                       element_node(x, el(3, e)), element_node(x, el(4, e))});
+    return shell_quad(element_coordinates<4>(x, el.col(e)));
 }
 
 /// Four different corners that enclose an area without a dent; otherwise each bad element is named,
@@ -177,7 +177,7 @@ void fix_unused(std::span<const std::int32_t> nodes) {
     std::ranges::sort(used);
     const auto codes = as_matrix<std::int32_t>(ref);
     for (const std::int32_t n : nodes)
-        if (n <= codes.cols && !std::ranges::binary_search(used, n))
+        if (1 <= n && n <= codes.cols && !std::ranges::binary_search(used, n))
             std::ranges::replace(codes.col(n), 0, 1);
 }
 
@@ -332,6 +332,8 @@ std::string_view min5s_help() {
          "of nodes 1 and 2, inc2 of 3 and 4, inc3 of 5. Defaults are 0.\n\n"
          "gen_2d, inc_2d, inc_el\n\tNumber of further such sequences, the increments of nodes from one "
          "to the next, and that of the IDs (default gen+1).\n\n"
+         "Pressures must be given (nodal_pressure) when all nodes are there: after min5s and its "
+         "subdivision, for the nodes inside need them too.\n\n"
          "-subdivide\n\tReplaces the elements with IDs range=first,last by n by m elements each, n in the "
          "1-2 direction and m in the 1-4 direction. Nodes that are at the place are used, missing ones "
          "are added. The first part keeps the ID, the others take the numbers after the largest in use. A "

@@ -69,10 +69,7 @@ constexpr std::string_view state_names[] = {"X", "Y", "Z", "MX", "MY", "MXY", "Q
 // --- geometry -----------------------------------------------------------------------------------
 
 PlateNodes plate_nodes(Matrix<const std::int32_t> el, Matrix<const double> x, int e) {
-    PlateNodes nodes;
-    for (std::size_t i = 0; i < nodes.size(); ++i)
-        nodes[i] = element_node(x, el.col(e)[i]);
-    return nodes;
+    return element_coordinates<plate6_nodes>(x, el.col(e));
 }
 
 /// Local axes, those of an orthotropic material: x from node 1 to node 2, z = Z.
@@ -149,6 +146,7 @@ void form_stiffness_of(const PlateKind& kind) {
     for (int e = 1; e <= m.el.cols; ++e) {
         const ShellProperties& p = m.properties(e);
         const PlateNodes nodes = plate_nodes(m.el, m.x, e);
+        if (!plate6_is_possible(nodes)) refuse_flat_shell(kind.shell, e);
         const PlateParts parts = plate6_parts(nodes, section_of(nodes, p));
         PlateMatrix k = parts.bending;
         rlx(e) = plate6_relaxation(parts, p.c_s);
@@ -306,9 +304,10 @@ std::string_view min6_help() {
          "  [local=local]  [C_s=C_s]  [iso=iso]\n\t", plate_syntax,
          "Input of six-node triangular Mindlin plates in the X-Y plane, with quadratic deflection and "
          "rotations.\n\n",
-         shell_materials_text, plate_local_text, shell_c_s_text, shell_n_text, plate_nodes_text,
-         shell_mat_text, shell_q_text, shell_generation_text, plate_end_text,
-         "See Also\n\tpmin6\n\tisomin6\n\tmin3s\n"},
+         shell_materials_text, plate_local_text, shell_c_s_text,
+         "On coarse meshes thin plates are too stiff without it: C_s=0.3 is then better.\n\n",
+         shell_n_text, plate_nodes_text, shell_mat_text, shell_q_text, shell_generation_text,
+         plate_end_text, "See Also\n\tpmin6\n\tisomin6\n\tmin3s\n"},
         "min6", "0");
     return text;
 }

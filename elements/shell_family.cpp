@@ -116,6 +116,7 @@ std::optional<ShellRecord> next_shell_record(const ShellKind& kind, int material
     get_int_par(" mat=", r.mat);
     get_int_par(" print=", r.print);
     get_int_par(" face=", r.face);
+    if (r.face < -1 || r.face > 1) shutdown_with(" \n\tThe face of a shell must be -1, 0 or 1\n");
     require_number(r.mat, materials, bad_material);
     return r;
 }
@@ -144,6 +145,11 @@ void name_flat_shell(const ShellKind& kind, int e) {
 
 void end_of_shell_check(bool good) {
     if (!good) shutdown_with(" \nSave database and quit\n");
+}
+
+void refuse_flat_shell(const ShellKind& kind, int e) {
+    name_flat_shell(kind, e);
+    shutdown_with(" \nSave database and quit\n");
 }
 
 // --- model --------------------------------------------------------------------------------------
@@ -177,8 +183,10 @@ ShellModel open_shells(const ShellKind& kind) {
     m.el = open_shell_table(kind);
     m.x = require_coordinates();
     const auto mp = element_matrix<double>(kind.missing, kind.mp, any_size, kind.columns.count);
-    for (int number = 1; number <= mp.rows; ++number)
+    for (int number = 1; number <= mp.rows; ++number) {
+        require_elastic(kind, mp, number); // the table may have been changed by hand
         m.materials.push_back(properties_of(kind, mp, number));
+    }
     m.material_row = kind.material_row();
     for (int e = 1; e <= m.el.cols; ++e)
         require_number(m.el(m.material_row, e), mp.rows, bad_material);

@@ -84,6 +84,8 @@ void check_shell_nodes(const ShellKind& kind, Matrix<const std::int32_t> el, int
 /// After a loop in which name_flat_shell named elements: the fatal path when there were any.
 void name_flat_shell(const ShellKind& kind, int e);
 void end_of_shell_check(bool good);
+/// The fatal path for an element whose nodes have been moved since its input.
+[[noreturn]] void refuse_flat_shell(const ShellKind& kind, int e);
 
 // --- model --------------------------------------------------------------------------------------
 

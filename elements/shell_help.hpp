@@ -47,7 +47,9 @@ inline constexpr std::string_view shell_drill_text =
     "drill\n\tStiffness of the rotations about the normal, which the element does not have, as a part "
     "of its least other diagonal term. Default is 1.e-5. They are springs to the ground: a part that "
     "may turn freely about its normal is held by them. See that a tenth of drill gives the same "
-    "result, or restrain the rotation where all elements at a node lie in one plane.\n\n";
+    "result, or restrain the rotation where all elements at a node lie in one plane. As they carry no "
+    "moment from element to element, a thick shell that is twisted becomes too soft with elements smaller "
+    "than its thickness: there min4t with gamma of 0.01 G12 is better.\n\n";
 
 inline constexpr std::string_view shell_fdensity_text =
     "fdensity\n\tWeight of a unit of volume of the water, for -kf. Default is 0, which gives no "
@@ -110,6 +112,7 @@ inline constexpr std::string_view shell_face_text =
 inline constexpr std::string_view shell_print_text =
     "Command Syntax\n\tp@\n\nPrints the materials and elements of @: nodes, material, print code and "
     "what else the input gives.\n\nExample:\n\tp@\n\n"
-    "The resultants of a solution are printed by pstate and presponse on the output file.\n\n";
+    "The resultants of a solution are printed by pstate and presponse on the output file; "
+    "presponse -file writes no file of them.\n\n";
 
 } // namespace quelor

@@ -20,20 +20,17 @@ ShellPiece shell_piece(const TriangleKind& kind, Matrix<const std::int32_t> el,
     constexpr std::array<std::size_t, 3> whole{0, 1, 2};
     const auto& rows = kind.triangles == 1 ? whole : shell_quarters[nth(part)];
     ShellPiece piece{.part = part, .nodes = {}, .vertices = {}, .geometry = {}, .element_axes = {}};
-    for (std::size_t i = 0; i < 3; ++i) {
+    for (std::size_t i = 0; i < 3; ++i)
         piece.nodes[i] = el.col(e)[rows[i]];
-        piece.vertices[i] = element_node(x, piece.nodes[i]);
-    }
+    piece.vertices = element_coordinates<3>(x, piece.nodes);
     piece.geometry = shell_triangle(piece.vertices);
     piece.element_axes =
         part == 1 ? piece.geometry.axes : shell_piece(kind, el, x, e, 1).geometry.axes;
     if (!kind.midnodes || el(4, e) == 0) return piece;
-    std::array<Vec3, 3> between{};
+    const auto midnodes = el.col(e).subspan(3, 3);
+    piece.geometry.rise = min3s_rises(piece.vertices, element_coordinates<3>(x, midnodes));
     for (std::size_t k = 0; k < 3; ++k)
-        between[k] = element_node(x, el(static_cast<int>(k) + 4, e));
-    piece.geometry.rise = min3s_rises(piece.vertices, between);
-    for (std::size_t k = 0; k < 3; ++k)
-        if (el(static_cast<int>(k) + 4, e) == 0) piece.geometry.rise[k] = 0;
+        if (midnodes[k] == 0) piece.geometry.rise[k] = 0;
     return piece;
 }
 
@@ -43,8 +40,11 @@ namespace {
 template <class Visit>
 void for_each_piece(const TriangleKind& kind, const ShellModel& m, Visit visit) {
     for (int e = 1; e <= m.el.cols; ++e)
-        for (int part = 1; part <= kind.triangles; ++part)
-            visit(e, shell_piece(kind, m.el, m.x, e, part));
+        for (int part = 1; part <= kind.triangles; ++part) {
+            const ShellPiece piece = shell_piece(kind, m.el, m.x, e, part);
+            if (!piece.geometry.valid) refuse_flat_shell(kind.shell, e);
+            visit(e, piece);
+        }
 }
 
 ShellSection section_of(const ShellPiece& piece, const ShellProperties& p) {
@@ -151,7 +151,8 @@ using ShellList = std::array<std::int32_t, shell_dofs>;
 std::array<double, 3> pressures_at(std::span<const double> column, const ShellPiece& piece) {
     std::array<double, 3> p{};
     for (std::size_t i = 0; i < 3; ++i)
-        if (as_size(piece.nodes[i]) <= column.size()) p[i] = column[nth(piece.nodes[i])];
+        if (const std::int32_t n = piece.nodes[i]; 1 <= n && n <= std::ssize(column))
+            p[i] = column[nth(n)];
     return p;
 }
 

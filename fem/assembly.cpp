@@ -5,6 +5,7 @@
 
 #include "fem/eqns.hpp"
 #include "fem/formkm.hpp"
+#include "kernel/process_state.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
 #include "numeric/profile.hpp"
@@ -309,8 +310,7 @@ void constraint_column_heights() {
 }
 
 static Connectivity& collected() {
-    static Connectivity connectivity;
-    return connectivity;
+    return process_state<Connectivity>();
 }
 
 void write_element_nodes(std::span<const std::int32_t> nodes) {

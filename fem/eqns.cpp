@@ -169,7 +169,7 @@ static void cmd_num_eqs(std::string_view) {
 [[noreturn]] static void numbers_missing(std::string_view name) {
     not_found(name);
     print_both(" \n\tProgram must quit");
-    final_exit(false);
+    exit_unsaved(false);
 }
 
 void check_numbering() {
@@ -187,7 +187,7 @@ void check_numbering() {
             write_both(
                 "10(/, '    Equation numbering failed a consistency check', /  '    DOFs for node ', i0, ' have not been numbered', /,  '    If the command node_order was used, there are two likely causes:', /,  '        1. Command node_order was out of sequence, or', /,  '        2. Not all nodes are connected to each other', /,  '    See the help on command node_order')",
                 {n});
-            final_exit(false);
+            exit_unsaved(false);
         }
     }
 }

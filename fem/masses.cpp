@@ -153,7 +153,7 @@ MassOperator find_mass(int equations) {
     const ArrayRef loc_ref = find_array(kdiag_loc);
     if (!loc_ref.is(type_integer)) return not_found(kdiag_loc), MassOperator{};
     const auto loc = as_span<const std::int32_t>(loc_ref);
-    if (std::ssize(loc) != equations + 1 || !profile_is_valid(loc, ref.size()))
+    if (std::ssize(loc) - 1 != equations || !profile_is_valid(loc, ref.size()))
         return print_both(" \n\tIncorrect dimensions for .mstr\n"), MassOperator{};
     return {values, loc};
 }

@@ -19,9 +19,9 @@ struct NodeKind {
     std::string_view meaning; ///< for the help texts: "nodes of the panel mesh"
     std::string_view xyz;     ///< real (3, total): coordinates
     std::string_view active;  ///< character (total): 'A' for a defined node, blank otherwise;
-                             ///< without a name every node up to the count is defined
-    std::string_view count;                  ///< integer: highest defined node number
-    std::string_view total;                  ///< integer: highest node number that may be used
+                              ///< without a name every node up to the count is defined
+    std::string_view count;   ///< integer: highest defined node number
+    std::string_view total;   ///< integer: highest node number that may be used
     std::span<const std::string_view> stale; ///< arrays that a new list makes invalid
 };
 

@@ -145,17 +145,18 @@ void cmd_nodal_disp(std::string_view) {
     if (listed.empty()) return print_both(" \n\tNo nodes in the range\n");
 
     const int shift = has_flag(" -node#") ? 1 : 0;
-    Temporary<double> result("$nodal_disp", static_cast<int>(listed.size()), 6 + shift);
+    Result result(target, "$nodal_disp");
+    const auto table = result.matrix<double>(static_cast<int>(listed.size()), 6 + shift);
     const auto vector = as_matrix<const double>(u).col(1);
     int row = 0;
     for (const std::int32_t n : listed) {
         ++row;
-        if (shift != 0) result.view(row, 1) = n;
+        if (shift != 0) table(row, 1) = n;
         int column = shift;
         for (const double v : values->six(vector, n))
-            result.view(row, ++column) = v;
+            table(row, ++column) = v;
     }
-    result.becomes(target);
+    result.place();
 }
 
 // --- histories ----------------------------------------------------------------------------------

@@ -50,13 +50,14 @@ static void cmd_rigid_modes(std::string_view) {
     if (modes == 0) return print_both(" \n\t\tNumber of rigid modes to create is 0\n");
     if (range[0] > range[1]) return print_both(" \n\t\tNodal range out of sequence\n");
 
-    Temporary<double> result("$rigid_modes", neq, static_cast<int>(modes));
+    Result result(target, "$rigid_modes");
+    const auto shapes = result.matrix<double>(neq, static_cast<int>(modes));
     int column = 0;
     for (int k = 1; k <= 6; ++k)
         if (keep[nth(k)] != 0)
             rigid_shape(k, nodes, as_matrix<const std::int32_t>(ref), cg, {range[0], range[1]},
-                        result.view.col(++column));
-    result.becomes(target);
+                        shapes.col(++column));
+    result.place();
 }
 
 static constexpr Command rows[] = {

@@ -108,17 +108,18 @@ void store_averages(Matrix<const double> sums, Matrix<const std::int32_t> hits,
         delete_array(node_name);
         return print_both(" \n\tData points did not match any nodes.\n");
     }
-    Temporary<double> stress("$arg2", matched, sums.cols);
-    Temporary<std::int32_t> node("$arg3", matched, 0);
+    Result stress_result(stress_name, "$arg2"), node_result(node_name, "$arg3");
+    const auto stress = stress_result.matrix<double>(matched, sums.cols);
+    const auto node = node_result.matrix<std::int32_t>(matched, 0);
     int k = 0;
     for (int i = 1; i <= sums.rows; ++i) {
         if (hits(i) == 0) continue;
-        node.view(++k) = list[nth(i)];
+        node(++k) = list[nth(i)];
         for (int j = 1; j <= sums.cols; ++j)
-            stress.view(k, j) = j <= coordinates ? sums(i, j) : sums(i, j) / hits(i);
+            stress(k, j) = j <= coordinates ? sums(i, j) : sums(i, j) / hits(i);
     }
-    stress.becomes(stress_name);
-    node.becomes(node_name);
+    stress_result.place();
+    node_result.place();
 }
 
 void cmd_node_str(std::string_view) {

@@ -5,9 +5,11 @@
 
 namespace quelor {
 
+namespace {
+
 // G and, if wanted, its derivative; the distances as in the batch kernel of the analysis.
-static GreenInfluence influence(const Vec3& p, const Vec3* normal, const SourcePanel& source,
-                                Reflection reflection, const GreenWater& water, DepthCache& cache) {
+GreenInfluence influence(const Vec3& p, const Vec3* normal, const SourcePanel& source,
+                         Reflection reflection, const GreenWater& water, DepthCache& cache) {
     const double dx = p[0] - reflection.x * source.centroid[0];
     const double dy = p[1] - reflection.y * source.centroid[1];
     const double dz = p[2] - source.centroid[2];
@@ -40,6 +42,8 @@ static GreenInfluence influence(const Vec3& p, const Vec3* normal, const SourceP
                   nz * (I.gradient[2] - source.area * result.f.G_1);
     return result;
 }
+
+} // namespace
 
 GreenInfluence ggn(const Vec3& p, const Vec3& n, const SourcePanel& source, Reflection reflection,
                    const GreenWater& water, DepthCache& cache) {

@@ -49,9 +49,11 @@ SourcePanel source_panel(const Panel& panel, double K, double gauge) {
     return source;
 }
 
+namespace {
+
 // Integral over the panel as it stands; `side` is the side of the limit for points in the plane: +1
 // the side the normal points away from, -1 the other.
-static RankineIntegral panel_integral(const Vec3& p, const SourcePanel& panel, double side) {
+RankineIntegral panel_integral(const Vec3& p, const SourcePanel& panel, double side) {
     const auto n = as_size(panel.edges);
     const double height = dot_product(panel.normal, difference(p, panel.middle));
     const bool in_plane = std::abs(height) < 1e-8 * panel.size;
@@ -91,6 +93,8 @@ static RankineIntegral panel_integral(const Vec3& p, const SourcePanel& panel, d
     sum.gradient = add_scaled(sum.gradient, normal, panel.normal);
     return sum;
 }
+
+} // namespace
 
 // Reflecting the panel or the point gives the same distances; the gradient is reflected back. An
 // odd number of reflections turns the fluid side of the panel over.

@@ -9,8 +9,10 @@ namespace quelor {
 
 using namespace deep_tables;
 
+namespace {
+
 /// Near the vertical axis, R <= Z/2 and Z > 7.4.
-static DeepValue steep(double R, double Z) {
+DeepValue steep(double R, double Z) {
     const double rho2 = R * R + Z * Z;
     if (rho2 > 28.0 * 28.0) return deep_steep_form<Steep2, Steep2R>(R, Z);
     if (rho2 > 14.0 * 14.0) return deep_steep_form<Steep1, Steep1R>(R, Z);
@@ -18,46 +20,46 @@ static DeepValue steep(double R, double Z) {
 }
 
 /// R <= 3.7 and Z <= 8.
-static DeepValue logarithmic(double R, double Z) {
+DeepValue logarithmic(double R, double Z) {
     const double e = vec_exp(-Z);
     return Z <= 4.0 ? deep_log_form<LogNear>(R, Z, e) : deep_log_form<LogDeep>(R, Z, e);
 }
 
 /// R > 3.7, one band of Z/R.
-template <class Near, class Far> static DeepValue local(double R, double Z) {
+template <class Near, class Far> DeepValue local(double R, double Z) {
     const double e = vec_exp(-Z);
     return R > 10.0 ? deep_local_form<Far, HankelFar>(R, Z, e)
                     : deep_local_form<Near, HankelNear>(R, Z, e);
 }
 
-static DeepValue infred_2series(double R, double Z) { // R < Z/2
+DeepValue infred_2series(double R, double Z) { // R < Z/2
     return R <= 3.7 && Z <= 8.0 ? logarithmic(R, Z) : steep(R, Z);
 }
 
-static DeepValue infred_peq5(double R, double Z) {
+DeepValue infred_peq5(double R, double Z) {
     return logarithmic(R, Z);
 }
 
-static DeepValue infred_peq6(double R, double Z) {
+DeepValue infred_peq6(double R, double Z) {
     return local<LocalNear0, LocalFar0>(R, Z);
 }
 
-static DeepValue infred_cfrac(double R, double Z) {
+DeepValue infred_cfrac(double R, double Z) {
     return local<LocalNear1, LocalFar1>(R, Z);
 }
 
-static DeepValue infred_poly(double R, double Z) { // Z/2 <= R <= 2 Z
+DeepValue infred_poly(double R, double Z) { // Z/2 <= R <= 2 Z
     if (R <= 3.7) return logarithmic(R, Z);
     return R >= Z ? local<LocalNear2, LocalFar2>(R, Z) : local<LocalNear3, LocalFar3>(R, Z);
 }
 
-static DeepValue infred_ass(double R, double Z) { // far down: all bands meet
+DeepValue infred_ass(double R, double Z) { // far down: all bands meet
     if (R < 0.5 * Z) return steep(R, Z);
     if (R > 4.0 * Z) return infred_peq6(R, Z);
     return R > 2.0 * Z ? infred_cfrac(R, Z) : infred_poly(R, Z);
 }
 
-static DeepValue wave_term(double R, double Z) {
+DeepValue wave_term(double R, double Z) {
     if (R > 8.0 && Z > 20.0) return infred_ass(R, Z);
     if (R < 0.5 * Z) return infred_2series(R, Z);
     if (R <= 3.7 && Z <= 2.0) return infred_peq5(R, Z);
@@ -66,7 +68,7 @@ static DeepValue wave_term(double R, double Z) {
     return infred_poly(R, Z);
 }
 
-static void add_beside(SurfaceTerms beside, double R, double Z, InfredTerms& f) {
+void add_beside(SurfaceTerms beside, double R, double Z, InfredTerms& f) {
     const double rho = std::sqrt(R * R + Z * Z), p = 1.0 / rho, c = Z * p, p2 = p * p, q = p2 * p;
     if (beside == SurfaceTerms::none) return;
     if (beside == SurfaceTerms::log_rho) {
@@ -89,6 +91,8 @@ static void add_beside(SurfaceTerms beside, double R, double Z, InfredTerms& f) 
         f.Fzz -= (1.0 - 3.0 * c * c) * q;
     }
 }
+
+} // namespace
 
 InfredTerms infred_f(double R, double Z, SurfaceTerms beside) {
     const DeepValue wave = wave_term(R, Z);

@@ -5,7 +5,9 @@
 
 namespace quelor {
 
-static BesselTerms far_bessel(double x) {
+namespace {
+
+BesselTerms far_bessel(double x) {
     const double x_inverse = 1.0 / x, size = std::sqrt(2.0 * std::numbers::inv_pi * x_inverse);
     const bool near = x <= 10.0;
     const HankelForm h = near ? hankel_form<deep_tables::HankelNear>(x_inverse)
@@ -20,18 +22,7 @@ static BesselTerms far_bessel(double x) {
             .phase1 = x - 3 * std::numbers::pi / 4 + std::atan(h.q1 / h.p1)};
 }
 
-BesselTerms spfn_bessel(double x) {
-    if (x >= 4.0) return far_bessel(x);
-    const SmallBessel b = small_bessel(x * x);
-    return {.j0 = 1.0 - x * x * b.j0_rest,
-            .j1 = x * b.j1_by_x,
-            .amplitude0 = 0.0,
-            .phase0 = 0.0,
-            .amplitude1 = 0.0,
-            .phase1 = 0.0};
-}
-
-static NeumannTerms near_neumann(double x, const BesselTerms& bessel, int n) {
+NeumannTerms near_neumann(double x, const BesselTerms& bessel, int n) {
     const SmallBessel b = small_bessel(x * x);
     const double log_x = n == 1 ? 0.0 : std::log(x), pole = n == 1 ? 0.0 : 2.0 / x;
     NeumannTerms y{.y0 = b.y0 + 2.0 * bessel.j0 * log_x,
@@ -43,6 +34,19 @@ static NeumannTerms near_neumann(double x, const BesselTerms& bessel, int n) {
         y.h1 = x * x * vecmath::horner(deep_tables::struve_h1, x * x);
     }
     return y;
+}
+
+} // namespace
+
+BesselTerms spfn_bessel(double x) {
+    if (x >= 4.0) return far_bessel(x);
+    const SmallBessel b = small_bessel(x * x);
+    return {.j0 = 1.0 - x * x * b.j0_rest,
+            .j1 = x * b.j1_by_x,
+            .amplitude0 = 0.0,
+            .phase0 = 0.0,
+            .amplitude1 = 0.0,
+            .phase1 = 0.0};
 }
 
 NeumannTerms spfn_neumann(double x, const BesselTerms& bessel, int n) {

@@ -2,6 +2,8 @@
 
 #include "hydro_analysis/symmetry.hpp"
 
+#include <array>
+
 namespace quelor {
 
 namespace {
@@ -43,25 +45,29 @@ void generalised_force(const PanelModes& modes, std::span<const std::span<const 
     }
 }
 
-void expand_classes(int symmetry, std::span<const std::span<const Complex8>> phi, Complex8 factor,
-                    std::span<Complex8> full) {
+void expand_classes(int symmetry, Complex8 factor, std::span<Complex8> blocks) {
     const int images = image_count(symmetry);
-    const std::size_t np = phi[0].size();
-    for (int m = 1; m <= images; ++m)
-        for (std::size_t p = 0; p < np; ++p) {
+    const std::size_t np = blocks.size() / as_size(images);
+    for (std::size_t p = 0; p < np; ++p) {
+        std::array<Complex8, 4> phi;
+        for (int k = 1; k <= images; ++k)
+            phi[nth(k)] = blocks[p + nth(k) * np];
+        for (int m = 1; m <= images; ++m) {
             Complex8 sum = 0;
             for (int k = 1; k <= images; ++k)
-                sum += class_sign(symmetry, k, m) * phi[nth(k)][p];
-            full[p + nth(m) * np] = factor * (sum / double(images));
+                sum += class_sign(symmetry, k, m) * phi[nth(k)];
+            blocks[p + nth(m) * np] = factor * (sum / double(images));
         }
+    }
 }
 
-void reflect_class(int symmetry, int k, std::span<const Complex8> phi, Complex8 factor,
-                   std::span<Complex8> full) {
-    for (int m = 1; m <= image_count(symmetry); ++m) {
+void reflect_class(int symmetry, int k, Complex8 factor, std::span<Complex8> blocks) {
+    const int images = image_count(symmetry);
+    const std::size_t np = blocks.size() / as_size(images);
+    for (int m = images; m >= 1; --m) { // the first holds the quantity itself
         const Complex8 signed_factor = class_sign(symmetry, k, m) * factor;
-        for (std::size_t p = 0; p < phi.size(); ++p)
-            full[p + nth(m) * phi.size()] = signed_factor * phi[p];
+        for (std::size_t p = 0; p < np; ++p)
+            blocks[p + nth(m) * np] = signed_factor * blocks[p];
     }
 }
 

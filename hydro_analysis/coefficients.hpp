@@ -30,13 +30,11 @@ void added_mass_and_damping(const PanelModes& modes, std::span<const Matrix<Comp
 void generalised_force(const PanelModes& modes, std::span<const std::span<const Complex8>> phi,
                        Complex8 factor, std::span<Complex8> f);
 
-/// Values on all images from class sums: full(p + (m-1) np) = factor / ns * sum over k of sign(k,
-/// m) phi_k(p).
-void expand_classes(int symmetry, std::span<const std::span<const Complex8>> phi, Complex8 factor,
-                    std::span<Complex8> full);
+/// Class sums, the np of class k in block k, become the values on all images, those of image m in
+/// block m: factor / ns * sum over k of sign(k, m) phi_k(p).
+void expand_classes(int symmetry, Complex8 factor, std::span<Complex8> blocks);
 
-/// Values on all images of a quantity of class k: full(p + (m-1) np) = factor sign(k, m) phi(p).
-void reflect_class(int symmetry, int k, std::span<const Complex8> phi, Complex8 factor,
-                   std::span<Complex8> full);
+/// A quantity of class k, in block 1, becomes that on all images: factor sign(k, m) phi(p).
+void reflect_class(int symmetry, int k, Complex8 factor, std::span<Complex8> blocks);
 
 } // namespace quelor

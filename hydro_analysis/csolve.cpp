@@ -37,12 +37,14 @@ void csolve_solve(Matrix<const Complex8> a, Matrix<Complex8> b,
     zgetrs_("N", &a.rows, &b.cols, a.data, &a.rows, ipiv.data(), b.data, &b.rows, &info, 1);
 }
 
+namespace {
+
 // y(i) += a(i) x for n complex numbers, the parts side by side. Two additions, with the negative of
 // Im x, rather than a difference and a sum: GCC 12 fuses the latter pair into one multiply-add in
 // spite of -ffp-contract=off.
 QUELOR_CLONES
-static void add_column(std::ptrdiff_t n, const float* __restrict a, float x_re, float x_im,
-                       double* __restrict y) {
+void add_column(std::ptrdiff_t n, const float* __restrict a, float x_re, float x_im,
+                double* __restrict y) {
     const float minus_x_im = -x_im;
     for (std::ptrdiff_t i = 0; i < n; ++i) {
         const float re = a[2 * i] * x_re + a[2 * i + 1] * minus_x_im;
@@ -51,6 +53,8 @@ static void add_column(std::ptrdiff_t n, const float* __restrict a, float x_re, 
         y[2 * i + 1] += static_cast<double>(im);
     }
 }
+
+} // namespace
 
 // Blocks of rows keep the sums of all columns of y in the cache while a passes once.
 void multiply_mixed(Matrix<const Complex4> a, Matrix<const Complex4> x, Matrix<Complex8> y) {

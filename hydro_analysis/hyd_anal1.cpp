@@ -5,10 +5,12 @@
 
 #include "hydro_analysis/csolve.hpp"
 #include "hydro_analysis/hyd_anal_main.hpp"
+#include "hydro_analysis/hyd_merge.hpp"
 #include "hydro_analysis/influence.hpp"
 #include "hydro_analysis/solve2.hpp"
 #include "hydro_analysis/symmetry.hpp"
 #include "hydro_model/frequency_results.hpp"
+#include "hydro_model/hyd_panel.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
@@ -83,7 +85,8 @@ PanelModes panel_modes(const Analysis& a) {
     return {a.model.panels.area, a.model.un, a.model.size.symmetry, a.model.modesym, a.modeloc};
 }
 
-/// Values of one image set at (ifreq, j) of a potential array.
+/// All images at (ifreq, j) of a potential array; until the end of the analysis its blocks hold the
+/// classes.
 std::span<Complex8> potential_column(const Array3<Complex8>& potential, int ifreq, int j) {
     return {&potential(1, ifreq, j), as_size(potential.n1)};
 }
@@ -100,6 +103,12 @@ std::vector<std::span<const Complex8>> diffraction_potentials(const Analysis& a)
     for (const ClassArrays& c : a.classes)
         columns.push_back(c.pd.col(1));
     return columns;
+}
+
+void store_classes(std::span<const std::span<const Complex8>> classes, std::span<Complex8> blocks) {
+    auto next = blocks.begin();
+    for (const auto& values : classes)
+        next = std::ranges::copy(values, next).out;
 }
 
 /// Iterative solution of every column, in double precision.
@@ -139,8 +148,16 @@ void hyd_solve_sp(const Analysis& analysis, const ClassArrays& c, Matrix<Complex
     shutdown();
 }
 
-[[noreturn]] void report_influence_failure(const InfluenceResult& result, RootStatus roots) {
-    if (result.status == InfluenceStatus::no_green_value) report_green_failure(result.pair);
+[[noreturn]] void report_influence_failure(const InfluenceResult& result, const HydModel& model,
+                                           RootStatus roots) {
+    if (result.status == InfluenceStatus::no_green_value) {
+        const double depth = -model.panels.xyzc(result.panel, 3);
+        if (depth > model.size.depth)
+            write_both(
+                "(/, '      Panel', i6, ' lies below the sea bottom, at a depth of', f10.3, ' in', f10.3, ' of water')",
+                {panel_of_wet(result.panel), depth, model.size.depth});
+        report_green_failure(result.pair);
+    }
     if (result.status == InfluenceStatus::bad_panel) {
         write_both(
             "(/, '      Wet panel', i6, ' has no area or a coordinate that is not a finite number')",
@@ -167,7 +184,7 @@ void form_influence(Analysis& a, const WaveOfFrequency& wave) {
                            [](int panel) { write_both("2(i6, $)", {panel}); });
     write_both("()");
     if (result.status != InfluenceStatus::formed)
-        report_influence_failure(result, a.depth_cache.status);
+        report_influence_failure(result, m, a.depth_cache.status);
 }
 
 /// Coincident or badly distorted panels make the equations singular; the factorisation says
@@ -179,6 +196,19 @@ void check_finite(std::span<const Complex8> potential) {
 }
 
 } // namespace
+
+double analysis_array_bytes(const HydSize& s, bool keep_potentials) {
+    const double np = s.np, ns = image_count(s.symmetry), nmode = s.nmode, nfreq = s.nfreq;
+    const double nbeta = s.nbeta;
+    const double matrices = 2 * ns * np * np * sizeof(Complex4);
+    const double pivots = (ns * np + (ns > 1 ? nmode : 0)) * sizeof(std::int32_t);
+    const double waves = 3 * ns * np * sizeof(Complex8); // pic, ph, pd
+    const double sources = np * nmode * (sizeof(Complex4) + sizeof(Complex8));
+    const double coefficients =
+        2 * nmode * nfreq * (nmode * sizeof(double) + nbeta * sizeof(Complex8));
+    const double potentials = ns * np * nfreq * (nmode + 2 * nbeta) * sizeof(Complex8);
+    return matrices + pivots + waves + sources + coefficients + (keep_potentials ? potentials : 0);
+}
 
 Analysis create_analysis(const HydModel& model, bool keep_potentials) {
     Analysis a;
@@ -259,12 +289,9 @@ void hyd_solve_radiation(Analysis& analysis, const WaveOfFrequency& wave) {
                            analysis.results.addm.slice(wave.index),
                            analysis.results.damp.slice(wave.index));
     if (!analysis.results.potrad) return;
-    for (int j = 1; j <= size.nmode; ++j) {
-        const int k = modes.class_of(j);
-        reflect_class(size.symmetry, k, prad[nth(k)].col(modes.column_of(j)),
-                      Complex8(0, wave.omega),
-                      potential_column(analysis.results.potrad, wave.index, j));
-    }
+    for (int j = 1; j <= size.nmode; ++j)
+        std::ranges::copy(prad[nth(modes.class_of(j))].col(modes.column_of(j)),
+                          potential_column(analysis.results.potrad, wave.index, j).begin());
 }
 
 namespace {
@@ -290,8 +317,7 @@ void hyd_incoming_forces(Analysis& analysis, const WaveOfFrequency& wave, int ib
     generalised_force(panel_modes(analysis), pic, s.rho * s.grav,
                       force_column(analysis.results.fi, ibeta, wave.index));
     if (analysis.results.potincm)
-        expand_classes(s.symmetry, pic, Complex8(0, s.grav / wave.omega),
-                       potential_column(analysis.results.potincm, wave.index, ibeta));
+        store_classes(pic, potential_column(analysis.results.potincm, wave.index, ibeta));
 }
 
 void hyd_diffraction_forces(Analysis& analysis, const WaveOfFrequency& wave, int ibeta) {
@@ -321,8 +347,23 @@ void hyd_diffraction_forces(Analysis& analysis, const WaveOfFrequency& wave, int
     generalised_force(panel_modes(analysis), pd, Complex8(0, -s.rho * wave.omega),
                       force_column(analysis.results.fd, ibeta, wave.index));
     if (analysis.results.potdiff)
-        expand_classes(s.symmetry, pd, 1.0,
-                       potential_column(analysis.results.potdiff, wave.index, ibeta));
+        store_classes(pd, potential_column(analysis.results.potdiff, wave.index, ibeta));
+}
+
+void hyd_build_potentials(Analysis& analysis, int first) {
+    const HydSize& s = analysis.model.size;
+    const AnalysisResults& results = analysis.results;
+    for (int i = first; i <= s.nfreq; ++i) {
+        const double omega = analysis.model.freq[nth(i)];
+        for (int ibeta = 1; ibeta <= s.nbeta; ++ibeta) {
+            expand_classes(s.symmetry, Complex8(0, s.grav / omega),
+                           potential_column(results.potincm, i, ibeta));
+            expand_classes(s.symmetry, 1.0, potential_column(results.potdiff, i, ibeta));
+        }
+        for (int j = 1; j <= s.nmode; ++j)
+            reflect_class(s.symmetry, panel_modes(analysis).class_of(j), Complex8(0, omega),
+                          potential_column(results.potrad, i, j));
+    }
 }
 
 } // namespace quelor

@@ -10,9 +10,6 @@
 
 namespace quelor {
 
-/// Record units of the source strengths, open only with -source.
-inline constexpr int unit_dif = 27, unit_rad = 28;
-
 /// Work arrays of one symmetry class; src and prad have a column for each of its modes.
 struct ClassArrays {
     Matrix<Complex4> alpha, beta; ///< (np,np) potential, normal derivative; beta holds its factors
@@ -25,9 +22,10 @@ struct ClassArrays {
 
 /// Results of all frequencies.
 struct AnalysisResults {
-    Array3<double> addm, damp;                 ///< (nmode,nmode,nfreq)
-    Array3<Complex8> fi, fd;                   ///< (nmode,nbeta,nfreq)
-    Array3<Complex8> potincm, potdiff, potrad; ///< (np*ns,nfreq,...); empty with -no_pot
+    Array3<double> addm, damp; ///< (nmode,nmode,nfreq)
+    Array3<Complex8> fi, fd;   ///< (nmode,nbeta,nfreq)
+    /// (np*ns,nfreq,...), empty with -no_pot; by class until hyd_build_potentials
+    Array3<Complex8> potincm, potdiff, potrad;
 };
 
 struct Analysis {
@@ -43,6 +41,8 @@ struct Analysis {
     AnalysisTimers timers;
 };
 
+/// Bytes of the arrays that create_analysis makes.
+double analysis_array_bytes(const HydSize& size, bool keep_potentials);
 /// Creates the work and result arrays. Stops when the classes do not hold every mode once.
 Analysis create_analysis(const HydModel& model, bool keep_potentials);
 /// Deletes the work arrays; with `keep_class_potentials` those of the last frequency stay.
@@ -60,5 +60,8 @@ void hyd_solve_radiation(Analysis& analysis, const WaveOfFrequency& wave);
 /// Incoming wave and Froude-Krylov forces; diffraction potential and forces, heading ibeta.
 void hyd_incoming_forces(Analysis& analysis, const WaveOfFrequency& wave, int ibeta);
 void hyd_diffraction_forces(Analysis& analysis, const WaveOfFrequency& wave, int ibeta);
+/// The potentials on all images from those of the classes, which the steps before have left in
+/// their places, from frequency `first` on.
+void hyd_build_potentials(Analysis& analysis, int first);
 
 } // namespace quelor

@@ -17,6 +17,7 @@
 #include "hydro_model/waven.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
+#include "kernel/memory.hpp"
 #include "kernel/project.hpp"
 #include "kernel/require.hpp"
 #include "kernel/utilities.hpp"
@@ -77,6 +78,36 @@ std::vector<double> read_added_frequencies(const AnalysisOptions& options) {
     return values;
 }
 
+double held_bytes(std::span<const FrequencyResult> results) {
+    double sum = 0;
+    for (const auto& result : results)
+        if (const ArrayRef ref = find_array(result.name))
+            sum += static_cast<double>(array_byte_size(ref.type, ref.dims));
+    return sum;
+}
+
+/// Bytes of the results of an earlier analysis whose place new ones take.
+double replaced_bytes(const AnalysisOptions& options) {
+    if (options.added > 0) return 0; // they stay until the merge
+    return held_bytes(analysis_coefficients) +
+           (options.no_pot ? 0 : held_bytes(analysis_potentials));
+}
+
+/// Whether all arrays of the analysis fit into the memory that is left; a message when they do not.
+bool memory_suffices(HydSize size, const AnalysisOptions& options) {
+    constexpr double bytes_beside = 1e6, bytes_a_panel = 400; // for the influence matrices
+    size.nfreq += std::max(options.added, 0);
+    const double wanted = analysis_array_bytes(size, !options.no_pot) + bytes_beside +
+                          bytes_a_panel * size.np - replaced_bytes(options);
+    const auto left = static_cast<double>(available_memory());
+    if (wanted <= left) return true;
+    write_both(
+        "(/, '      The analysis of', i9, ' wet panels needs', f12.2, ' GB of memory;', f10.2, ' GB are left')",
+        {size.np, wanted / 1e9, left / 1e9});
+    print_both(" \n\tCommand terminating; symmetry, fewer panels or -no_pot take less memory\n");
+    return false;
+}
+
 void check_model(const HydSize& size) {
     if (size.symmetry < 0 || size.symmetry > 2)
         shutdown_with(" \n\tsymmetry should be 0, 1 or 2\n");
@@ -129,6 +160,7 @@ void run_analysis(const HydModel& model, const AnalysisOptions& options, int fir
         const WaveOfFrequency wave = wave_of_frequency(model, ifreq);
         twnk(ifreq, 2) = wave.k;
         analyse_frequency(analysis, wave);
+        checkpoint();
     }
     close_unit(unit_rad);
     close_unit(unit_dif);
@@ -136,6 +168,10 @@ void run_analysis(const HydModel& model, const AnalysisOptions& options, int fir
     if (options.no_pot && !options.debug) // those of an earlier analysis no longer fit
         for (const auto& potential : analysis_potentials)
             delete_array(potential.name);
+    if (!options.no_pot) {
+        print_both(" \n\tCalculating velocity potential\n");
+        hyd_build_potentials(analysis, first);
+    }
     write_times(analysis.timers, cpu_seconds() - start);
 }
 
@@ -143,7 +179,8 @@ void cmd_hyd_analysis(std::string_view) {
     create_int_scalar(grnfun, 0);
     const AnalysisOptions options = read_options();
     const std::vector<double> added = read_added_frequencies(options);
-    prepare_source_files(options.source, !added.empty());
+    if (array_exists(hyd_coordaxs) && !memory_suffices(hyd_get_problem_size(), options)) return;
+    if (!prepare_source_files(options.source, !added.empty())) return;
     open_coefficient_files();
     if (!array_exists(hyd_coordaxs)) {
         close_coefficient_files();

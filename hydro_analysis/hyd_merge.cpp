@@ -71,8 +71,7 @@ std::string project_file(std::string_view extension) {
 int add_frequencies(std::span<const double> added, bool keep_potentials) {
     if (!array_exists(hyd_addm))
         shutdown_with(" /nCannot add frequencies without first running hyd_analysis");
-    const auto wave = as_span<std::int32_t>(require_array(hyd_wave, type_integer, {2, 1}));
-    const int nold = wave[1], nfreq = nold + static_cast<int>(added.size());
+    const int nold = hyd_wave_counts().nfreq, nfreq = nold + static_cast<int>(added.size());
     const auto old_freq = require_vector<double>(hyd_freq, nold);
     const auto old_twnk = require_matrix<double>(hyd_twnk, nold, 2);
     set_results_aside(keep_potentials);
@@ -80,16 +79,16 @@ int add_frequencies(std::span<const double> added, bool keep_potentials) {
     std::vector<double> values(added.begin(), added.end());
     std::ranges::sort(values);
     if (!ascending(old_freq, nold)) std::ranges::reverse(values);
-    const auto freq = create_matrix<double>("$freq", nfreq, 0);
-    const auto twnk = create_matrix<double>("$twnk", nfreq, 2);
+    Result new_freq(hyd_freq, "$freq"), new_twnk(hyd_twnk, "$twnk");
+    const auto freq = new_freq.matrix<double>(nfreq, 0), twnk = new_twnk.matrix<double>(nfreq, 2);
     for (int i = 1; i <= nfreq; ++i) {
         freq(i) = i <= nold ? old_freq[nth(i)] : values[nth(i - nold)];
         twnk(i, 1) = i <= nold ? old_twnk(i, 1) : 2 * std::numbers::pi / freq(i);
         twnk(i, 2) = i <= nold ? old_twnk(i, 2) : 0.0;
     }
-    move_array("$freq", hyd_freq);
-    move_array("$twnk", hyd_twnk);
-    wave[1] = nfreq;
+    new_freq.place();
+    new_twnk.place();
+    as_span<std::int32_t>(require_array(hyd_wave, type_integer, {2, 1}))[1] = nfreq;
     return nold + 1;
 }
 
@@ -111,23 +110,19 @@ void merge_frequencies(int nold) {
 
 // --- source-strength files ----------------------------------------------------------------------
 
-void prepare_source_files(bool source, bool adding) {
-    namespace fs = std::filesystem;
-    std::error_code ignored;
-    if (!source) {
-        fs::remove(project_file(".rad"), ignored);
-        fs::remove(project_file(".dif"), ignored);
-        return;
-    }
-    if (!adding) return;
-    if (!fs::exists(project_file(".rad"), ignored) || !fs::exists(project_file(".dif"), ignored))
-        shutdown_with(
-            " \n\tError opening source strength files. They may not exist. The -source option must be specified on all hyd_analysis commands or on none. Program is quitting.\n");
-    fs::rename(project_file(".rad"), project_file(".radO"), ignored);
-    fs::rename(project_file(".dif"), project_file(".difO"), ignored);
-}
-
 namespace {
+
+namespace fs = std::filesystem;
+
+/// False after a message; the file then keeps its name.
+bool rename_file(const std::string& from, const std::string& to) {
+    std::error_code fault;
+    fs::rename(from, to, fault);
+    if (fault)
+        print_both(" \n\tFile " + from + " could not be renamed " + to + ": " + fault.message() +
+                   "\n");
+    return !fault;
+}
 
 /// Records of one file, read one frequency at a time; each begins with its omega.
 struct StrengthFile {
@@ -146,15 +141,21 @@ struct StrengthFile {
 
 struct StrengthKind {
     std::string_view extension;
-    int unit_now, unit_old, unit_merged;
+    int unit, unit_old, unit_merged;
     std::string_view failure;
+
+    std::string now_name() const { return project_file(extension); }
+    std::string old_name() const { return now_name() + "O"; }
+    std::string merged_name() const {
+        return project_file(".$") + std::string(extension.substr(1));
+    }
 };
-constexpr StrengthKind strength_kinds[] = {
-    {".rad", 28, 81, 82,
-     " \n\tRadiation source strength files could not be opened; program is terminating\n"},
-    {".dif", 27, 83, 84,
-     " \n\tDiffraction source strength files could not be opened; program is terminating\n"},
-};
+constexpr StrengthKind radiation{
+    ".rad", unit_rad, 81, 82,
+    " \n\tRadiation source strength files could not be opened; program is terminating\n"};
+constexpr StrengthKind diffraction{
+    ".dif", unit_dif, 83, 84,
+    " \n\tDiffraction source strength files could not be opened; program is terminating\n"};
 
 void copy_frequency(StrengthFile& from, int unit, int records) {
     for (int i = 0; i < records && from.omega; ++i) {
@@ -164,13 +165,11 @@ void copy_frequency(StrengthFile& from, int unit, int records) {
 }
 
 void merge_strengths(const StrengthKind& kind, std::span<const double> freq, int records) {
-    const std::string now_name = project_file(kind.extension), old_name = now_name + "O";
-    const std::string merged_name = project_file(".$") + std::string(kind.extension.substr(1));
-    if (fortopen_name(kind.unit_now, now_name, "OLD", "UNFORMATTED") != 0 ||
-        fortopen_name(kind.unit_old, old_name, "OLD", "UNFORMATTED") != 0 ||
-        fortopen_name(kind.unit_merged, merged_name, "REPLACE", "UNFORMATTED") != 0)
+    if (fortopen_name(kind.unit, kind.now_name(), "OLD", "UNFORMATTED") != 0 ||
+        fortopen_name(kind.unit_old, kind.old_name(), "OLD", "UNFORMATTED") != 0 ||
+        fortopen_name(kind.unit_merged, kind.merged_name(), "REPLACE", "UNFORMATTED") != 0)
         shutdown_with(kind.failure);
-    StrengthFile old{kind.unit_old, {}, {}}, now{kind.unit_now, {}, {}};
+    StrengthFile old{kind.unit_old, {}, {}}, now{kind.unit, {}, {}};
     old.next();
     now.next();
     const int nfreq = static_cast<int>(freq.size());
@@ -184,18 +183,33 @@ void merge_strengths(const StrengthKind& kind, std::span<const double> freq, int
         }
         copy_frequency(old.omega == omega ? old : now, kind.unit_merged, records);
     }
-    close_unit(kind.unit_merged);
-    close_and_delete_unit(kind.unit_now);
-    close_and_delete_unit(kind.unit_old);
+    for (const int unit : {kind.unit_merged, kind.unit, kind.unit_old})
+        close_unit(unit);
     std::error_code ignored;
-    std::filesystem::rename(merged_name, now_name, ignored);
+    if (rename_file(kind.merged_name(), kind.now_name())) fs::remove(kind.old_name(), ignored);
 }
 
 } // namespace
 
+bool prepare_source_files(bool source, bool adding) {
+    std::error_code ignored;
+    if (!source)
+        for (const auto& kind : {radiation, diffraction})
+            fs::remove(kind.now_name(), ignored);
+    if (!source || !adding) return true;
+    for (const auto& kind : {radiation, diffraction})
+        if (!fs::exists(kind.now_name(), ignored))
+            shutdown_with(
+                " \n\tError opening source strength files. They may not exist. The -source option must be specified on all hyd_analysis commands or on none. Program is quitting.\n");
+    if (!rename_file(radiation.now_name(), radiation.old_name())) return false;
+    if (rename_file(diffraction.now_name(), diffraction.old_name())) return true;
+    rename_file(radiation.old_name(), radiation.now_name());
+    return false;
+}
+
 void merge_source_files(std::span<const double> freq, int records_rad, int records_dif) {
-    merge_strengths(strength_kinds[0], freq, records_rad);
-    merge_strengths(strength_kinds[1], freq, records_dif);
+    merge_strengths(radiation, freq, records_rad);
+    merge_strengths(diffraction, freq, records_dif);
 }
 
 } // namespace quelor

@@ -38,11 +38,9 @@ struct Range {
     int first, n;
 };
 
-} // namespace
-
-static Tiles make_tiles(const ScaledPanels& panels, const InfluenceParameters& parameters,
-                        const DepthCache& cache, std::span<const Matrix<Complex4>> alpha,
-                        std::span<const Matrix<Complex4>> beta) {
+Tiles make_tiles(const ScaledPanels& panels, const InfluenceParameters& parameters,
+                 const DepthCache& cache, std::span<const Matrix<Complex4>> alpha,
+                 std::span<const Matrix<Complex4>> beta) {
     const int ns = image_count(parameters.symmetry);
     Tiles t{panels,
             parameters.symmetry,
@@ -70,8 +68,8 @@ static Tiles make_tiles(const ScaledPanels& panels, const InfluenceParameters& p
 }
 
 // Potential and normal derivative at panel j for source i, near field, per unit area of the source.
-static void near_pair(const Tiles& t, int j, int i, Reflection reflection, double R, double re,
-                      double re_R, double re_depth, double& G, double& D) {
+void near_pair(const Tiles& t, int j, int i, Reflection reflection, double R, double re,
+               double re_R, double re_depth, double& G, double& D) {
     const PanelBlock field = t.panels.block(j, 1);
     const SourcePanel& source = t.panels.source(i);
     const Vec3 p = field.at(0), n = field.normal(0);
@@ -86,8 +84,8 @@ static void near_pair(const Tiles& t, int j, int i, Reflection reflection, doubl
 }
 
 // Replaces the values of the pairs of row i that lie within the length of their source.
-static void near_row(const Tiles& t, int i, Reflection reflection, Range columns,
-                     const PairGeometry& pairs, const WaveTerms& wave, const PairValues& v) {
+void near_row(const Tiles& t, int i, Reflection reflection, Range columns,
+              const PairGeometry& pairs, const WaveTerms& wave, const PairValues& v) {
     const double L = t.panels.source(i).L;
     for (int k = 0; k < columns.n; ++k) {
         const int j = columns.first + k;
@@ -101,7 +99,7 @@ static void near_row(const Tiles& t, int i, Reflection reflection, Range columns
 }
 
 // Values of all pairs of a tile for image m.
-static void evaluate_image(const Tiles& t, int m, Range rows, Range columns) {
+void evaluate_image(const Tiles& t, int m, Range rows, Range columns) {
     const PanelBlock block = t.panels.block(columns.first, columns.n);
     const Reflection reflection = reflection_of(t.symmetry, m);
     for (int a = 0; a < rows.n; ++a)
@@ -121,7 +119,7 @@ static void evaluate_image(const Tiles& t, int m, Range rows, Range columns) {
 }
 
 // Every stride-th of n values. Copied as 8 bytes; as complex numbers they would go part by part.
-static void copy_column(int n, int stride, const Complex4* from, Complex4* to) {
+void copy_column(int n, int stride, const Complex4* from, Complex4* to) {
     for (int a = 0; a < n; ++a)
         std::memcpy(to + a, from + std::ptrdiff_t{a} * stride, sizeof *to);
 }
@@ -129,7 +127,7 @@ static void copy_column(int n, int stride, const Complex4* from, Complex4* to) {
 // Class sums of a tile into the columns of its sources, and those of the mirror pairs, which arrive
 // row by row, into the columns of theirs. A tile on the diagonal holds each pair twice: of its
 // mirror pairs none is needed, of its pairs only those with i <= j; the rest come by their mirrors.
-static void write_class(Tiles& t, int k, Range rows, Range columns) {
+void write_class(Tiles& t, int k, Range rows, Range columns) {
     std::array<double, 4> sign{};
     for (int m = 1; m <= t.ns; ++m)
         sign[nth(m)] = class_sign(t.symmetry, k, m);
@@ -154,6 +152,8 @@ static void write_class(Tiles& t, int k, Range rows, Range columns) {
                     &beta(rows.first + 1, columns.first + b + 1));
     }
 }
+
+} // namespace
 
 InfluenceResult influence_matrices(const PanelMesh& mesh, const InfluenceParameters& parameters,
                                    DepthCache& cache, std::span<const Matrix<Complex4>> alpha,

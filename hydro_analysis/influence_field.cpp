@@ -33,10 +33,8 @@ struct FieldTiles {
     std::vector<Complex4> values{};
 };
 
-} // namespace
-
-static FieldTiles make_tiles(const ScaledPanels& panels, const InfluenceParameters& parameters,
-                             const DepthCache& cache) {
+FieldTiles make_tiles(const ScaledPanels& panels, const InfluenceParameters& parameters,
+                      const DepthCache& cache) {
     const int ns = image_count(parameters.symmetry);
     FieldTiles t{panels, parameters.symmetry, ns, parameters.water(), parameters.K, cache};
     t.numbers.resize(as_size(plane) * (6 + 2 * as_size(ns)) + 3 * as_size(block_points));
@@ -52,7 +50,7 @@ static FieldTiles make_tiles(const ScaledPanels& panels, const InfluenceParamete
     return t;
 }
 
-static PointBlock load_points(const FieldTiles& t, std::span<const Vec3> points) {
+PointBlock load_points(const FieldTiles& t, std::span<const Vec3> points) {
     for (std::size_t j = 0; j < points.size(); ++j) {
         t.x[j] = t.K * points[j][0];
         t.y[j] = t.K * points[j][1];
@@ -61,7 +59,7 @@ static PointBlock load_points(const FieldTiles& t, std::span<const Vec3> points)
     return {static_cast<int>(points.size()), t.x, t.y, t.z};
 }
 
-static void evaluate_wave_values(const FieldTiles& t, int n, double* im) {
+void evaluate_wave_values(const FieldTiles& t, int n, double* im) {
     const std::size_t count = as_size(n);
     if (t.water.h_green > 0)
         finite_wave_values({t.geometry.R, count}, {t.geometry.d1, count}, {t.geometry.d2, count},
@@ -71,8 +69,7 @@ static void evaluate_wave_values(const FieldTiles& t, int n, double* im) {
 }
 
 // Potentials of all pairs of a tile for image m.
-static void evaluate_image(const FieldTiles& t, int m, const PointBlock& points, int first,
-                           int count) {
+void evaluate_image(const FieldTiles& t, int m, const PointBlock& points, int first, int count) {
     const Reflection reflection = reflection_of(t.symmetry, m);
     for (int a = 0; a < count; ++a)
         pair_geometry(points, t.panels.block(first + a, 1), reflection,
@@ -95,8 +92,8 @@ static void evaluate_image(const FieldTiles& t, int m, const PointBlock& points,
 }
 
 // The coefficients of one block of points with all panels, into `alpha`.
-static void evaluate_block(const FieldTiles& t, const PointBlock& points,
-                           std::span<const Matrix<Complex4>> alpha) {
+void evaluate_block(const FieldTiles& t, const PointBlock& points,
+                    std::span<const Matrix<Complex4>> alpha) {
     const int rows = std::max(batch / points.n, 1), np = t.panels.count();
     for (int first = 0; first < np; first += rows) {
         const int count = std::min(rows, np - first);
@@ -116,10 +113,12 @@ static void evaluate_block(const FieldTiles& t, const PointBlock& points,
     }
 }
 
-static bool in_water(const Vec3& p, const InfluenceParameters& parameters) {
+bool in_water(const Vec3& p, const InfluenceParameters& parameters) {
     return is_finite(p) && p[2] <= 0 && p[2] >= -parameters.depth &&
            within_reach(scaled(p, parameters.K), parameters.water());
 }
+
+} // namespace
 
 InfluenceResult field_influence(const PanelMesh& mesh, std::span<const Vec3> points,
                                 const InfluenceParameters& parameters, DepthCache& cache,

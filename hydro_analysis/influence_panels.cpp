@@ -30,22 +30,24 @@ ScaledPanels::ScaledPanels(const PanelMesh& mesh, const InfluenceParameters& par
     }
 }
 
-static bool is_finite(const SourcePanel& s, const Vec3& normal) {
+namespace {
+
+bool has_numbers(const SourcePanel& s, const Vec3& normal) {
     for (const Vec3& corner : s.corners)
         if (!is_finite(corner)) return false;
     return is_finite(s.normal) && is_finite(s.centroid) && is_finite(normal);
 }
 
-static GreenInfluence pair_by_ggn(const ScaledPanels& panels, int j, int i, Reflection reflection,
-                                  const GreenWater& water, DepthCache& cache) {
+GreenInfluence pair_by_ggn(const ScaledPanels& panels, int j, int i, Reflection reflection,
+                           const GreenWater& water, DepthCache& cache) {
     const PanelBlock field = panels.block(j, 1);
     return ggn(field.at(0), field.normal(0), panels.source(i), reflection, water, cache);
 }
 
 // The first pair of source panel i that has no Green function. One below the bottom has none with
 // any panel; the near field, which does not ask, must not hide it.
-static InfluenceResult check_source(const ScaledPanels& panels, int i,
-                                    const InfluenceParameters& parameters, DepthCache& cache) {
+InfluenceResult check_source(const ScaledPanels& panels, int i,
+                             const InfluenceParameters& parameters, DepthCache& cache) {
     const GreenWater water = parameters.water();
     const auto pair = [&](int j, int m) {
         return pair_by_ggn(panels, j, i, reflection_of(parameters.symmetry, m), water, cache);
@@ -63,6 +65,8 @@ static InfluenceResult check_source(const ScaledPanels& panels, int i,
     return below ? failed(pair(i, 1)) : InfluenceResult{};
 }
 
+} // namespace
+
 bool within_reach(const Vec3& p, const GreenWater& water) {
     const double deepest = water.h_green > 0 ? water.h_green : 4e7, farthest = 2e7;
     return -p[2] <= deepest && std::abs(p[0]) <= farthest && std::abs(p[1]) <= farthest;
@@ -78,7 +82,7 @@ InfluenceResult check_panels(const ScaledPanels& panels, const InfluenceParamete
     for (int p = 0; p < panels.count(); ++p) {
         const SourcePanel& source = panels.source(p);
         if (!(source.area > 0) || !std::isfinite(source.area) ||
-            !is_finite(source, panels.block(p, 1).normal(0)))
+            !has_numbers(source, panels.block(p, 1).normal(0)))
             return {.status = InfluenceStatus::bad_panel, .panel = p + 1};
     }
     for (int p = 0; p < panels.count(); ++p) {

@@ -9,32 +9,32 @@
 namespace quelor {
 
 namespace {
+
 using Vector = std::span<Complex8>;
 
 struct Workspace {
     Vector d, r, rt, p, pt, q, qt, x, z;
 };
-} // namespace
 
-static Workspace split(Vector work, std::size_t n) {
+Workspace split(Vector work, std::size_t n) {
     const auto part = [&](std::size_t k) { return work.subspan(k * n, n); };
     return {part(0), part(1), part(2), part(3), part(4), part(5), part(6), part(7), part(8)};
 }
 
 // Products without the special cases that the standard's complex product keeps for infinities.
-static Complex8 times(Complex8 a, Complex8 b) {
+Complex8 times(Complex8 a, Complex8 b) {
     return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
 }
 
 // The vectors u and x may be columns of the matrix in single precision, which widening makes exact.
-template <class T> static Complex8 inner(std::span<T> u, std::span<const Complex8> v) {
+template <class T> Complex8 inner(std::span<T> u, std::span<const Complex8> v) {
     Complex8 sum = 0;
     for (std::size_t i = 0; i < u.size(); ++i)
         sum += times(std::conj(Complex8(u[i])), v[i]);
     return sum;
 }
 
-static double norm2(std::span<const Complex8> u) {
+double norm2(std::span<const Complex8> u) {
     double sum = 0;
     for (const Complex8& value : u)
         sum += std::norm(value);
@@ -42,14 +42,14 @@ static double norm2(std::span<const Complex8> u) {
 }
 
 // y += factor x
-template <class T> static void add(Vector y, Complex8 factor, std::span<T> x) {
+template <class T> void add(Vector y, Complex8 factor, std::span<T> x) {
     for (std::size_t i = 0; i < y.size(); ++i)
         y[i] += times(factor, Complex8(x[i]));
 }
 
 // q = a p and qt = a^H pt in one sweep, a block of rows at a time so that q and pt stay in the
 // cache.
-template <class T> static void multiply_both(Matrix<const T> a, const Workspace& w) {
+template <class T> void multiply_both(Matrix<const T> a, const Workspace& w) {
     constexpr int block = 750;
     std::ranges::fill(w.q, Complex8{});
     std::ranges::fill(w.qt, Complex8{});
@@ -67,8 +67,7 @@ template <class T> static void multiply_both(Matrix<const T> a, const Workspace&
 
 // Solves for w.x with right-hand side b; the number of iterations, or -1.
 template <class T>
-static int solve_column(Matrix<const T> a, std::span<const Complex8> b, double tol,
-                        const Workspace& w) {
+int solve_column(Matrix<const T> a, std::span<const Complex8> b, double tol, const Workspace& w) {
     const std::size_t n = b.size();
     const double bnorm = norm2(b);
     std::ranges::fill(w.x, Complex8{});
@@ -105,8 +104,8 @@ static int solve_column(Matrix<const T> a, std::span<const Complex8> b, double t
 }
 
 template <class T>
-static int solve_columns(Matrix<const T> a, Matrix<Complex8> b, double tol,
-                         std::span<Complex8> work, std::span<std::int32_t> iterations) {
+int solve_columns(Matrix<const T> a, Matrix<Complex8> b, double tol, std::span<Complex8> work,
+                  std::span<std::int32_t> iterations) {
     if (b.cols == 0) return 0;
     const Workspace w = split(work, as_size(a.rows));
     for (int i = 1; i <= a.rows; ++i)
@@ -119,6 +118,8 @@ static int solve_columns(Matrix<const T> a, Matrix<Complex8> b, double tol,
     }
     return 0;
 }
+
+} // namespace
 
 int solve2(Matrix<const Complex8> a, Matrix<Complex8> b, double tol, std::span<Complex8> work,
            std::span<std::int32_t> iterations) {

@@ -32,13 +32,14 @@ void select_frequencies(std::string_view name, int axis, std::span<const std::si
     const AxisBlocks from = blocks_of(ref, axis);
     std::vector<std::int32_t> dims(ref.dims.begin(), ref.dims.end());
     dims[nth(axis)] = static_cast<std::int32_t>(indices.size());
-    auto* to = static_cast<char*>(create_array(ref.type, work, dims));
+    Result result(name, work);
+    auto* to = static_cast<char*>(result.create(ref.type, dims));
     for (std::size_t o = 0; o < from.outer; ++o)
         for (const std::size_t i : indices) {
             std::memcpy(to, from.block(i, o), from.bytes);
             to += from.bytes;
         }
-    move_array(work, name);
+    result.place();
 }
 
 bool copy_leading_frequencies(const ArrayRef& from, const ArrayRef& to, int axis) {

@@ -41,9 +41,8 @@ FlexSizes flex_sizes() {
     s.nmode = hyd_mode_count();
     s.symmetry = require_int(hyd_symmetry);
     if (s.symmetry < 0 || s.symmetry > 2) shutdown_with(" \n\tsymmetry should be 0, 1 or 2\n");
-    s.np = require_int(hyd_num_wetpanels);
-    s.nnodes = require_int(hyd_num_nodes);
-    if (s.np < 1 || s.nnodes < 1) shutdown_with(" \n\tThere are no nodes or no wet panels\n");
+    s.np = require_count(hyd_num_wetpanels, 1, most_panels);
+    s.nnodes = require_count(hyd_num_nodes, 1, most_nodes);
     return s;
 }
 
@@ -227,7 +226,7 @@ void form_flexible_stiffness(const FlexSizes& s, const ModeArrays& modes) {
     const double scale = (s.symmetry == 2   ? 4.0
                           : s.symmetry == 1 ? 2.0
                                             : 1.0) *
-                         require_real(hyd_fluid_rho) * require_real(hyd_grav);
+                         require_positive(hyd_fluid_rho) * require_positive(hyd_grav);
     const Temporary<double> fluid("$tmp1", s.nmode, s.nmode);
     pressure_stiffness(modes.un, modes.uz, area, fluid.view);
     const auto code = [&](int m) { return modes.modesym[nth(m)]; };

@@ -21,8 +21,6 @@ namespace {
 
 // --- hyd_parameters
 
-constexpr std::int64_t most_modes = 46340; // (nmode,nmode) has less than 2^31 elements
-
 struct ModelCounts {
     std::int32_t symmetry = 0, nmoder = 6, nmodef = 0, nbodies = 0;
 };
@@ -96,11 +94,11 @@ Matrix<double> body_columns(int nbodies) {
 }
 
 void cmd_hyd_coordaxs(std::string_view) {
-    const int nbodies = require_int(hyd_nbodies);
+    const int nbodies = hyd_body_count();
     std::int32_t body = 1;
     get_int_par(" body=", body);
     body = std::max(body, 1);
-    if (body > std::max(nbodies, 1)) shutdown_with(" \n\tBody number > number of bodies\n");
+    if (body > nbodies) shutdown_with(" \n\tBody number > number of bodies\n");
 
     std::array<double, axes_rows> axes{};
     const std::span<double> values(axes);
@@ -112,7 +110,7 @@ void cmd_hyd_coordaxs(std::string_view) {
     get_real_par(" theta=", axes[9]);
     get_real_par(" zcg=", axes[10]);
     if (!all_finite(axes)) shutdown_with(" \n\tCoordinates and angles must be numbers\n");
-    std::ranges::copy(axes, body_columns(nbodies).col(body).begin());
+    std::ranges::copy(axes, body_columns(require_int(hyd_nbodies)).col(body).begin());
 }
 
 // --- hyd_coord_trans
@@ -244,14 +242,25 @@ constexpr Command rows[] = {
 } // namespace
 
 int hyd_body_count() {
-    return std::max(require_int(hyd_nbodies), 1);
+    return require_int(hyd_nbodies) < 1 ? 1 : require_count(hyd_nbodies, 0, most_modes / 6);
 }
 
 int hyd_mode_count() {
-    const int nmoder = require_int(hyd_nmoder), nmodef = require_int(hyd_nmodef);
-    if (nmoder < 0 || nmodef < 0 || nmoder + nmodef < 1)
+    const int nmode =
+        require_count(hyd_nmoder, 0, most_modes) + require_count(hyd_nmodef, 0, most_modes);
+    if (nmode < 1 || nmode > most_modes)
         shutdown_with(" \n\tThe numbers of modes in .hyd_nmoder and .hyd_nmodef are not valid\n");
-    return nmoder + nmodef;
+    return nmode;
+}
+
+WaveCounts hyd_wave_counts() {
+    const auto counts = require_vector<std::int32_t>(hyd_wave, 2);
+    for (const std::int32_t n : counts)
+        if (n < 1 || n > most_waves_held)
+            shutdown_with(
+                " \n\tThe numbers of headings and frequencies in .hyd_wave are not valid; "
+                "see command hyd_wave\n");
+    return {counts[0], counts[1]};
 }
 
 BodyAxes hyd_body_axes(int body) {

@@ -53,10 +53,19 @@ inline constexpr int axes_rows = 11;
 
 /// The axes of a body; the fatal path when `.hyd_coordaxs` is absent or has no such column.
 BodyAxes hyd_body_axes(int body);
-/// Number of bodies, at least 1.
+/// Most modes: (nmode,nmode) has less than 2^31 elements. Most headings and frequencies: more than
+/// any sequence of hyd_wave and added frequencies gives.
+inline constexpr int most_modes = 46340, most_waves_held = 1'000'000;
+/// Number of bodies, at least 1. A number that hyd_parameters would not have stored takes the fatal
+/// path, here and below.
 int hyd_body_count();
 /// nmoder + nmodef, at least 1.
 int hyd_mode_count();
+/// `.hyd_wave`: numbers of headings and of frequencies, at least 1.
+struct WaveCounts {
+    int nbeta, nfreq;
+};
+WaveCounts hyd_wave_counts();
 
 /// waven with the warning on both units when the iteration does not converge.
 WaveNumber hyd_wave_number(double omega, double depth, double grav);

@@ -73,6 +73,17 @@ std::vector<char> panel_codes(std::span<const TablePanel> panels, std::span<cons
     return codes;
 }
 
+/// Warnings of one kind: the first twenty are printed, then their number.
+struct WarningList {
+    std::int32_t count = 0;
+
+    bool next() { return ++count <= most_listed; }
+    bool more() const { return count > most_listed; }
+
+private:
+    static constexpr int most_listed = 20;
+};
+
 /// Warns of panels that cross the water line.
 void warn_partial(std::span<const char> codes) {
     for (std::size_t i = 0; i < codes.size(); ++i) {
@@ -84,12 +95,30 @@ void warn_partial(std::span<const char> codes) {
     }
 }
 
+/// Warns of wet panels that lie below the sea bottom, wholly or in part: there is no fluid.
+void warn_below_bottom(std::span<const TablePanel> panels, std::span<const Panel> flat,
+                       std::span<const char> codes) {
+    const ArrayRef depth = find_array(hyd_depth);
+    if (!depth.is(type_real)) return;
+    const double bottom = -get_real(hyd_depth);
+    WarningList warnings;
+    for (std::size_t i = 0; i < panels.size(); ++i) {
+        const auto reaches = [&](const Vec3& corner) { return corner[2] < bottom; };
+        if (!is_wet(codes[nth(panels[i].number)]) || std::ranges::none_of(flat[i].corners, reaches))
+            continue;
+        if (warnings.next())
+            write_both("(' WARNING: Panel', i6, ' reaches below the sea bottom')",
+                       {panels[i].number});
+    }
+    if (warnings.more())
+        write_both("(' WARNING: ', i6, ' panels reach below the sea bottom')", {warnings.count});
+}
+
 /// Warns of wet panels whose centroids coincide: their equations are the same, or nearly so.
 void warn_coincident(std::span<const TablePanel> panels, std::span<const Panel> flat,
                      std::span<const char> codes) {
-    constexpr int most_listed = 20;
     PointIndex index;
-    int found = 0;
+    WarningList warnings;
     for (std::size_t i = 0; i < panels.size(); ++i) {
         if (!is_wet(codes[nth(panels[i].number)])) continue;
         const Vec3& c = flat[i].centroid;
@@ -99,14 +128,15 @@ void warn_coincident(std::span<const TablePanel> panels, std::span<const Panel> 
             const auto at = as_size(k);
             if (!twin && within(flat[at].centroid, c, {tol, tol, tol})) twin = at;
         });
-        if (twin && ++found <= most_listed)
+        if (twin && warnings.next())
             write_both(
                 "(' WARNING: Panels', i6, ' and', i6, ' lie at the same place; the analysis will be singular')",
                 {panels[*twin].number, panels[i].number});
         if (!twin) index.add(static_cast<int>(i), c);
     }
-    if (found > most_listed)
-        write_both("(' WARNING: ', i6, ' panels lie at the place of another one')", {found});
+    if (warnings.more())
+        write_both("(' WARNING: ', i6, ' panels lie at the place of another one')",
+                   {warnings.count});
 }
 
 // --- arrays of the analysis ---------------------------------------------------------------------
@@ -220,6 +250,7 @@ void finish_panels() {
     const auto codes = panel_codes(panels, flat, get_int(hyd_num_panels));
     warn_partial(codes);
     const int np = number_panels(hyd_structure_panels, codes, is_wet);
+    warn_below_bottom(panels, flat, codes);
     warn_coincident(panels, flat, codes);
     write_pan(panels, flat, codes);
     write_summary(panels, codes);
@@ -234,6 +265,12 @@ PanelMesh require_panel_mesh(int np) {
         require_vector<double>(hyd_panela, np),         require_matrix<double>(hyd_xr, np, 4),
         require_matrix<double>(hyd_yr, np, 4),          require_matrix<double>(hyd_zr, np, 4),
         require_vector<std::int32_t>(hyd_paneltype, np)};
+}
+
+int panel_of_wet(int p) {
+    const auto map = require_vector<std::int32_t>(hyd_panel_map);
+    const auto found = std::ranges::find(map, p);
+    return found == map.end() ? 0 : static_cast<int>(found - map.begin()) + 1;
 }
 
 void make_panel_rmap() {

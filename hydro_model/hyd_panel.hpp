@@ -68,6 +68,9 @@ void finish_panels();
 /// The np wet panels; a missing or misshapen array takes the fatal path.
 PanelMesh require_panel_mesh(int np);
 
+/// External number of wet panel p, 0 when the map does not have it.
+int panel_of_wet(int p);
+
 /// Writes `.hyd_panel_rmap` from the map; the fatal path when there are no panels.
 void make_panel_rmap();
 

@@ -117,8 +117,8 @@ void form_stiffness(const MeshPart& part, const BodyAxes& mesh_axes, const BodyC
     frame.yb = mesh_axes.yb;
     frame.zb = mesh_axes.zb;
     const auto sums = waterplane_sums(part.panels, part.list, frame, body.copies);
-    auto block =
-        rigid_stiffness(sums, axes.zcg, require_real(hyd_fluid_rho), require_real(hyd_grav));
+    auto block = rigid_stiffness(sums, axes.zcg, require_positive(hyd_fluid_rho),
+                                 require_positive(hyd_grav));
     const Matrix<const double> k{block.data(), body_modes, body_modes};
     const int first = body_modes * (body.body - 1);
     for (int j = 1; j <= body_modes; ++j)
@@ -223,6 +223,7 @@ Matrix<double> structural_mass(int nmode) {
 void cmd_hyd_rmass(std::string_view) {
     const int nmoder = require_int(hyd_nmoder);
     if (nmoder < 1) shutdown_with(" \n\tNumber of user-defined modes is zero\n");
+    const int nmode = hyd_mode_count();
     std::int32_t body = 0;
     get_int_par(" body=", body);
     const int nbodies = hyd_body_count();
@@ -237,7 +238,7 @@ void cmd_hyd_rmass(std::string_view) {
     for (int i = 1; i <= n; ++i)
         read_real_record("Enter mass matrix, one row a record\n", rows.view.col(i));
     if (!all_finite(rows.view.all())) shutdown_with(" \n\tMasses must be numbers\n");
-    const auto mass = structural_mass(hyd_mode_count());
+    const auto mass = structural_mass(nmode);
     for (int j = 1; j <= n; ++j)
         for (int i = 1; i <= n; ++i)
             mass(first + i, first + j) = rows.view(j, i);

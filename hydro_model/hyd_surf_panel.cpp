@@ -109,10 +109,10 @@ void store_new_nodes(const GrowingNodes& nodes, int count) {
     if (n > get_int(hyd_num_surf_nodes_tot)) {
         const NodeSet old = open_nodes(hyd_surface_nodes);
         const std::vector<char> active(old.active.begin(), old.active.begin() + count);
-        Temporary<double> xyz("$hyd_surf_xyz", 3, n);
-        std::copy_n(old.xyz.data, std::ptrdiff_t{3} * count, xyz.view.data);
+        Result xyz(hyd_surf_xyz, "$hyd_surf_xyz");
+        std::copy_n(old.xyz.data, std::ptrdiff_t{3} * count, xyz.matrix<double>(3, n).data);
         new_nodes(hyd_surface_nodes, n);
-        xyz.becomes(hyd_surf_xyz);
+        xyz.place();
         std::ranges::copy(active, open_nodes(hyd_surface_nodes).active.begin());
     }
     NodeSet set = open_nodes(hyd_surface_nodes);
@@ -146,11 +146,12 @@ void divide_panels(const Division& d, std::span<const TablePanel> panels) {
 
     store_new_nodes(nodes, set.count);
     const int n = static_cast<int>(table.size());
-    Temporary<std::int32_t> divided("$hyd_surf_panel_subdivide", 4, n);
+    Result result(hyd_surf_panel_el, "$hyd_surf_panel_subdivide");
+    const auto divided = result.matrix<std::int32_t>(4, n);
     for (int e = 1; e <= n; ++e)
-        std::ranges::copy(table[nth(e)], divided.view.col(e).begin());
+        std::ranges::copy(table[nth(e)], divided.col(e).begin());
     delete_panels(hyd_surface_panels);
-    divided.becomes(hyd_surf_panel_el);
+    result.place();
     create_int_scalar(hyd_num_surf_panels, n);
     finish_surface_panels();
 }

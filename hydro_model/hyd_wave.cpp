@@ -192,7 +192,7 @@ void cmd_hyd_wave(std::string_view) {
 
 void cmd_hyd_wave_dispersion(std::string_view) {
     const auto freq = require_vector<double>(hyd_freq);
-    const double depth = require_real(hyd_depth), grav = require_real(hyd_grav);
+    const double depth = require_positive(hyd_depth), grav = require_positive(hyd_grav);
     write_both(
         "10(/, '  Water Depth =', f10.3, //, '       Wave      Wave      Wave         Wave', /, '  Frequency    Period    Length       Number')",
         {depth});

@@ -47,8 +47,10 @@ NodalMotion rigid_nodal_motion(const BodyFrame& frame, double dx, double dy, dou
     }};
 }
 
-static WaterplaneSums sums_of_copy(const PanelMesh& panels, std::span<const std::int32_t> list,
-                                   const BodyFrame& frame, Reflection reflection) {
+namespace {
+
+WaterplaneSums sums_of_copy(const PanelMesh& panels, std::span<const std::int32_t> list,
+                            const BodyFrame& frame, Reflection reflection) {
     WaterplaneSums sums;
     for (const int p : list) {
         const BodyPoint q = body_point(panels, p, frame, reflection);
@@ -67,6 +69,8 @@ static WaterplaneSums sums_of_copy(const PanelMesh& panels, std::span<const std:
     }
     return sums;
 }
+
+} // namespace
 
 WaterplaneSums waterplane_sums(const PanelMesh& panels, std::span<const std::int32_t> list,
                                const BodyFrame& frame, std::span<const Reflection> copies) {

@@ -21,9 +21,9 @@ MeshPart hyd_mesh_part() {
     const int nbodies = hyd_body_count();
     MeshPart part{};
     part.symmetry = require_int(hyd_symmetry);
-    part.np = require_int(hyd_num_wetpanels);
-    const int npanels = require_int(hyd_num_panels);
-    part.nnodes = require_int(hyd_num_nodes);
+    part.np = require_count(hyd_num_wetpanels, 1, most_panels);
+    const int npanels = require_count(hyd_num_panels, 1, most_panels);
+    part.nnodes = require_count(hyd_num_nodes, 1, most_nodes);
     part.xyz = require_matrix<double>(hyd_xyz, 3);
     part.active = require_vector<char>(hyd_node_active);
     part.panels = {require_matrix<double>(hyd_xyzc, part.np, 3),

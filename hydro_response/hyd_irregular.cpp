@@ -115,9 +115,9 @@ void cmd_hyd_irregular(std::string_view) {
     const std::string inputs[] = {source, std::string(hyd_wave_spectra), std::string(hyd_freq),
                                   std::string(hyd_beta), std::string(hyd_grav)};
     const bool is_input = std::ranges::find(inputs, target) != std::end(inputs);
-    const std::string work = unused_name(target);
-    if (!respond_to_seas(sea, tf, source, work) && is_input) return delete_array(work);
-    if (work != target) move_array(work, target);
+    Result result(target, target);
+    if (!respond_to_seas(sea, tf, source, result.name()) && is_input) return;
+    result.place();
 }
 
 constexpr Command rows[] = {

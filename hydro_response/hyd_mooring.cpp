@@ -24,10 +24,10 @@ namespace {
 
 constexpr std::int32_t most_stiffnesses = 1'000'000; // more is a slip of the pen
 
-/// The message, then the plain end of the program: nothing is saved.
+/// The message, then the end of the program; the file of the project stays as it is.
 [[noreturn]] void end_program(std::string_view message) {
     print_both(std::string(message) + "\nProgram is shutting down\n");
-    final_exit(false);
+    exit_unsaved(false);
 }
 
 // --- stiffnesses --------------------------------------------------------------------------------

@@ -254,6 +254,7 @@ MotionEquations::MotionEquations(const FluidMatrices& fluid, const ResponseOptio
 }
 
 void MotionEquations::take_frequency(int ifreq) {
+    checkpoint(); // between two frequencies
     std::ranges::copy(fluid_.added_mass.slice(ifreq).all(), mass_.view.data);
     std::ranges::copy(fluid_.damping.slice(ifreq).all(), damping_.view.data);
     if (!symmetrize_) return;

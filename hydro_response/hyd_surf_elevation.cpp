@@ -41,14 +41,14 @@ void cmd_hyd_surf_elevation(std::string_view) {
     if (!field) return;
     print_both(" \n\n                    Free Surface Elevation\n");
     const auto& [nfreq, nbeta] = std::pair(field.size().nfreq, field.size().nbeta);
-    const std::string work = "$hyd_surf_disp";
-    const auto eta = create_array3<Complex8>(work, nodes.count, nfreq, nbeta);
-    if (!field.potentials(points_of(nodes), eta)) return delete_array(work);
+    Result result(hyd_surf_disp, "$hyd_surf_disp");
+    const auto eta = result.array3<Complex8>(nodes.count, nfreq, nbeta);
+    if (!field.potentials(points_of(nodes), eta)) return;
     for (int b = 1; b <= nbeta; ++b)
         for (int f = 1; f <= nfreq; ++f)
             elevation_from_potential(field.freq()[nth(f)], field.size().grav,
                                      {&eta(1, f, b), as_size(nodes.count)});
-    move_array(work, hyd_surf_disp);
+    result.place();
 }
 
 constexpr Command rows[] = {

@@ -130,11 +130,10 @@ void cmd_hyd_tf(std::string_view) {
             a = 2 * std::numbers::pi / a;
     const auto second = get_arg(2);
     const std::string target(is_blank(second) ? hyd_tf : second);
-    // Built aside: the target may bear the name of the modal matrix.
-    const std::string temporary = "$hyd_tf";
-    const auto tf = create_array3<Complex8>(temporary, gencor.n2, gencor.n3, modemat.rows);
+    Result result(target, "$hyd_tf");
+    const auto tf = result.array3<Complex8>(gencor.n2, gencor.n3, modemat.rows);
     transfer_functions(modemat, gencor, tf);
-    move_array(temporary, target);
+    result.place();
     if (open_table_file(unit_tf, ".tf") != TableFile::opened) return;
     write_title(options);
     write_tables(options, abscissa, beta, {tf.data, tf.n1, tf.n2, tf.n3});

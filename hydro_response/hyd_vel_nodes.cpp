@@ -91,9 +91,9 @@ void cmd_hyd_velocity(std::string_view) {
 
     print_both(" \n\n                    Fluid Velocitites\n");
     const int points = 6 * nodes.count, nfreq = field.size().nfreq, nbeta = field.size().nbeta;
-    const std::string work = "$hyd_vel6pot";
-    const auto phi = create_array3<Complex8>(work, points, nfreq, nbeta);
-    if (!field.potentials(six, phi)) return delete_array(work);
+    Result potentials(hyd_vel6pot, "$hyd_vel6pot");
+    const auto phi = potentials.array3<Complex8>(points, nfreq, nbeta);
+    if (!field.potentials(six, phi)) return;
     std::ranges::copy(del, create_matrix<double>(hyd_vel_del, 3, 0).data);
     const auto xyz = create_matrix<double>(hyd_vel6_xyz, 3, points);
     for (int k = 1; k <= points; ++k)
@@ -104,7 +104,7 @@ void cmd_hyd_velocity(std::string_view) {
         for (int f = 1; f <= nfreq; ++f, v += std::ptrdiff_t{3} * nodes.count)
             velocity_from_potentials(six, {&phi(1, f, b), as_size(points)}, {v, 3, nodes.count});
     delete_array(hyd_vel6pot);
-    keep ? move_array(work, hyd_vel6pot) : delete_array(work);
+    if (keep) potentials.place();
 }
 
 void cmd_phyd_velocity(std::string_view) {

@@ -18,6 +18,10 @@ void ArrayWriter::array(const ArrayRef& array) {
     bytes(array.data, array_byte_size(array.type, array.dims));
 }
 
+bool ArrayWriter::sync() {
+    return good && std::fflush(file.get()) == 0 && fsync(fileno(file.get())) == 0;
+}
+
 /// True when an array of this type and these dims can be in the rest of the file.
 static bool is_plausible(std::uint64_t left, std::int32_t type,
                          const std::vector<std::int32_t>& dims) {

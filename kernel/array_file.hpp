@@ -26,6 +26,8 @@ struct ArrayWriter {
     }
     void integer(std::int32_t value) { bytes(&value, sizeof value); }
     void array(const ArrayRef& array);
+    /// Waits until what was written is on the disk.
+    bool sync();
     /// Closes the file; true when all of it was written (a full disk may show only here).
     bool close() { return file && std::fclose(file.release()) == 0 && good; }
 };

@@ -4,6 +4,8 @@
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
 
+#include <algorithm>
+
 namespace quelor {
 
 namespace {
@@ -33,7 +35,7 @@ bool is_creatable(std::int32_t type) {
     write_both("10(6x, 'Dimensions:', 8i10)", {dims});
     write_both("20(/, 6x, 'The problem may be insufficient memory.', //)");
     list_database();
-    final_exit(true);
+    exit_unsaved(true);
 }
 
 } // namespace
@@ -99,6 +101,39 @@ void copy_array(std::string_view from, std::string_view to) {
 
 void make_vector(std::string_view name, std::int32_t length) {
     if (!db_make_vector(name, length)) print_both(" \n\tConversion failed");
+}
+
+std::string unused_name(std::string_view name) {
+    std::string result(name);
+    while (array_exists(result))
+        result += '$';
+    return result;
+}
+
+Result::Result(std::string_view target, std::string_view work)
+    : target_(target), name_(unused_name(work)) {}
+
+Result::Result(std::string_view target, std::string_view work,
+               std::initializer_list<std::string_view> inputs)
+    : target_(target), name_(std::ranges::count(inputs, target) > 0 ? unused_name(work) : target_) {
+}
+
+Result::~Result() {
+    if (!placed_ && (created_ || name_ != target_)) delete_array(name_);
+}
+
+void* Result::create(std::int32_t type, std::span<const std::int32_t> dims) {
+    created_ = true;
+    return create_array(type, name_, dims);
+}
+
+void* Result::create(std::int32_t type, std::initializer_list<std::int32_t> dims) {
+    return create(type, std::span(dims.begin(), dims.size()));
+}
+
+void Result::place() {
+    if (name_ != target_) move_array(name_, target_);
+    placed_ = true;
 }
 
 } // namespace quelor

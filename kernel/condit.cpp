@@ -1,11 +1,12 @@
 // Conditionals and loops. There is no parse tree: a block that is not wanted is read and dropped,
-// and a loop body is written to the loop file, which is then read once for each pass.
+// and the text of a loop is put together, then read once for each pass.
 
 #include "kernel/condit.hpp"
 
 #include "kernel/dbfgen.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/iof.hpp"
+#include "kernel/process_state.hpp"
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
 
@@ -39,13 +40,15 @@ struct Level {
 
 struct BlockState {
     std::array<Level, max_levels> levels;
-    int depth = 0; // of loops; means nothing without a loop file
+    int depth = 0; // of loops; means nothing while none is replayed
     int if_depth = 0;
 
     Level& current() { return levels[as_size(depth) - 1]; }
 };
 
-BlockState state;
+BlockState& state() {
+    return process_state<BlockState>();
+}
 
 /// Reads a record of a block. False when the input file has ended before its block did: the file is
 /// left, and the caller gives up the block.
@@ -132,47 +135,46 @@ Condition run_test() {
 
 /// Drops records until `endif` closes the block of this depth, or its `else` begins.
 void skip_block(int depth, bool stop_at_else) {
-    while (state.if_depth >= depth) {
+    while (state().if_depth >= depth) {
         if (!read_block_record()) {
-            state.if_depth = depth - 1;
+            state().if_depth = depth - 1;
             return;
         }
         const auto word = get_command_word();
-        if (word == "if") ++state.if_depth;
-        if (word == "endif") --state.if_depth;
-        if (word == "else" && stop_at_else && state.if_depth == depth) return;
+        if (word == "if") ++state().if_depth;
+        if (word == "endif") --state().if_depth;
+        if (word == "else" && stop_at_else && state().if_depth == depth) return;
     }
 }
 
 void cmd_if(std::string_view) {
-    const int depth = ++state.if_depth;
+    const int depth = ++state().if_depth;
     const Condition condition = run_test();
     if (condition == Condition::error) print_both(" \n\tSkipping to end of block\n");
     if (condition != Condition::holds) skip_block(depth, condition == Condition::fails);
 }
 
 void cmd_else(std::string_view) {
-    skip_block(state.if_depth, false);
+    skip_block(state().if_depth, false);
 }
 
 void cmd_endif(std::string_view) {
-    --state.if_depth;
+    --state().if_depth;
 }
 
 // --- loops
 
 void abandon_loops() {
-    state.depth = 0;
+    state().depth = 0;
     set_echo_flag(true);
-    discard_loop_file();
+    discard_loop();
 }
 
 /// Reads to the end word of a loop; loops of its own kind inside it are counted, others are not.
-/// False when the input ended first.
-template <class Visit> bool read_to_end_word(const LoopWords& words, Visit each_record) {
+/// False when next(), which reads a record, finds none.
+template <class Next> bool read_to_end_word(const LoopWords& words, Next next) {
     for (int open = 1; open > 0;) {
-        if (!read_block_record()) return false;
-        each_record();
+        if (!next()) return false;
         const auto word = get_command_word();
         if (word == words.begin) ++open;
         if (word == words.end) --open;
@@ -180,19 +182,19 @@ template <class Visit> bool read_to_end_word(const LoopWords& words, Visit each_
     return true;
 }
 
-/// Copies the loop from its first line to its end word into the loop file.
+/// Takes the text of the loop from its first line to its end word.
 bool capture_loop(const LoopWords& words) {
-    if (!create_loop_file()) {
-        print_both(" \n\tError opening do/while LuP file - write\n");
-        print_both(" \n\tError opening do/while loop file for writing\n");
-        shutdown();
-    }
-    write_loop_record(record_text());
-    return read_to_end_word(words, [] { write_loop_record(record_text()); });
+    begin_loop_text();
+    add_loop_record(record_text());
+    return read_to_end_word(words, [] {
+        const bool read = read_block_record();
+        if (read) add_loop_record(record_text());
+        return read;
+    });
 }
 
 void start_replay() {
-    if (!replay_loop_file()) {
+    if (!replay_loop()) {
         print_both(" \n\tError opening do/while LuP file - read\n");
         print_both(" \n\tError opening do/while loop file for processing\n");
         shutdown();
@@ -208,9 +210,12 @@ void get_par(std::string_view key, double& value) {
     get_real_par(key, value);
 }
 
-/// Sets or advances the variable of a `do`, and tells whether the pass is to be run. An integer
-/// that would pass the range of 32 bits ends its loop.
-template <class T, class Wide> bool advance_variable(T& variable, bool first_pass) {
+/// What the test before a pass finds.
+enum class Pass { runs, never_ends, ends };
+
+/// Sets or advances the variable of a `do`. An integer that would pass the range of 32 bits ends
+/// its loop; a step that leaves the variable as it is does not bring it any nearer to its end.
+template <class T, class Wide> Pass advance_variable(T& variable, bool first_pass) {
     T first = 0, last = 0, step = 1;
     get_par("l=", last);
     get_par("s=", step);
@@ -218,10 +223,12 @@ template <class T, class Wide> bool advance_variable(T& variable, bool first_pas
     const Wide value = first_pass ? Wide{first} : Wide{variable} + Wide{step};
     variable = static_cast<T>(std::clamp(value, Wide{std::numeric_limits<T>::lowest()},
                                          Wide{std::numeric_limits<T>::max()}));
-    return step < 0 ? value >= last : value <= last;
+    const bool runs = step < 0 ? value >= last : value <= last;
+    if (!runs) return Pass::ends;
+    return first_pass && value + Wide{step} == value ? Pass::never_ends : Pass::runs;
 }
 
-bool advance_do(bool first_pass) {
+Pass advance_do(bool first_pass) {
     const std::string name(get_arg(1));
     if (!array_exists(name)) create_int_scalar(name, 0);
     const ArrayRef ref = find_array(name);
@@ -233,33 +240,72 @@ bool advance_do(bool first_pass) {
         return advance_variable<double, double>(*static_cast<double*>(ref.data), first_pass);
     }
     print_both(" \n\tIncorrect argument type\n");
-    return false;
+    return Pass::ends;
+}
+
+/// Name of the array that gives the step of a `do`; empty when a number does.
+std::string step_array() {
+    std::string_view text = record_text();
+    text.remove_prefix(std::min(text.find("s="), text.size()));
+    if (!text.starts_with("s=~")) return {};
+    return std::string(text.substr(3, text.find(' ') - 3));
+}
+
+bool has_argument(std::string_view name) {
+    int n = 1;
+    while (!is_blank(get_arg(n)) && get_arg(n) != name)
+        ++n;
+    return get_arg(n) == name;
+}
+
+/// Whether the block of the `do` that begins here may end the loop though its step is 0: by a
+/// break_loop, or by a command on the array that gives the step.
+bool block_can_end_loop() {
+    const std::string step = step_array();
+    const std::int64_t place = input_place();
+    bool can_end = false;
+    read_to_end_word(words_of(LoopKind::do_loop), [&] {
+        if (input_has_ended()) return false;
+        read_record(block_prompt, block_prompt, false);
+        can_end = can_end || get_command_word() == "break_loop" || has_argument(step);
+        return true;
+    });
+    return return_to_place(place) && can_end;
 }
 
 /// Reads past the end word of the current loop and leaves its level.
 void leave_loop() {
-    if (!read_to_end_word(words_of(state.current().kind), [] {})) return abandon_loops();
-    --state.depth;
-    if (state.depth == 0) abandon_loops();
+    if (!read_to_end_word(words_of(state().current().kind), read_block_record))
+        return abandon_loops();
+    --state().depth;
+    if (state().depth == 0) abandon_loops();
 }
 
 /// Decides on the next pass; the current record is the loop's first line.
 void test_pass() {
-    const Level& level = state.current();
-    const bool run = level.kind == LoopKind::while_loop ? run_test() == Condition::holds
-                                                        : advance_do(level.pass == 1);
-    if (!run) leave_loop();
+    const Level& level = state().current();
+    if (level.kind == LoopKind::while_loop) {
+        if (run_test() != Condition::holds) leave_loop();
+        return;
+    }
+    const Pass pass = advance_do(level.pass == 1);
+    if (pass == Pass::never_ends && !block_can_end_loop()) {
+        print_both(
+            " \n\tThe loop is not run: its step would not change the variable, and nothing would end it\n");
+        return leave_loop();
+    }
+    if (pass == Pass::ends) leave_loop();
 }
 
 void begin_loop(LoopKind kind) {
-    if (!loop_file_is_read()) state.depth = 0; // what a `return` out of a loop has left
-    if (state.depth == max_levels) {
+    if (!loop_is_replayed()) state().depth = 0; // what a `return` out of a loop has left
+    if (state().depth == max_levels) {
         print_both(" \nMaximum levels of do/while loops exceeded\n");
         shutdown();
     }
-    ++state.depth;
-    state.current() = {.kind = kind, .pass = 1};
-    if (state.depth == 1) {
+    ++state().depth;
+    state().current() = {.kind = kind, .pass = 1};
+    if (state().depth == 1) {
         if (!capture_loop(words_of(kind))) return abandon_loops();
         start_replay();
     }
@@ -270,7 +316,7 @@ void begin_loop(LoopKind kind) {
 /// in the text; so does an earlier loop beside this one, to which this one's end then returns.
 bool return_to_first_line(LoopKind kind) {
     if (!rewind_input()) print_both(" \n\tError rewinding do/while file\n");
-    const auto active = std::span(state.levels).first(as_size(state.depth));
+    const auto active = std::span(state().levels).first(as_size(state().depth));
     auto count = std::ranges::count(active, kind, &Level::kind);
     while (count > 0) {
         if (!read_block_record()) return false;
@@ -280,12 +326,12 @@ bool return_to_first_line(LoopKind kind) {
 }
 
 void end_loop(LoopKind kind) {
-    if (!loop_file_is_read() || state.depth == 0 || state.current().kind != kind) {
+    if (!loop_is_replayed() || state().depth == 0 || state().current().kind != kind) {
         print_both(" \nEnd_while/end_do out of sequence\n");
         shutdown();
     }
     if (!return_to_first_line(kind)) return abandon_loops();
-    ++state.current().pass;
+    ++state().current().pass;
     test_pass();
 }
 
@@ -358,7 +404,9 @@ constexpr Command loop_row[] = {
          "Repeats the block with arg1 going from f to l by steps of s. arg1 is an integer or a "
          "real scalar, and is created as an integer if it does not exist; it stays after the "
          "loop. f and l are 0 and s is 1 by default. With a negative step the loop counts down. "
-         "The limit and the step may be given as ~name, and are looked up before each pass.\n\n"
+         "The limit and the step may be given as ~name, and are looked up before each pass. A loop "
+         "whose step does not change arg1, as s=0.5 does not change an integer, is not run unless a "
+         "break_loop stands in its block.\n\n"
          "The rules of the command while hold for do as well.\n\n"
          "Example\n\tdo i f=1 l=9 s=2\n\tprinti i\n\tend_do\n\n"
          "See Also\n\tend_do, while, break_loop\n"},

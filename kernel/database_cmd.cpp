@@ -175,7 +175,7 @@ void cmd_readdb(std::string_view) {
     print_both(
         " \n\tError reading database file\n\t\tProblem may be insufficient memory or corrupted/incorrect file");
     list_database();
-    final_exit(true);
+    exit_unsaved(true);
 }
 
 void cmd_clear(std::string_view) {
@@ -236,14 +236,14 @@ constexpr Command rows[] = {
          "Command Syntax\n\treaddb [arg]\n\n"
          "Reads the database in the file \"arg.db\" and adds it to the existing database; an array of the same name is replaced.\n\n"
          "arg\n\tname of the file without its \".db\" (default = the project's name)\n\n"
-         "A file that is missing or damaged ends the program.\n\n"
+         "A file that is missing or damaged ends the program; what is in memory then goes to \"project_name.rescue.db\".\n\n"
          "Example\n\treaddb barge\n\nSee Also\n\tsave, savequit, read\n"},
     {.words = {"save"},
      .run = cmd_save,
      .summary = "save the database in a file",
      .help =
          "Command Syntax\n\tsave [arg1]\n\n"
-         "Saves the database in the file \"arg1.db\". All arrays are saved, system arrays and temporaries too. A file of that name is replaced when the new one is complete.\n\n"
+         "Saves the database in the file \"arg1.db\". All arrays are saved, system arrays and temporaries too. A file of that name is replaced when the new one is complete, but not one that is write-protected. Of a symbolic link the file that it names is replaced.\n\n"
          "arg1\n\tname of the file without its \".db\" (default = the project's name)\n\n"
          "Example\n\tsave barge\n\nSee Also\n\treaddb, savequit, write\n"},
     {.words = {"clear"},

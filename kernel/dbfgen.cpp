@@ -3,6 +3,7 @@
 #include "kernel/dbfgen.hpp"
 
 #include "kernel/memory.hpp"
+#include "kernel/process_state.hpp"
 
 #include <algorithm>
 #include <cstdlib>
@@ -79,8 +80,7 @@ struct ArrayNode {
 using Store = std::map<std::string, ArrayNode, std::less<>>;
 
 Store& store() {
-    static Store arrays;
-    return arrays;
+    return process_state<Store>();
 }
 
 /// Byte size of a block to be made; `size_overflow` for a negative dimension or a product beyond

@@ -105,6 +105,9 @@ void move_array(std::string_view from, std::string_view to);
 void copy_array(std::string_view from, std::string_view to);
 void make_vector(std::string_view name, std::int32_t length);
 
+/// The name, or the name with `$` behind it as often as it takes that no array bears it.
+std::string unused_name(std::string_view name);
+
 /// A `$` work array that lives as long as its block of code.
 /// Its name belongs to one routine: a second one under the same name would replace the first.
 template <class T> class Temporary {
@@ -114,13 +117,49 @@ public:
     ~Temporary() { delete_array(name_); }
     Temporary(const Temporary&) = delete;
     Temporary& operator=(const Temporary&) = delete;
-    /// Gives the block its final name; an array already there goes.
-    void becomes(std::string_view target) { move_array(name_, target); }
-
     Matrix<T> view;
 
 private:
     std::string name_;
+};
+
+/// The array that a command makes: built aside and given its name when it is complete, so that it
+/// may take the name of an input. A command that is given up leaves nothing of it.
+///     Result product(target, "$matmult", {a_name, b_name});
+///     multiply(a, b, product.matrix<double>(a.rows, b.cols));
+///     product.place();
+class Result {
+public:
+    /// `work` is its name until it is placed, with `$` behind it where an array bears that.
+    Result(std::string_view target, std::string_view work);
+    /// As above when the target is one of the inputs. Otherwise it has its own name from the start,
+    /// so that what bore it and the new array are never in memory together.
+    Result(std::string_view target, std::string_view work,
+           std::initializer_list<std::string_view> inputs);
+    ~Result();
+    Result(const Result&) = delete;
+    Result& operator=(const Result&) = delete;
+
+    /// Zero-filled, as by create_array; null for a type that cannot be created.
+    void* create(std::int32_t type, std::span<const std::int32_t> dims);
+    void* create(std::int32_t type, std::initializer_list<std::int32_t> dims);
+    template <class T> Matrix<T> matrix(int rows, int cols) {
+        created_ = true;
+        return create_matrix<T>(name_, rows, cols);
+    }
+    template <class T> Array3<T> array3(int n1, int n2, int n3) {
+        created_ = true;
+        return create_array3<T>(name_, n1, n2, n3);
+    }
+    /// The array just created, and its name for routines that create it themselves.
+    ArrayRef array() const { return find_array(name_); }
+    const std::string& name() const { return name_; }
+    /// Gives the array its name; what bore it goes.
+    void place();
+
+private:
+    std::string target_, name_;
+    bool created_ = false, placed_ = false;
 };
 
 } // namespace quelor

@@ -2,6 +2,7 @@
 // it. A unit whose write has failed takes no more bytes, so that no file has a hole in its middle.
 #include "kernel/fortfile.hpp"
 
+#include "kernel/process_state.hpp"
 #include "kernel/project.hpp"
 
 #include <algorithm>
@@ -32,10 +33,18 @@ struct Unit {
     bool failed = false;
 };
 
-std::map<int, Unit>& units() {
-    static std::map<int, Unit> table{
+struct UnitTable {
+    std::map<int, Unit> units{
         {unit_screen, {.file = stdout, .name = "screen", .last = Activity::writing}}};
-    return table;
+
+    ~UnitTable() {
+        for (const auto& [number, unit] : units)
+            if (unit.file && number != unit_screen) std::fclose(unit.file);
+    }
+};
+
+std::map<int, Unit>& units() {
+    return process_state<UnitTable>().units;
 }
 
 /// The unit when it is connected, else null.
@@ -178,16 +187,6 @@ std::uint64_t bytes_left(std::FILE* file) {
     return static_cast<std::uint64_t>(status.st_size - at);
 }
 
-bool backspace_line(std::FILE* file) {
-    off_t at = ftello(file);
-    if (at <= 0) return false;
-    for (--at; at > 0; --at) { // past the end of the line before, to its beginning
-        fseeko(file, at - 1, SEEK_SET);
-        if (std::getc(file) == '\n') break;
-    }
-    return fseeko(file, at, SEEK_SET) == 0;
-}
-
 bool backspace_counted(std::FILE* file) {
     const off_t at = ftello(file);
     std::uint32_t trailing = 0, leading = 0;
@@ -235,10 +234,6 @@ void close_and_delete_unit(int number) {
     std::remove(unit->name.c_str());
 }
 
-bool unit_is_open(int number) {
-    return connected(number) != nullptr;
-}
-
 void rewind_unit(int number) {
     Unit* const unit = connected(number);
     if (!unit || number == unit_screen) return;
@@ -275,19 +270,6 @@ void write_text(int unit, std::string_view text) {
 bool unit_has_failed(int number) {
     const auto found = units().find(number);
     return found != units().end() && found->second.failed;
-}
-
-bool read_line(int number, std::string& line) {
-    line.clear();
-    Unit* const unit = connected(number);
-    if (!unit || number == unit_screen) return false;
-    prepare_read(*unit);
-    int c = std::getc(unit->file);
-    if (c == EOF) return false;
-    for (; c != EOF && c != '\n'; c = std::getc(unit->file))
-        line += static_cast<char>(c);
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    return true;
 }
 
 /// Part of a record that is held back until its length is known.
@@ -355,9 +337,9 @@ bool read_record_bytes(int number, std::vector<char>& record) {
 
 bool backspace_record(int number) {
     Unit* const unit = connected(number);
-    if (!unit || number == unit_screen || unit->form == Form::stream) return false;
+    if (!unit || number == unit_screen || unit->form != Form::records) return false;
     prepare_read(*unit);
-    return unit->form == Form::records ? backspace_counted(unit->file) : backspace_line(unit->file);
+    return backspace_counted(unit->file);
 }
 
 void stream_write_bytes(int number, const void* data, std::size_t n) {

@@ -32,7 +32,6 @@ int fortopen_name(int unit, std::string_view name, std::string_view status, std:
 /// The screen is only flushed.
 void close_unit(int unit);
 void close_and_delete_unit(int unit);
-bool unit_is_open(int unit);
 void rewind_unit(int unit);
 /// To be called for the screen before a read from the console and before another program runs.
 void flush_unit(int unit);
@@ -53,11 +52,6 @@ void write_text(int unit, std::string_view text);
 /// message has been printed once and what came after is lost. Certain only after close_unit or
 /// flush_unit.
 bool unit_has_failed(int unit);
-
-// --- formatted reading ---------------------------------------------------------------------------
-
-/// Next line without its end; false at end of file.
-bool read_line(int unit, std::string& line);
 
 // --- sequential records (32-bit length, bytes, length) -------------------------------------------
 
@@ -92,7 +86,7 @@ private:
 };
 /// Next record's bytes; false at end of file or when the counts do not agree.
 bool read_record_bytes(int unit, std::vector<char>& record);
-/// Before the last record (or line, in a formatted file); false at the beginning.
+/// Before the last record; false at the beginning.
 bool backspace_record(int unit);
 
 // --- streams -------------------------------------------------------------------------------------

@@ -6,6 +6,7 @@
 
 #include "kernel/fortfile.hpp"
 #include "kernel/iof.hpp"
+#include "kernel/process_state.hpp"
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
 
@@ -27,8 +28,7 @@ struct RecordState {
 };
 
 RecordState& record() {
-    static RecordState state;
-    return state;
+    return process_state<RecordState>();
 }
 
 // --- reading ------------------------------------------------------------------------------------
@@ -52,7 +52,7 @@ std::size_t continuation_mark(std::string_view buffer, std::size_t start) {
         unit_screen,
         "10(/, 'FATAL ERROR - INPUT LINE > ', a, ' characters', //, 'Program must shut down')",
         {std::to_string(record_limit)});
-    final_exit(true);
+    exit_unsaved(true);
 }
 
 /// Reads the lines of one logical record; each continuation line overwrites the "&" before it.
@@ -279,10 +279,6 @@ std::string_view record_text() {
     return record().text;
 }
 
-std::string_view record_buffer() {
-    return record().buffer;
-}
-
 void set_record(std::string_view text) {
     RecordState& state = record();
     state.buffer = text.substr(0, text.find('\0'));
@@ -358,8 +354,8 @@ void get_complex_par(std::string_view key, std::span<Complex8> values) {
     if (ref.is(type_complex8)) {
         std::copy_n(as_span<const Complex8>(ref).begin(), count, values.begin());
     } else if (ref.is(type_real)) {
-        // The bytes of a real array are taken as 32-bit integers: the required reading, which
-        // stored databases and command files rely on. `count` of them lie within the array.
+        // A real array is read here as 32-bit integers, each the real part of a value: command
+        // files rely on it. `count` integers lie within the array.
         for (std::size_t i = 0; i < count; ++i) {
             std::int32_t word = 0;
             std::memcpy(&word, static_cast<const char*>(ref.data) + i * sizeof word, sizeof word);
@@ -423,10 +419,6 @@ bool echo_flag() {
 
 void set_echo_flag(bool on) {
     record().echo = on;
-}
-
-void reset_record_state() {
-    record() = RecordState{};
 }
 
 } // namespace quelor

@@ -21,8 +21,6 @@ void read_record(std::string_view prompt, std::string_view echo_prefix, bool ech
 void next_record(std::string_view prompt);
 /// The record without leading blanks and comment.
 std::string_view record_text();
-/// The record as read, comment included, for echoing and for the capture of loops.
-std::string_view record_buffer();
 /// Makes `text` the current record, as if it had been read (tests, and commands made from code).
 void set_record(std::string_view text);
 
@@ -67,6 +65,5 @@ double text_to_real(std::string_view text);
 /// Whether records read are copied to the output file (off while a loop replays).
 bool echo_flag();
 void set_echo_flag(bool on);
-void reset_record_state();
 
 } // namespace quelor

@@ -1,20 +1,22 @@
-// Input sources: the console, the stack of command files, and the loop file.
+// Input sources: the console, the stack of command files, and the text of the loop that is
+// replayed.
 //
-// A source reads its descriptor through a buffer of its own, so the screen is flushed exactly when
-// the program is about to wait for the console, and a loop file that fits the buffer is read from
-// the disk once however often it is rewound.
+// A source reads its descriptor through a buffer of its own, so screen and output file are flushed
+// exactly when the program is about to wait for input. All of a loop's text is in its buffer.
 
 #include "kernel/iof.hpp"
 
+#include "kernel/end_signal.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
+#include "kernel/process_state.hpp"
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -27,42 +29,65 @@ constexpr std::size_t buffer_size = 65536;
 constexpr std::size_t line_limit = record_limit + 5; // one more than a record may have, and its end
 constexpr std::size_t raw_limit = 128;
 
+constexpr int no_descriptor = -1; // of a source that is in its buffer altogether
+
 struct Source {
-    int descriptor = -1;
+    int descriptor = no_descriptor;
     bool echo = false;
     bool ended = false;         // nothing is left to read
     bool closed_itself = false; // has given the "return" of its end
     std::vector<char> buffer{};
     std::size_t next = 0, filled = 0;
-    bool holds_start = true; // the buffer begins at the file's first byte
+    std::int64_t start = 0; // place of the buffer's first byte in the source
 };
 
 struct InputState {
     Source console{.descriptor = STDIN_FILENO};
     std::vector<Source> stack;
-    int loop_level = 0; // depth of the loop file while it is read
-    std::FILE* loop_capture = nullptr;
-    bool loop_write_failed = false;
+    int loop_level = 0; // depth of the loop while it is replayed
+    std::vector<char> loop_text;
     bool log_on_saved = false;
+
+    ~InputState() {
+        for (const Source& source : stack)
+            close(source.descriptor);
+    }
 };
 
-InputState state;
+InputState& state() {
+    return process_state<InputState>();
+}
+
+/// Reads into the buffer; the number of bytes, or none at the end of the source or on a fault.
+std::size_t read_bytes(int descriptor, std::span<char> buffer) {
+    flush_unit(unit_screen);
+    flush_unit(unit_output);
+    reading_from(descriptor);
+    pollfd ready{.fd = descriptor, .events = POLLIN, .revents = 0};
+    poll(&ready, 1, -1); // a pipe that nobody has opened for writing yet
+    ssize_t got = 0;
+    do
+        got = read(descriptor, buffer.data(), buffer.size());
+    while (got < 0 && errno == EINTR);
+    reading_from(STDIN_FILENO);
+    obey_end_signal();
+    return got > 0 ? as_size(got) : 0;
+}
 
 bool fill(Source& source) {
     if (source.ended) return false;
-    if (source.descriptor == STDIN_FILENO) flush_unit(unit_screen);
-    source.buffer.resize(buffer_size);
-    ssize_t got = 0;
-    do
-        got = read(source.descriptor, source.buffer.data(), buffer_size);
-    while (got < 0 && errno == EINTR);
-    if (got <= 0) {
+    std::size_t got = 0;
+    if (source.descriptor != no_descriptor) {
+        source.buffer.resize(buffer_size);
+        got = read_bytes(source.descriptor, source.buffer);
+    }
+    if (got == 0) {
         source.ended = true;
         return false;
     }
-    source.holds_start = source.filled == 0 && source.holds_start;
+    source.start += static_cast<std::int64_t>(source.filled);
     source.next = 0;
-    source.filled = as_size(got);
+    source.filled = got;
     return true;
 }
 
@@ -96,9 +121,10 @@ void trim_end(std::string& text) {
 bool take_console_line(std::string_view prompt, LineKind kind, std::size_t limit,
                        std::string& line) {
     const EditedLine edited = edit_line(prompt, kind, line);
+    obey_end_signal();
     if (edited == EditedLine::no_terminal) {
         write_text(unit_screen, prompt);
-        return take_line(state.console, limit, line) == LineEnd::newline || !line.empty();
+        return take_line(state().console, limit, line) == LineEnd::newline || !line.empty();
     }
     line.resize(std::min(line.size(), limit));
     return edited == EditedLine::complete;
@@ -116,49 +142,64 @@ InputLine read_console_line(std::string_view prompt, LineKind kind) {
 }
 
 Source& current_source() {
-    return state.stack.empty() ? state.console : state.stack.back();
+    return state().stack.empty() ? state().console : state().stack.back();
 }
 
-std::string loop_file_name() {
-    return std::string(project_name()) + ".LuP";
+/// Goes to a place in the source.
+bool go_to(Source& source, std::int64_t place) {
+    const std::int64_t within = place - source.start;
+    if (within < 0 || within > static_cast<std::int64_t>(source.filled)) {
+        if (lseek(source.descriptor, place, SEEK_SET) != place) return false;
+        source.filled = 0;
+        source.start = place;
+    }
+    source.next = as_size(place - source.start);
+    source.closed_itself = false;
+    source.ended = false;
+    return true;
+}
+
+/// Room on the stack; a message where there is none.
+bool has_room() {
+    if (input_depth() < input_levels) return true;
+    print_both("         Filein command ignored; too many files opened\n");
+    return false;
 }
 
 void restore_after_loop() {
-    state.loop_level = 0;
-    std::remove(loop_file_name().c_str());
-    set_log_on(state.log_on_saved);
+    state().loop_level = 0;
+    set_log_on(state().log_on_saved);
     set_echo_flag(true);
 }
 
 } // namespace
 
 int open_input_file(std::string_view name, bool echo) {
-    if (input_depth() == input_levels) {
-        print_both("         Filein command ignored; too many files opened\n");
-        return 0;
-    }
-    const int descriptor = open(std::string(name).c_str(), O_RDONLY | O_CLOEXEC);
+    if (!has_room()) return 0;
+    const int descriptor = open(std::string(name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) return 0;
+    fcntl(descriptor, F_SETFL, O_RDONLY); // the opening of a pipe does not wait, the reading does
     struct stat status {};
     if (fstat(descriptor, &status) != 0 || S_ISDIR(status.st_mode)) {
         close(descriptor);
         return 0;
     }
-    state.stack.push_back(Source{.descriptor = descriptor, .echo = echo});
+    state().stack.push_back(Source{.descriptor = descriptor, .echo = echo});
     return input_depth();
 }
 
 int input_depth() {
-    return static_cast<int>(state.stack.size());
+    return static_cast<int>(state().stack.size());
 }
 bool input_is_console() {
-    return state.stack.empty();
+    return state().stack.empty();
 }
 bool input_echo() {
     return current_source().echo;
 }
 
 InputLine read_input_line(std::string_view prompt, bool prompt_written, LineKind kind) {
+    obey_end_signal();
     if (input_is_console()) return read_console_line(prompt_written ? "" : prompt, kind);
     Source& source = current_source();
     InputLine line;
@@ -186,7 +227,7 @@ bool read_console_answer(std::string_view prompt, std::string& line) {
 }
 
 void pop_input() {
-    if (!state.stack.empty()) close_inputs_from(input_depth() - 1);
+    if (!state().stack.empty()) close_inputs_from(input_depth() - 1);
 }
 
 void return_from_input() {
@@ -202,71 +243,61 @@ void return_from_input() {
 
 void close_inputs_from(int level) {
     while (input_depth() > level) {
-        close(state.stack.back().descriptor);
-        state.stack.pop_back();
+        if (state().stack.back().descriptor != no_descriptor)
+            close(state().stack.back().descriptor);
+        state().stack.pop_back();
     }
-    if (state.loop_level > level) restore_after_loop();
+    if (state().loop_level > level) restore_after_loop();
 }
 
 bool rewind_input() {
     if (input_is_console()) return false;
     Source& source =
-        state.loop_level > 0 ? state.stack[as_size(state.loop_level) - 1] : current_source();
-    if (!source.holds_start) {
-        if (lseek(source.descriptor, 0, SEEK_SET) != 0) return false;
-        source.filled = 0;
-        source.holds_start = true;
-    }
-    source.next = 0;
-    source.closed_itself = false;
-    source.ended = false;
-    return true;
+        state().loop_level > 0 ? state().stack[as_size(state().loop_level) - 1] : current_source();
+    return go_to(source, 0);
+}
+
+std::int64_t input_place() {
+    const Source& source = current_source();
+    return source.start + static_cast<std::int64_t>(source.next);
+}
+
+bool return_to_place(std::int64_t place) {
+    return go_to(current_source(), place);
 }
 
 void close_all_inputs() {
     close_inputs_from(0);
-    discard_loop_file();
+    discard_loop();
 }
 
-bool create_loop_file() {
-    state.loop_capture = std::fopen(loop_file_name().c_str(), "w");
-    state.loop_write_failed = false;
-    return state.loop_capture != nullptr;
+void begin_loop_text() {
+    state().loop_text.clear();
 }
 
-void write_loop_record(std::string_view record) {
-    const bool written =
-        std::fwrite(record.data(), 1, record.size(), state.loop_capture) == record.size() &&
-        std::fputc('\n', state.loop_capture) != EOF;
-    state.loop_write_failed = state.loop_write_failed || !written;
+void add_loop_record(std::string_view record) {
+    state().loop_text.insert(state().loop_text.end(), record.begin(), record.end());
+    state().loop_text.push_back('\n');
 }
 
-bool replay_loop_file() {
-    const bool closed = std::fclose(state.loop_capture) == 0;
-    state.loop_capture = nullptr;
-    const bool whole = closed && !state.loop_write_failed;
-    const int level = whole ? open_input_file(loop_file_name(), false) : 0;
-    if (level == 0) {
-        std::remove(loop_file_name().c_str());
-        return false;
-    }
-    state.loop_level = level;
-    state.log_on_saved = log_on();
+bool replay_loop() {
+    if (!has_room()) return false;
+    Source loop;
+    loop.buffer = std::move(state().loop_text);
+    loop.filled = loop.buffer.size();
+    state().stack.push_back(std::move(loop));
+    state().loop_level = input_depth();
+    state().log_on_saved = log_on();
     set_log_on(false);
     return true;
 }
 
-bool loop_file_is_read() {
-    return state.loop_level > 0;
+bool loop_is_replayed() {
+    return state().loop_level > 0;
 }
 
-void discard_loop_file() {
-    if (state.loop_capture) {
-        std::fclose(state.loop_capture);
-        state.loop_capture = nullptr;
-        std::remove(loop_file_name().c_str());
-    }
-    if (loop_file_is_read()) close_inputs_from(state.loop_level - 1);
+void discard_loop() {
+    if (loop_is_replayed()) close_inputs_from(state().loop_level - 1);
 }
 
 } // namespace quelor

@@ -1,5 +1,5 @@
 // The stack of input sources beneath the record reader: command files, the replayed log and the
-// loop file over the console.
+// text of a loop over the console.
 #pragma once
 
 #include "kernel/terminal.hpp"
@@ -40,19 +40,22 @@ void pop_input();
 void return_from_input();
 /// Closes every file above the first `level` ones.
 void close_inputs_from(int level);
-/// Back to the first line of the loop file, or failing that of the current file.
+/// Back to the first line of the loop, or failing that of the current file.
 bool rewind_input();
+/// The place of the next line in the current source, and the way back to it.
+std::int64_t input_place();
+bool return_to_place(std::int64_t place);
 void close_all_inputs();
 
-// The loop file "<project>.LuP": first written, then read again and again as an input file while
-// the log is set aside, then deleted.
+// The text of a loop: first put together, then read again and again like an input file while the
+// log is set aside. It is kept in memory, so that sessions side by side have nothing in common.
 
-bool create_loop_file();
-void write_loop_record(std::string_view record);
-/// Ends the writing and makes the file the current input.
-bool replay_loop_file();
-bool loop_file_is_read();
-/// Drops the loop file with whatever was opened above it, and sets log and record echo back.
-void discard_loop_file();
+void begin_loop_text();
+void add_loop_record(std::string_view record);
+/// Makes the text the current input; false when too many files are open.
+bool replay_loop();
+bool loop_is_replayed();
+/// Drops the loop with whatever was opened above it, and sets log and record echo back.
+void discard_loop();
 
 } // namespace quelor

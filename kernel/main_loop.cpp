@@ -8,6 +8,8 @@
 #include "kernel/iof.hpp"
 #include "kernel/utilities.hpp"
 
+#include <new>
+#include <stdexcept>
 #include <vector>
 
 namespace quelor {
@@ -29,8 +31,20 @@ static std::string read_command() {
     return std::string(alias_to_internal(get_command_word()));
 }
 
+/// Runs a command. Scratch memory that is refused gives it up; its own clearing up has then freed
+/// what it had taken.
+static void run(const Command& command, std::string_view word) {
+    try {
+        return command.run(word);
+    } catch (const std::bad_alloc&) {
+    } catch (const std::length_error&) { // a size beyond all memory
+    }
+    print_both(" \n\tNot enough memory for command \"" + std::string(word) +
+               "\"; it is given up, the session goes on\n");
+}
+
 void dispatch(std::span<const CommandTable* const> chain, std::string_view word) {
-    if (const Command* command = find_command(chain, word)) return command->run(word);
+    if (const Command* command = find_command(chain, word)) return run(*command, word);
     if (is_planned(chain, word)) {
         return write_both("('    Command \"', a, '\" is not available in this version')",
                           {alias_to_user(word)});

@@ -1,8 +1,10 @@
 #include "kernel/require.hpp"
 
+#include "kernel/fortfile.hpp"
 #include "kernel/project.hpp"
 #include "kernel/utilities.hpp"
 
+#include <cmath>
 #include <string>
 
 namespace quelor {
@@ -51,6 +53,22 @@ std::int32_t require_int(std::string_view name) {
 
 double require_real(std::string_view name) {
     return *static_cast<const double*>(require_array(name, type_real, {any_size, any_size}).data);
+}
+
+std::int32_t require_count(std::string_view name, std::int32_t least, std::int32_t most) {
+    const std::int32_t n = require_int(name);
+    if (least <= n && n <= most) return n;
+    shutdown_with(" \n\tArray " + std::string(name) + " holds " + std::to_string(n) +
+                  "; it must be a number from " + std::to_string(least) + " to " +
+                  std::to_string(most) + "\n");
+}
+
+double require_positive(std::string_view name) {
+    const double x = require_real(name);
+    if (std::isfinite(x) && x > 0) return x;
+    write_both("(/, '      Array ', a, ' holds', 1pe12.4, '; it must be greater than 0', /)",
+               {name, x});
+    shutdown();
 }
 
 ArrayRef Inputs::array(std::string_view name, TypeCode type, std::initializer_list<int> dims) {

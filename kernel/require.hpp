@@ -1,5 +1,5 @@
-// Look-ups of arrays without which a command cannot go on. An absent, mistyped or misshapen array is
-// named on both units; then the program takes the fatal path (`require_...`) or the command ends
+// Look-ups of arrays without which a command cannot go on. An absent, mistyped or misshapen array
+// is named on both units; then the program takes the fatal path (`require_...`) or the command ends
 // (`Inputs`).
 #pragma once
 
@@ -17,6 +17,10 @@ inline constexpr int any_size = -1;
 ArrayRef require_array(std::string_view name, TypeCode type, std::initializer_list<int> dims);
 std::int32_t require_int(std::string_view name);
 double require_real(std::string_view name);
+/// The same where only part of the numbers has a meaning; any other, which a user may have put into
+/// the array, is named and ends the program likewise.
+std::int32_t require_count(std::string_view name, std::int32_t least, std::int32_t most);
+double require_positive(std::string_view name);
 
 template <class T>
 Matrix<const T> require_matrix(std::string_view name, int rows = any_size, int cols = any_size) {

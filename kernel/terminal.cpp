@@ -6,8 +6,10 @@
 #include "kernel/terminal.hpp"
 
 #include "kernel/completion.hpp"
+#include "kernel/end_signal.hpp"
 #include "kernel/fortfile.hpp"
 #include "kernel/history.hpp"
+#include "kernel/process_state.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -36,14 +38,20 @@ struct TerminalState {
     std::string prompt;
     LineKind kind = LineKind::data;
     bool given_up = false;
+
+    ~TerminalState();
 };
 
-TerminalState state;
-volatile std::sig_atomic_t interrupted = 0;
+TerminalState& state() {
+    return process_state<TerminalState>();
+}
+
+// What the handler of Ctrl-C knows and leaves.
+volatile std::sig_atomic_t interrupted = 0, line_editing = 0;
 
 void note_interrupt(int) {
     interrupted = 1;
-    if (!state.editor) return; // the line that is being typed may be all that there is to give up
+    if (!line_editing) return; // the line that is being typed may be all that there is to give up
     constexpr std::string_view note =
         "\n(The command in hand runs to its end; Ctrl-\\ ends the program without saving.)\n";
     const int saved = errno;
@@ -55,7 +63,7 @@ void note_interrupt(int) {
 /// more than ASCII; the rest of the program stays in the locale "C".
 class UserCharacters {
 public:
-    UserCharacters() : before_(uselocale(state.characters)) {}
+    UserCharacters() : before_(uselocale(state().characters)) {}
     ~UserCharacters() { uselocale(before_); }
     UserCharacters(const UserCharacters&) = delete;
     UserCharacters& operator=(const UserCharacters&) = delete;
@@ -74,7 +82,7 @@ locale_t user_characters() {
 // --- keys ----------------------------------------------------------------------------------------
 
 char* prompt_text(EditLine*) {
-    return state.prompt.data();
+    return state().prompt.data();
 }
 
 std::size_t columns_of(EditLine* editor) {
@@ -88,11 +96,11 @@ std::size_t row_of(const LineInfo& line, const char* end, std::size_t screen) {
     const auto continues_character = [](char c) { return (c & 0xc0) == 0x80; };
     const auto bytes = as_size(end - line.buffer);
     const auto more = std::count_if(line.buffer, end, continues_character);
-    return (state.prompt.size() + bytes - as_size(more)) / screen;
+    return (state().prompt.size() + bytes - as_size(more)) / screen;
 }
 
 unsigned char give_up_line(EditLine* editor, int) {
-    state.given_up = true;
+    state().given_up = true;
     const LineInfo& line = *el_line(editor);
     const auto screen = columns_of(editor);
     const auto below = row_of(line, line.lastchar, screen) - row_of(line, line.cursor, screen);
@@ -139,7 +147,7 @@ void list_names(EditLine* editor, const std::vector<std::string>& names) {
 /// Tab: completes as far as the names agree, and shows them when that is no further than typed. In
 /// a data line it stands for itself.
 unsigned char complete_word(EditLine* editor, int) {
-    if (state.kind != LineKind::command)
+    if (state().kind != LineKind::command)
         return el_insertstr(editor, "\t") == 0 ? CC_REFRESH : CC_ERROR;
     const LineInfo* line = el_line(editor);
     const std::string typed(line->buffer, line->cursor);
@@ -195,10 +203,20 @@ void remember(std::string line) {
     HistEvent event{};
     line.resize(line.find_last_not_of(" \t") + 1);
     if (line.empty()) return;
-    const bool same = history(state.commands, &event, H_FIRST) == 0 && event.str == line;
+    const bool same = history(state().commands, &event, H_FIRST) == 0 && event.str == line;
     if (same) return;
-    history(state.commands, &event, H_ENTER, line.c_str());
-    append_history(state.file, line);
+    history(state().commands, &event, H_ENTER, line.c_str());
+    append_history(state().file, line);
+}
+
+TerminalState::~TerminalState() {
+    interrupted = 0;
+    line_editing = 0;
+    if (!editor) return;
+    el_end(editor);
+    history_end(commands);
+    history_end(empty);
+    freelocale(characters);
 }
 
 // --- the editor ----------------------------------------------------------------------------------
@@ -209,21 +227,22 @@ bool has_cursor() {
 }
 
 void begin_editor() {
-    state.characters = user_characters();
+    state().characters = user_characters();
     const UserCharacters characters;
-    state.editor = el_init("quelor-zt", stdin, stdout, stderr);
-    if (!state.editor) return;
-    set_keys(state.editor);
-    state.commands = make_history();
-    state.empty = make_history();
-    state.file = history_file();
+    state().editor = el_init("quelor-zt", stdin, stdout, stderr);
+    if (!state().editor) return;
+    line_editing = 1;
+    set_keys(state().editor);
+    state().commands = make_history();
+    state().empty = make_history();
+    state().file = history_file();
     HistEvent event{};
-    for (const std::string& line : read_history(state.file, history_limit))
-        history(state.commands, &event, H_ENTER, line.c_str());
+    for (const std::string& line : read_history(state().file, history_limit))
+        history(state().commands, &event, H_ENTER, line.c_str());
 }
 
 void begin() {
-    state.begun = true;
+    state().begun = true;
     if (!isatty(STDIN_FILENO) || !isatty(STDOUT_FILENO)) return;
     struct sigaction action {};
     action.sa_handler = note_interrupt;
@@ -235,26 +254,28 @@ void begin() {
 } // namespace
 
 EditedLine edit_line(std::string_view prompt, LineKind kind, std::string& line) {
-    if (!state.begun) begin();
-    if (!state.editor) return EditedLine::no_terminal;
+    if (!state().begun) begin();
+    if (!state().editor) return EditedLine::no_terminal;
     const UserCharacters characters;
     const auto last_line = prompt.rfind('\n') + 1;
     write_text(unit_screen, prompt.substr(0, last_line));
     flush_unit(unit_screen);
-    state.prompt = prompt.substr(last_line);
-    state.kind = kind;
-    el_set(state.editor, EL_HIST, history,
-           kind == LineKind::command ? state.commands : state.empty);
+    flush_unit(unit_output);
+    state().prompt = prompt.substr(last_line);
+    state().kind = kind;
+    el_set(state().editor, EL_HIST, history,
+           kind == LineKind::command ? state().commands : state().empty);
     do {
-        state.given_up = false;
+        state().given_up = false;
         int count = 0;
-        const char* const typed = el_gets(state.editor, &count);
+        const char* const typed = el_gets(state().editor, &count);
         // A byte that is no character, or a signal, spoils the line and not the session.
-        if (!typed && count < 0 && (errno == EILSEQ || errno == EINTR)) state.given_up = true;
-        if (!typed && !state.given_up) return EditedLine::end_of_input;
+        const bool spoilt = !typed && count < 0 && (errno == EILSEQ || errno == EINTR);
+        if (spoilt && end_signal() == 0) state().given_up = true;
+        if (!typed && !state().given_up) return EditedLine::end_of_input;
         line = typed ? typed : "";
-    } while (state.given_up && kind != LineKind::answer);
-    if (state.given_up) return EditedLine::end_of_input;
+    } while (state().given_up && kind != LineKind::answer);
+    if (state().given_up) return EditedLine::end_of_input;
     if (line.ends_with('\n')) line.pop_back();
     if (kind == LineKind::command) remember(line);
     return EditedLine::complete;

@@ -31,7 +31,7 @@ void cmd_new_project(std::string_view) {
 /// Tries the name, then the name with (or the project's batch file without) its extension. Files
 /// opened while a loop is replayed do not echo under their first name.
 bool open_batch_file(std::string_view name, bool echo) {
-    const bool first_echo = echo && !loop_file_is_read();
+    const bool first_echo = echo && !loop_is_replayed();
     if (is_blank(name)) {
         return open_input_file(std::string(project_name()) + ".txt", first_echo) > 0 ||
                open_input_file(project_name(), echo) > 0;
@@ -63,8 +63,10 @@ void cmd_login(std::string_view) {
 
 /// While the log is replayed it is an input file and not open for writing; quit then returns to it.
 void quit_program(bool save) {
-    if (save) save_database(project_name());
-    if (log_is_open() || input_is_console()) final_exit(false);
+    const bool lost = save && !save_database(project_name());
+    const bool ends = log_is_open() || input_is_console();
+    if (ends && lost) exit_unsaved(false);
+    if (ends) final_exit(false);
     close_inputs_from(1);
     set_echo_flag(true);
 }
@@ -150,6 +152,7 @@ constexpr Command project_row[] = {
          "Clears the database and starts a project; its name is asked for. The database of the "
          "project before is not saved. The lines that are typed are added to the file "
          "\"name.log\", and the output goes to the file \"name.out\", which is written over.\n\n"
+         "A project is open in one session at a time; another one is asked for a new name.\n\n"
          "In a batch file the next line is the project name.\n\n"
          "Example\n\tnew_project\n\tbarge\n\n"
          "See Also\n\tname?, save, clear\n"},

@@ -87,18 +87,6 @@ char* create_string_array(std::string_view text, std::string_view name) {
     return data;
 }
 
-std::string_view string_of(const ArrayRef& ref) {
-    const auto chars = as_matrix<const char>(ref).all();
-    return up_to_nul({chars.data(), chars.size()});
-}
-
-std::string unused_name(std::string_view name) {
-    std::string result(name);
-    while (array_exists(result))
-        result += '$';
-    return result;
-}
-
 Shape rc_to_dims(int r, int c) {
     if (r > 0 && c > 0) return {2, r, c};
     if (r == 0 && c > 0) return {2, 1, c};

@@ -22,11 +22,6 @@ void not_found(std::string_view name);
 
 /// Character array of dims (1, n + 1) holding the text and a NUL.
 char* create_string_array(std::string_view text, std::string_view name);
-/// The name, or the name with `$` behind it as often as it takes that no array bears it: for
-/// results that are built beside arrays of any name and then moved.
-std::string unused_name(std::string_view name);
-/// Text of a character array up to its first NUL, at most rows * cols characters.
-std::string_view string_of(const ArrayRef& ref);
 
 /// Normalises the `r=`, `c=` pair of an input command to the dims of the array; ndim 0 when the
 /// pair is not a shape: r > 0, c > 0: matrix; r = 0, c > 0: row; r > 0, c = 0: vector.

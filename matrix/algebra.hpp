@@ -73,14 +73,7 @@ template <class F> void with_type(std::int32_t type, F f) {
         f(std::type_identity<Complex8>{});
 }
 
-/// Creates a zero-filled array under a name that no array bears, lets fill(data) complete it and
-/// moves it to `target`, which may be the name of an input.
-template <class F>
-void replace_array(std::string_view target, std::int32_t type, std::span<const std::int32_t> dims,
-                   F fill) {
-    const std::string result = unused_name("$algebra");
-    fill(create_array(type, result, dims));
-    move_array(result, target);
-}
+/// Name of results until they are placed.
+inline constexpr std::string_view algebra_work = "$algebra";
 
 } // namespace quelor

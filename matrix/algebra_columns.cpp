@@ -34,10 +34,11 @@ double size_of(Complex8 z) {
 /// Creates `target` as a vector of n elements x(j) = of_column(j).
 template <class T, class OfColumn>
 void create_vector(std::string_view target, int n, OfColumn of_column) {
-    replace_array(target, type_code<T>, std::array{std::int32_t{n}}, [&](void* data) {
-        for (int j = 1; j <= n; ++j)
-            static_cast<T*>(data)[j - 1] = of_column(j);
-    });
+    Result result(target, algebra_work);
+    const auto vector = result.matrix<T>(n, 0);
+    for (int j = 1; j <= n; ++j)
+        vector(j) = of_column(j);
+    result.place();
 }
 
 // --- sumcol ---

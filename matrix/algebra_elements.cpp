@@ -87,8 +87,9 @@ template <bool subtract> void cmd_add(std::string_view) {
     if (!begins_inside(region, a)) return print_both(" \n\tRow or column is out of range\n");
     with_type(a.type, [&]<class T>(std::type_identity<T>) {
         if (is_blank(target)) return add_region<T, subtract>(a, b, a.data, region);
-        replace_array(target, a.type, a.dims,
-                      [&](void* data) { add_region<T, subtract>(a, b, data, region); });
+        Result result(target, algebra_work);
+        add_region<T, subtract>(a, b, result.create(a.type, a.dims), region);
+        result.place();
     });
 }
 
@@ -117,12 +118,13 @@ void cmd_subcol(std::string_view) {
     if (a.is(type_integer)) return print_both(" \n\tCommand not implemented for integers\n");
     if (!is_numeric(a)) return print_both(" \n\tCommand not implemented for data type\n");
     if (!same_dims(a, b)) return print_both(" \n\tDimensions are incompatible\n");
-    replace_array(target, a.type, a.dims, [&](void* data) {
-        if (a.is(type_real))
-            subtract_columns<double>(a, b, c, data);
-        else
-            subtract_columns<Complex8>(a, b, c, data);
-    });
+    Result result(target, algebra_work);
+    void* const data = result.create(a.type, a.dims);
+    if (a.is(type_real))
+        subtract_columns<double>(a, b, c, data);
+    else
+        subtract_columns<Complex8>(a, b, c, data);
+    result.place();
 }
 
 // --- mult_elem ---
@@ -151,8 +153,9 @@ void cmd_mult_elem(std::string_view) {
         return print_both(" \n\tDivision by zero\n");
     with_type(a.type, [&]<class T>(std::type_identity<T>) {
         if (is_blank(target)) return combine_elements<T>(a, b, a.data, divide);
-        replace_array(target, a.type, a.dims,
-                      [&](void* data) { combine_elements<T>(a, b, data, divide); });
+        Result result(target, algebra_work);
+        combine_elements<T>(a, b, result.create(a.type, a.dims), divide);
+        result.place();
     });
 }
 

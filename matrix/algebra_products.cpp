@@ -1,6 +1,5 @@
 // Products of matrices.
-// Reads the arrays named by the first two arguments and creates the third, under the temporary name
-// `$matmult` (or `$algebra`) where it bears the name of an input.
+// Reads the arrays named by the first two arguments and creates the third.
 #include "matrix/algebra.hpp"
 #include "numeric/dense_products.hpp"
 
@@ -14,8 +13,6 @@ namespace {
 
 template <bool transposed> void cmd_mult(std::string_view) {
     if (is_blank(get_arg(3))) return print_both(" \n\tThree arguments required\n");
-    const std::string target(get_arg(3));
-    const bool own_input = target == get_arg(1) || target == get_arg(2);
     const ArrayPair arrays = find_arguments_2d(1, 2);
     if (!arrays) return;
     const ArrayRef a = arrays.a, b = arrays.b;
@@ -23,12 +20,12 @@ template <bool transposed> void cmd_mult(std::string_view) {
     if ((transposed ? a.rows() : a.cols()) != b.rows())
         return print_both(" \n\tDimensions are incompatible\n");
     if (!is_numeric(a)) return print_both(" \n\tNot implemented for array types\n");
-    const std::string name = own_input ? unused_name("$matmult") : target;
+    Result result(get_arg(3), "$matmult", {get_arg(1), get_arg(2)});
     with_type(a.type, [&]<class T>(std::type_identity<T>) {
         const auto x = as_matrix<const T>(a), y = as_matrix<const T>(b);
-        mat_mult(x, y, create_matrix<T>(name, transposed ? x.cols : x.rows, y.cols), transposed);
+        mat_mult(x, y, result.matrix<T>(transposed ? x.cols : x.rows, y.cols), transposed);
     });
-    if (own_input) move_array(name, target);
+    result.place();
 }
 
 template <class T> T column_product(std::span<const T> x, std::span<const T> y) {
@@ -48,13 +45,14 @@ void cmd_mult_col(std::string_view) {
     if (a.rows() != b.rows() || a.cols() != b.cols())
         return print_both(" \n\tDimensions are incompatible\n");
     if (!is_numeric(a)) return print_both(" \n\tNot implemented for array types\n");
+    Result result(target, algebra_work);
     with_type(a.type, [&]<class T>(std::type_identity<T>) {
         const auto x = as_matrix<const T>(a), y = as_matrix<const T>(b);
-        replace_array(target, a.type, std::array{1, x.cols}, [&](void* data) {
-            for (int j = 1; j <= x.cols; ++j)
-                static_cast<T*>(data)[j - 1] = column_product(x.col(j), y.col(j));
-        });
+        const auto row = result.matrix<T>(1, x.cols);
+        for (int j = 1; j <= x.cols; ++j)
+            row(1, j) = column_product(x.col(j), y.col(j));
     });
+    result.place();
 }
 
 void cmd_diag_mult(std::string_view) {
@@ -68,15 +66,15 @@ void cmd_diag_mult(std::string_view) {
     if (d.rows() != b.rows()) return print_both(" \n\tDimensions are incompatible\n");
     if (d.type != b.type) return print_both(" \n\tIncompatible types\n");
     if (!is_numeric(d)) return print_both(" \n\tNot implemented for array types\n");
+    Result result(target, algebra_work);
     with_type(d.type, [&]<class T>(std::type_identity<T>) {
         const auto diagonal = as_matrix<const T>(d), x = as_matrix<const T>(b);
-        replace_array(target, d.type, b.dims, [&](void* data) {
-            const Matrix<T> y{static_cast<T*>(data), x.rows, x.cols};
-            for (int j = 1; j <= x.cols; ++j)
-                for (int i = 1; i <= x.rows; ++i)
-                    y(i, j) = times(diagonal(i), x(i, j));
-        });
+        const Matrix<T> y{static_cast<T*>(result.create(d.type, b.dims)), x.rows, x.cols};
+        for (int j = 1; j <= x.cols; ++j)
+            for (int i = 1; i <= x.rows; ++i)
+                y(i, j) = times(diagonal(i), x(i, j));
     });
+    result.place();
 }
 
 constexpr Command rows[] = {

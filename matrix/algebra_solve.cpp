@@ -157,9 +157,9 @@ void cmd_invert(std::string_view) {
         return print_both(" \n\tNot implemented for array type\n");
     with_type(a.type, [&]<class T>(std::type_identity<T>) {
         if constexpr (!std::is_same_v<T, std::int32_t>) {
-            replace_array(target, a.type, std::array{a.rows(), a.cols()}, [&](void* data) {
-                invert(as_matrix<T>(a), {static_cast<T*>(data), a.rows(), a.cols()});
-            });
+            Result result(target, algebra_work);
+            invert(as_matrix<T>(a), result.matrix<T>(a.rows(), a.cols()));
+            result.place();
         }
     });
 }

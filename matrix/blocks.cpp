@@ -1,7 +1,5 @@
-// The array that a command makes, and the copy of blocks of elements.
+// The copy of blocks of elements.
 #include "matrix/blocks.hpp"
-
-#include "kernel/utilities.hpp"
 
 #include <algorithm>
 #include <array>
@@ -53,23 +51,6 @@ void copy_strided(std::int64_t rows, std::int64_t cols, SourceBlock from, Target
 }
 
 } // namespace
-
-Result::Result(std::string_view target, std::string_view work,
-               std::initializer_list<std::string_view> inputs)
-    : target_(target), name_(std::ranges::count(inputs, target) > 0 ? unused_name(work) : target_) {
-}
-
-void* Result::create(std::int32_t type, std::span<const std::int32_t> dims) const {
-    return create_array(type, name_, dims);
-}
-
-void* Result::create(std::int32_t type, std::initializer_list<std::int32_t> dims) const {
-    return create_array(type, name_, dims);
-}
-
-void Result::place() const {
-    if (name_ != target_) move_array(name_, target_);
-}
 
 bool is_movable(std::int32_t type) {
     return element_size(type) > 0 && type != type_pointer && type != type_unnamed;

@@ -1,32 +1,11 @@
-// What the commands that move or compute elements share: the array that a command makes, and the
-// copy of a block of elements between two arrays.
+// What the commands that move elements share: the copy of a block of elements between two arrays.
 #pragma once
 
 #include "kernel/dbfgen.hpp"
 
 #include <cstddef>
-#include <initializer_list>
-#include <string>
 
 namespace quelor {
-
-/// The array that a command makes: created under its own name or, when an input bears that name,
-/// beside it under the name of a work array, to be moved at the end.
-class Result {
-public:
-    Result(std::string_view target, std::string_view work,
-           std::initializer_list<std::string_view> inputs);
-    /// Zero-filled. The type is one that can be created.
-    void* create(std::int32_t type, std::span<const std::int32_t> dims) const;
-    void* create(std::int32_t type, std::initializer_list<std::int32_t> dims) const;
-    /// The block just created, as an array.
-    ArrayRef array() const { return find_array(name_); }
-    /// Gives the array its name; what bore it goes.
-    void place() const;
-
-private:
-    std::string target_, name_;
-};
 
 /// True for the types whose elements can be moved: all that a user can create.
 bool is_movable(std::int32_t type);

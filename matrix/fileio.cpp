@@ -27,12 +27,10 @@ void cmd_read(std::string_view) {
     if (is_blank(get_arg(2))) return print_both(" \n\tTwo arguments required\n");
     ArrayReader in = open_array_file(path);
     if (!in.file) return print_both(" \n\tRead failed: cannot open file " + path + "\n");
-    const std::string name = unused_name("$read");
-    if (!in.array(name)) {
-        db_delete(name);
+    Result result(target, "$read");
+    if (!in.array(result.name()))
         return print_both(" \n\tRead failed: no whole array in file " + path + "\n");
-    }
-    move_array(name, target);
+    result.place();
 }
 
 // --- text: the fields of the C formats %8d, %d, %12.4e and %.4e

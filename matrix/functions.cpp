@@ -92,7 +92,7 @@ template <class T, class F> void apply_to(F f, const ArrayRef& array, const Colu
     const bool keeps_others = columns.x == 0 || is_blank(target);
     if (std::same_as<To, T> && is_blank(target))
         return evaluate<T>(f, array, static_cast<To*>(array.data), columns, keeps_others);
-    const Result result(is_blank(target) ? source : target, "$function", {source});
+    Result result(is_blank(target) ? source : target, "$function", {source});
     auto* const to = static_cast<To*>(result.create(type_code<To>, array.dims));
     evaluate<T>(f, array, to, columns, keeps_others);
     result.place();

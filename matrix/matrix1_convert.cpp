@@ -71,9 +71,9 @@ template <TypeCode target_type> void cmd_convert(std::string_view) {
     }
     const Conversion* const conversion = find_conversion(target_type, from.type);
     if (!conversion) return print_both(" \n\tCannot convert these data types\n");
-    const std::string result = unused_name("$convert");
-    conversion->run(from, create_array(target_type, result, from.dims));
-    move_array(result, target);
+    Result result(target, "$convert");
+    conversion->run(from, result.create(target_type, from.dims));
+    result.place();
 }
 
 // --- to_complex2 --------------------------------------------------------------------------------
@@ -110,10 +110,10 @@ void cmd_to_complex2(std::string_view) {
     if (real.rows() != imaginary.rows() || real.cols() != imaginary.cols() ||
         real.size() != imaginary.size())
         return print_both(" \n\tArguments not same dimension\n");
-    const std::string result = unused_name("$to_complex2"), target(get_arg(3));
-    auto* const data = static_cast<Complex8*>(create_array(type_complex8, result, real.dims));
+    Result result(get_arg(3), "$to_complex2");
+    auto* const data = static_cast<Complex8*>(result.create(type_complex8, real.dims));
     join_by_type(real, imaginary, {data, as_size(real.size())});
-    move_array(result, target);
+    result.place();
 }
 
 // --- dimensions ---------------------------------------------------------------------------------
@@ -156,14 +156,14 @@ void cmd_dim_reduce(std::string_view) {
     if (array.ndim() < 2) return print_both(" \n\targ1 must be at least a 2-D array\n");
     if (array.ndim() != 3) return print_both(" \n\targ1 must be 3-D in current implementation\n");
     if (index < 1 || index > array.dim(3)) return print_both(" \n\tindex is out of range\n");
-    const std::string result = unused_name("$dim_reduce");
+    Result result(target, "$dim_reduce");
     const auto bytes = array_byte_size(array.type, array.dims.first(2));
-    void* const table = create_array_2d(array.type, result, array.rows(), array.cols());
+    void* const table = result.create(array.type, {array.rows(), array.cols()});
     if (!table) return; // a type that cannot be created; said already
     const auto* const tables = static_cast<const std::byte*>(array.data);
     std::copy_n(tables + bytes * static_cast<std::uint64_t>(index - 1), bytes,
                 static_cast<std::byte*>(table));
-    move_array(result, target);
+    result.place();
 }
 
 constexpr Command rows[] = {

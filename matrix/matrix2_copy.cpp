@@ -45,7 +45,7 @@ struct Region {
     }
 };
 
-void copy_region(const ArrayRef& array, const Region& region, const Result& result) {
+void copy_region(const ArrayRef& array, const Region& region, Result& result) {
     if (array.ndim() == 1)
         result.create(array.type, {region.n});
     else
@@ -74,7 +74,8 @@ void cmd_cp(std::string_view) {
         return print_both(" \n\tParameter table is out of range.\n\tcp is quitting.\n");
     if (!fits(region.r, region.n, array.rows()) || !fits(region.c, region.m, array.cols()))
         return print_both(" \n\tDimensions are incompatible\n");
-    copy_region(array, region, Result(target, "$cp", {source}));
+    Result result(target, "$cp", {source});
+    copy_region(array, region, result);
 }
 
 // --- diagonals, put -----------------------------------------------------------------------------
@@ -97,7 +98,7 @@ void cmd_cpdg(std::string_view) {
     const std::int32_t length = std::min(array.rows(), array.cols());
     if (n == not_given && r <= length) n = length - std::max(r, 1) + 1;
     if (!fits(r, n, length)) return print_both(" \n\tDimensions are incompatible\n");
-    const Result result(target, "$cpdg", {source});
+    Result result(target, "$cpdg", {source});
     result.create(array.type, {n});
     copy_block(element_size(array.type), n, 1, diagonal(source_block(array), r),
                target_block(result.array()));
@@ -204,7 +205,7 @@ void cmd_array3d_slice(std::string_view) {
     if (!fits(choice.value, 1, array.dim(choice.index)))
         return print_both(bad_value[choice.index - 1]);
     const auto plane = plane_of(array, choice, source_block(array));
-    const Result result(target, "$slice", {source});
+    Result result(target, "$slice", {source});
     result.create(array.type, {plane.rows, plane.cols});
     copy_block(element_size(array.type), plane.rows, plane.cols, plane.block,
                target_block(result.array()));

@@ -132,8 +132,7 @@ std::vector<std::int32_t> matching_rows(const ArrayRef& array, const Criterion& 
     return rows;
 }
 
-template <class T>
-void extract(const ArrayRef& array, const Criterion& criterion, const Result& result) {
+template <class T> void extract(const ArrayRef& array, const Criterion& criterion, Result& result) {
     const auto rows = matching_rows<T>(array, criterion);
     if (rows.empty()) return print_both(" \nNo matches found in extract.\n");
     const auto n = static_cast<std::int32_t>(rows.size());
@@ -155,7 +154,7 @@ void cmd_extract(std::string_view) {
     if (array.ndim() > 2) return print_both(" \n\tArray dimensions must be <= 2\n");
     if (criterion.column < 1 || criterion.column > columns_of(array))
         return print_both(" \n\tInvalid column number\n");
-    const Result result(target, "$extract", {source});
+    Result result(target, "$extract", {source});
     switch (array.type) {
     case type_integer:
         return extract<std::int32_t>(array, criterion, result);
@@ -216,8 +215,7 @@ std::vector<std::int32_t> sorted_rows(const Matrix<const T>& from, SortKeys keys
     return order;
 }
 
-template <class T>
-void sort(const ArrayRef& array, SortKeys keys, bool reverse, const Result& result) {
+template <class T> void sort(const ArrayRef& array, SortKeys keys, bool reverse, Result& result) {
     const auto from = rows_of<T>(array);
     const auto order = sorted_rows(from, keys, reverse);
     gather_rows(from, order, static_cast<T*>(result.create(array.type, array.dims)));
@@ -236,7 +234,7 @@ void cmd_sort(std::string_view) {
     const int cols = columns_of(array);
     if (keys[0] < 1 || std::ranges::any_of(keys, [&](auto key) { return key < 0 || key > cols; }))
         return print_both(" \n\tInvalid sort key\n");
-    const Result result(target, "$sort", {source});
+    Result result(target, "$sort", {source});
     switch (array.type) {
     case type_integer:
         return sort<std::int32_t>(array, keys, reverse, result);
@@ -321,7 +319,7 @@ struct Interpolation {
     Padding padding;
 };
 
-template <class T> void interpolate(const Interpolation& table, const Result& result) {
+template <class T> void interpolate(const Interpolation& table, Result& result) {
     const auto tin = as_span<const double>(table.tin), tout = as_span<const double>(table.tout);
     std::vector<Location> at(tout.size());
     std::ranges::transform(tout, at.begin(), [&](double x) { return locate(tin, x); });
@@ -356,7 +354,7 @@ void cmd_interpolate(std::string_view) {
         return print_both(" \nSize of tin and fin must be identical\nInterpolate is quitting\n");
     if (!is_vector(table.tout))
         return print_both(" \nArray tout must be a vector\nInterpolate is quitting\n");
-    const Result result(target, "$interpolate", {tin, fin, tout});
+    Result result(target, "$interpolate", {tin, fin, tout});
     if (table.fin.is(type_real)) return interpolate<double>(table, result);
     if (table.fin.is(type_complex4)) return interpolate<Complex4>(table, result);
     interpolate<Complex8>(table, result);

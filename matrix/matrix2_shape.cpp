@@ -22,7 +22,7 @@ void cmd_trans(std::string_view) {
     if (!array) return not_found(source);
     if (array.ndim() > 2) return print_both(" \n\tArray dimensions must be <= 2\n");
     if (!is_movable(array.type)) return print_both(" \n\tNot implemented for this type\n");
-    const Result result(target, "$mattrans", {source});
+    Result result(target, "$mattrans", {source});
     result.create(array.type, {array.cols(), array.rows()});
     const SourceBlock all = source_block(array);
     copy_block(element_size(array.type), array.cols(), array.rows(),
@@ -47,7 +47,7 @@ template <bool side_by_side> void cmd_join(std::string_view) {
         std::max(rows, cols) > std::numeric_limits<std::int32_t>::max())
         return print_both(" \n\tDimensions are incompatible\n");
     if (!is_movable(a.type)) return print_both(" \n\tNot implemented for this type\n");
-    const Result result(target, "$join", {first, second});
+    Result result(target, "$join", {first, second});
     const std::int32_t dims[] = {static_cast<std::int32_t>(rows), static_cast<std::int32_t>(cols)};
     const bool is_vector = !side_by_side && a.ndim() == 1 && b.ndim() == 1;
     result.create(a.type, std::span(dims).first(is_vector ? 1 : 2));
@@ -152,7 +152,7 @@ template <const Reshaping& reshaping> void cmd_reshape(std::string_view) {
     }
     if (std::max(pieces.rows, pieces.cols) > std::numeric_limits<std::int32_t>::max())
         return print_both(" \n\tDimensions are incompatible\n");
-    const Result result(target, reshaping.work, {source});
+    Result result(target, reshaping.work, {source});
     result.create(array.type,
                   {static_cast<std::int32_t>(pieces.rows), static_cast<std::int32_t>(pieces.cols)});
     reshaping.move(array, pieces, target_block(result.array()));

@@ -50,11 +50,11 @@ void cmd_gauss_int(std::string_view) {
     std::array<double, gauss_order_limit> x{}, w{};
     const auto order = as_size(n);
     gauss_legendre(std::span(x).first(order), std::span(w).first(order));
-    const std::string result = unused_name("$gauss_int");
-    const auto integrals = create_matrix<double>(result, lengths.rows(), 1);
+    Result result(target, "$gauss_int");
+    const auto integrals = result.matrix<double>(lengths.rows(), 1);
     integrate_elements(as_span<const double>(values), as_span<const double>(lengths),
                        std::span(w).first(order), integrals.all());
-    move_array(result, target);
+    result.place();
 }
 
 // --- gauss_pts

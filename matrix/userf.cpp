@@ -32,10 +32,10 @@ void userf_running_integral() {
         return print_both(" \n\tArguments 1 and 2 must be real\n");
     if (t.size() != y.rows() || y.size() != std::int64_t{y.rows()} * y.cols())
         return print_both(" \n\tDimensions are incompatible\n");
-    const std::string result = unused_name("$userf");
+    Result result(target, "$userf");
     running_integral(as_span<const double>(t), as_matrix<const double>(y),
-                     create_matrix<double>(result, y.rows(), y.cols()));
-    move_array(result, target);
+                     result.matrix<double>(y.rows(), y.cols()));
+    result.place();
 }
 
 struct UserRoutine {

@@ -40,11 +40,11 @@ double triangle_area(const Vec3& a, const Vec3& b, const Vec3& c);
 /// The wet panels as the panel commands leave them in the store; p = 1..np. A command that needs no
 /// corners may leave their views empty.
 struct PanelMesh {
-    Matrix<const double> xyzc;          ///< (np,3) centroids
-    Matrix<const double> n;             ///< (3,np) unit normals out of the fluid
-    std::span<const double> area;       ///< (np)
+    Matrix<const double> xyzc;             ///< (np,3) centroids
+    Matrix<const double> n;                ///< (3,np) unit normals out of the fluid
+    std::span<const double> area;          ///< (np)
     Matrix<const double> xr{}, yr{}, zr{}; ///< (np,4) corners
-    std::span<const std::int32_t> type{};///< (np) 0 quadrilateral, 1 triangle
+    std::span<const std::int32_t> type{};  ///< (np) 0 quadrilateral, 1 triangle
 
     int np() const { return xyzc.rows; }
     Vec3 centroid(int p) const { return {xyzc(p, 1), xyzc(p, 2), xyzc(p, 3)}; }

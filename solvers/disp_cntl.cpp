@@ -74,14 +74,15 @@ void cmd_disp_cntl(std::string_view) {
     if (n < 1) return print_both(" \n\tSet .#eqs to the number of equations\n");
     auto values = open_nodal_values();
     if (!values || !values->fit(n)) return;
-    Temporary<double> vector("$disp_cntl", n, 0);
-    const auto terms = read_terms(*values, vector.view.all());
-    if (std::ranges::all_of(vector.view.all(), [](double f) { return f == 0; }))
+    Result result(disp_cntl_vec, "$disp_cntl");
+    const auto vector = result.matrix<double>(n, 0).all();
+    const auto terms = read_terms(*values, vector);
+    if (std::ranges::all_of(vector, [](double f) { return f == 0; }))
         return print_both(" \n\tThe generalized displacement has no terms\n");
     write_both("10(/,6x, 'NODE    DOF    FACTOR')");
     for (const ControlTerm& term : terms)
         write_both("20(i10, i7, 1pe14.4)", {term.node, term.dof, term.factor});
-    vector.becomes(disp_cntl_vec);
+    result.place();
 }
 
 constexpr Command rows[] = {

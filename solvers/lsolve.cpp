@@ -235,10 +235,11 @@ void cmd_lsolve(std::string_view) {
     check_status(options.k);
     if (options.k == 0) form_again();
     if (options.k < 2 && !impose_displacements(loads.patterns)) return;
-    Temporary<double> u("$lsolve", loads.patterns.rows, case_count(loads));
-    fill_cases(loads, u.view);
+    Result result(disp, "$lsolve");
+    const auto u = result.matrix<double>(loads.patterns.rows, case_count(loads));
+    fill_cases(loads, u);
     if (options.k < 2 && !factor(options.digits)) return;
-    if (solve(u.view, options.digits)) u.becomes(disp);
+    if (solve(u, options.digits)) result.place();
 }
 
 constexpr Command rows[] = {

@@ -129,9 +129,10 @@ bool has_size(std::string_view name, int rows) {
 Vector open_vector(std::string_view name, int n) {
     if (!has_size(name, n)) return create_matrix<double>(name, n, 0).all();
     if (find_array(name).size() > n) {
-        Temporary<double> first("$nsolve", n, 0);
-        std::ranges::copy(as_matrix<const double>(find_array(name)).col(1), first.view.data);
-        first.becomes(name);
+        Result first(name, "$nsolve");
+        std::ranges::copy(as_matrix<const double>(find_array(name)).col(1),
+                          first.matrix<double>(n, 0).data);
+        first.place();
     }
     return as_span<double>(find_array(name));
 }
@@ -166,11 +167,12 @@ void open_run(Run& run) {
 void append_column(std::string_view name, std::initializer_list<double> first, ConstVector rest) {
     const int rows = static_cast<int>(first.size() + rest.size());
     const ArrayRef old = has_size(name, rows) ? find_array(name) : ArrayRef{};
-    Temporary<double> table("$history", rows, old.cols() * (old ? 1 : 0) + 1);
-    if (old) std::ranges::copy(as_span<const double>(old), table.view.data);
-    const auto column = table.view.col(table.view.cols);
+    Result result(name, "$history");
+    const auto table = result.matrix<double>(rows, old.cols() * (old ? 1 : 0) + 1);
+    if (old) std::ranges::copy(as_span<const double>(old), table.data);
+    const auto column = table.col(table.cols);
     std::ranges::copy(rest, std::ranges::copy(first, column.begin()).out);
-    table.becomes(name);
+    result.place();
 }
 
 // --- stiffness -----------------------------------------------------------------------------------
@@ -328,6 +330,7 @@ void run_steps(Run& run) {
         if (!find_equilibrium(run, step))
             shutdown_with(" \n\tNO CONVERGENCE: EXECUTION TERMINATED\n");
         commit_step(run, step);
+        checkpoint();
     }
 }
 

@@ -86,19 +86,19 @@ void cmd_pmult(std::string_view) {
     const auto loc = as_span<const std::int32_t>(locations);
     if (!profile_is_valid(loc, a.size()))
         return print_both(" \n\tDimensions of arrays not compatible\n");
-    const std::string target(get_arg(3)), result = unused_name("$pmult");
-    void* const c = create_array(a.type, result, b.dims);
+    Result result(get_arg(3), "$pmult");
+    void* const c = result.create(a.type, b.dims);
     if (a.is(type_real))
         multiply<double>(a, b, c, loc);
     else
         multiply<Complex8>(a, b, c, loc);
-    move_array(result, target);
+    result.place();
 }
 
-template <class T> void expand(const ArrayRef& profile, Loc loc, std::string_view result) {
+template <class T> void expand(const ArrayRef& profile, Loc loc, Result& result) {
     const int n = static_cast<int>(loc.size()) - 1;
     const auto a = as_span<const T>(profile);
-    const auto full = create_matrix<T>(result, n, n);
+    const auto full = result.matrix<T>(n, n);
     for (int j = 1; j <= n; ++j) {
         const auto diagonal = nth(loc[nth(j)]);
         const int height = loc[as_size(j)] - loc[nth(j)] - 1;
@@ -119,12 +119,12 @@ void cmd_ptoful(std::string_view) {
     const auto loc = as_span<const std::int32_t>(locations);
     if (!profile_is_valid(loc, a.size()))
         return print_both(" \n\tDimensions of arrays not compatible\n");
-    const std::string target(get_arg(2)), result = unused_name("$ptoful");
+    Result result(get_arg(2), "$ptoful");
     if (a.is(type_real))
         expand<double>(a, loc, result);
     else
         expand<Complex8>(a, loc, result);
-    move_array(result, target);
+    result.place();
 }
 
 /// Locations of the profile of the upper triangle; 64 bits, as they may leave the range of an
@@ -146,15 +146,15 @@ template <class T> void to_profile(const ArrayRef& array) {
     const auto loc = profile_locations(full);
     if (loc.back() > std::numeric_limits<std::int32_t>::max())
         return print_both(" \n\tDimensions of arrays not compatible\n");
-    const std::string result = unused_name("$ftopro");
-    const auto a = create_matrix<T>(result, static_cast<int>(loc.back() - 1), 0);
+    Result result(a_name, "$ftopro");
+    const auto a = result.matrix<T>(static_cast<int>(loc.back() - 1), 0);
     for (int j = 1; j <= full.cols; ++j) {
         const auto first = loc[nth(j)], end = loc[as_size(j)];
         for (auto k = first; k < end; ++k)
             a.data[k - 1] = full(j - static_cast<int>(k - first), j);
     }
     const int n = full.cols;
-    move_array(result, a_name);
+    result.place();
     const auto locations = create_matrix<std::int32_t>(loc_name, n + 1, 0);
     std::ranges::transform(loc, locations.data,
                            [](std::int64_t x) { return static_cast<std::int32_t>(x); });

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks that includes point only downward, that no two folders need each other, and that no header
-holds a variable.
+"""Checks that includes point only downward, that no two folders need each other, that no header holds a
+variable, and that the memory of the BLAS is asked for where it is called.
 
     check_includes.py SOURCE_FOLDER
 
@@ -75,6 +75,8 @@ def faults_of(root, path):
             yield f"{name} ({KINDS[kind_of(name)]}) includes {header} ({KINDS[kind_of(header)]})"
         elif KINDS[kind_of(name)] != "table" and level_of(header) > level_of(name):
             yield f"{name} includes {header}: {folder_of(header)}/ builds on {folder_of(name)}/"
+    if "numeric/lapack.hpp" in INCLUDE.findall(text) and "require_blas_memory" not in text:
+        yield f"{name}: calls LAPACK without require_blas_memory"
     if path.suffix == ".hpp":
         for variable in VARIABLE.findall(text):
             yield f"{name}: variable in a header: {variable.strip()}"

@@ -141,6 +141,7 @@ inline Analysis solve(Body& body, double depth) {
             hyd_diffraction_forces(analysis, wave, b);
         }
     }
+    hyd_build_potentials(analysis, 1);
     return analysis;
 }
 

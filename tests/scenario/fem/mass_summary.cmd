@@ -29,4 +29,6 @@ form_m
 mass_summary shift=1,0,0
 print .mass_summary6x6
 print .mass_summaryCG
+seti .#eqs v=2147483647
+mass_summary
 quit

@@ -43,6 +43,7 @@ rm .node_eqs
 num_eqs
 lsolve k=2
 eigval #=1 ss_size=2 -sparse
+zero .disp r=3
 zeroi .node_eqs r=6 c=2
 export_graphics -deformed
 seti .#nodes v=0

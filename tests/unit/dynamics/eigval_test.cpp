@@ -154,7 +154,6 @@ TEST_F(Eigval, the_users_vectors_start_the_iteration) {
 
 TEST_F(Eigval, a_negative_seed_continues_the_series_which_begins_with_1) {
     std::vector<std::vector<double>> shapes_of;
-    reset_random_series();
     for (const char* seed : {"-1", "-1", "1"}) {
         make_bar(30);
         run(std::string("eigval #=2 digits=1 -random seed=") + seed);

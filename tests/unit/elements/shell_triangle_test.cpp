@@ -166,20 +166,22 @@ TEST(ShellTriangle, constant_strain_and_curvature_give_their_resultants_everywhe
 }
 
 TEST(ShellTriangle, membrane_strain_along_a_curved_edge_is_constant_and_has_its_mean) {
-    // The edge of length l and rise r moves w at one end: the chord's mean strain of an arch is the
-    // integral of h' w' / l, with w' = w/l and h(l) = h(0) = 0 nought; no point may have another.
+    // The mean of u' + h' w' over an edge of length l whose ends have no u is that of h' w', with
+    // h = 4 r q, q = L1 L2: 0 for w = L2, and 2/3 r / l for w = l q / 2, the deflection by thy = 1
+    // at the end. No point may have another.
     ShellTriangle t = shell_triangle({Vec3{0, 0, 0}, Vec3{2, 0, 0}, Vec3{0.5, 1.5, 0}});
     t.rise = {0.2, 0, 0};
-    ShellVector u{};
-    u[shell_w + 1] = 1;
     const ShellSection s = min3s_material(orthotropic);
-    for (const double x : {0.1, 0.5, 0.8}) {
-        // On the edge 1-2 the strain along x: solve the membrane forces for it.
+    const auto& d = s.membrane;
+    const auto strain_at = [&](int dof, double x) { // along the edge 1-2, by the membrane forces
+        ShellVector u{};
+        u[static_cast<std::size_t>(dof)] = 1;
         const auto r = shell_resultants(t, s, {}, u, {1 - x, x, 0});
-        const double exx =
-            (r[0] - s.membrane(1, 2) / s.membrane(2, 2) * r[1]) /
-            (s.membrane(1, 1) - s.membrane(1, 2) * s.membrane(1, 2) / s.membrane(2, 2));
-        EXPECT_NEAR(exx, 0, 1e-14) << x;
+        return (r[0] - d(1, 2) / d(2, 2) * r[1]) / (d(1, 1) - d(1, 2) * d(1, 2) / d(2, 2));
+    };
+    for (const double x : {0.0, 0.1, 0.5, 0.8}) {
+        EXPECT_NEAR(strain_at(shell_w + 1, x), 0, 1e-14) << x;
+        EXPECT_NEAR(strain_at(shell_thy + 1, x), 2. / 3 * 0.2 / 2, 1e-14) << x;
     }
 }
 

@@ -11,17 +11,6 @@
 namespace quelor {
 namespace {
 
-TEST(QuadraticForm, of_both_methods_is_that_of_the_symmetric_part) {
-    const std::array<double, 4> a{2, 5, -1, 3}, symmetric{2, 2, 2, 3};
-    const std::array<Complex8, 2> q{Complex8{1, -2}, Complex8{0.5, 3}};
-    // 2 |q1|^2 + 3 |q2|^2 + 4 Re(q1 conj(q2))
-    const double expected = 2 * 5 + 3 * 9.25 + 4 * (0.5 - 6);
-    EXPECT_DOUBLE_EQ(real_form({a.data(), 2, 2}, q), expected);
-    EXPECT_DOUBLE_EQ(complex_form({a.data(), 2, 2}, q).real(), expected);
-    EXPECT_DOUBLE_EQ(complex_form({symmetric.data(), 2, 2}, q).real(), expected);
-    EXPECT_EQ(complex_form({symmetric.data(), 2, 2}, q).imag(), 0);
-}
-
 class FlexibleBarge : public ArraySession {
 protected:
     FlexibleBarge() : ArraySession({hyd_response_rows(), hyd_energy_rows()}) {
@@ -143,14 +132,6 @@ TEST(FarField, carries_what_the_damping_takes_in_deep_and_shallow_water) {
             EXPECT_NEAR(energy(2 * headings, q) / energy(headings, q), 1, 1e-12);
         }
         EXPECT_LT(before, 0.012) << depth;
-    }
-}
-
-TEST(FarField, group_velocity_is_the_slope_of_the_dispersion_relation) {
-    for (const double depth : {0.2, 2.0, 1e5}) {
-        const double k = waven(3, depth, 9.8).k, step = 1e-5;
-        const double rise = waven(3 + step, depth, 9.8).k - waven(3 - step, depth, 9.8).k;
-        EXPECT_NEAR(group_velocity(3, k, depth), 2 * step / rise, 1e-8);
     }
 }
 

@@ -95,8 +95,9 @@ TEST_F(Mooring, what_cannot_be_assigned_ends_the_program_unsaved) {
         };
         EXPECT_EXIT(fails(), testing::ExitedWithCode(0), "") << message;
         EXPECT_FALSE(std::filesystem::exists("job.db")) << text;
+        EXPECT_TRUE(std::filesystem::remove("job.rescue.db")) << text;
     };
-    ends("hyd_assign_mooring\n", "modes");
+    ends("seti a\nhyd_assign_mooring\n", "modes");
     ends(modes + "hyd_assign_mooring\n", "no stiffness");
     ends(stiffness + "hyd_assign_mooring\nbody=3 mooring=1\n", "body");
     ends(stiffness + "hyd_assign_mooring\nbody=1 mooring=2\n", "stiffness");

@@ -6,8 +6,6 @@
 #include "hydro_model/hyd_input.hpp"
 #include "hydro_response/hyd_response.hpp"
 
-#include <numbers>
-
 namespace quelor {
 namespace {
 
@@ -31,6 +29,8 @@ protected:
     }
 };
 
+// Both solvers are good to rounding over the distance between eigenvalues: 1e-8 leaves room for
+// distances of 1e-7, which random matrices do not have.
 TEST_F(WetFrequencies, are_those_of_lapack_with_and_without_shift) {
     constexpr int n = 9, nfreq = 3;
     std::mt19937 random(11);
@@ -73,11 +73,7 @@ TEST_F(WetFrequencies, are_those_of_lapack_with_and_without_shift) {
             }
         }
     }
-    // Only the frequencies within the limit are kept; none: no arrays, not those of before either.
-    run("hyd_wet error=10");
-    for (const double omega : elements<double>(".hyd_wet_freq_cumulate"))
-        EXPECT_TRUE(
-            std::ranges::any_of(freq, [&](double w) { return std::abs(omega - w) <= 0.1 * w; }));
+    // None within the limit: no arrays, not those of before either.
     run("hyd_wet error=0");
     EXPECT_FALSE(array_exists(".hyd_wet_freq_cumulate"));
     EXPECT_EQ(dims(".hyd_wet_modes"), (Ints{n, n}));

@@ -7,7 +7,9 @@
 
 #include <csignal>
 #include <cstring>
+#include <filesystem>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace quelor {
 namespace {
@@ -117,6 +119,37 @@ TEST_F(Database, AFullDiskLeavesTheEarlierFile) {
     EXPECT_EQ(file_bytes("a.db"), before);
     EXPECT_FALSE(db_save("no/such/folder"));
     EXPECT_EQ(run("save no/such/folder"), "     \n      Error saving database file\n");
+}
+
+TEST_F(Database, ASavePutsAFileOnlyInThePlaceOfAFileThatMayBeWritten) {
+    namespace fs = std::filesystem;
+    create_int_scalar("a", 1);
+    const std::string failed = "     \n      Error saving database file\n";
+    put_file("protected.db", "kept");
+    fs::permissions("protected.db", fs::perms::owner_read);
+    EXPECT_EQ(run("save protected"), failed);
+    EXPECT_EQ(file_bytes("protected.db"), "kept");
+    fs::create_directory("folder.db");
+    ASSERT_EQ(mkfifo("pipe.db", 0600), 0);
+    for (const std::string name : {"folder", "pipe"})
+        EXPECT_EQ(run("save " + name), failed + "     \n      " + name +
+                                           ".db is a folder or a pipe; save under another name\n");
+    EXPECT_TRUE(fs::is_directory("folder.db") && fs::is_fifo("pipe.db"));
+
+    fs::create_directory("far");
+    put_file("far/there.db", "old");
+    fs::permissions("far/there.db", fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink("far/there.db", "near.db");
+    fs::create_symlink("far/new.db", "nowhere.db");
+    for (const std::string name : {"near", "nowhere"}) {
+        EXPECT_TRUE(db_save(name));
+        EXPECT_TRUE(fs::is_symlink(name + ".db"));
+        EXPECT_TRUE(db_read(name));
+    }
+    EXPECT_EQ(fs::status("far/there.db").permissions(),
+              fs::perms::owner_read | fs::perms::owner_write);
+    const auto left = std::distance(fs::directory_iterator("far"), fs::directory_iterator());
+    EXPECT_EQ(left, 2) << "nothing unfinished is left beside the two";
 }
 
 TEST_F(Database, SaveAndReadTakeTheProjectsNameWithoutAnArgument) {

@@ -1,7 +1,10 @@
+#include "../support/files.hpp"
 #include "../support/session.hpp"
+#include "kernel/project.hpp"
 
 #include <limits>
 #include <map>
+#include <new>
 #include <random>
 #include <sys/sysinfo.h>
 
@@ -108,6 +111,53 @@ TEST_F(Store, CopiesAndRenames) {
     EXPECT_TRUE(db_find("y"));
     db_rename("y", "y");
     EXPECT_FALSE(db_find("y")) << "a move onto itself loses the array";
+}
+
+TEST_F(Store, AResultMayBearTheNameOfAnInputAndIsThereWhenItIsPlaced) {
+    create_real_scalar("in", 2.5);
+    create_real_scalar("$work", 7);
+    {
+        Result result("in", "$work", {"in", "other"});
+        const auto doubled = result.matrix<double>(1, 2);
+        EXPECT_EQ(result.name(), "$work$") << "beside the array that bears the name of the work";
+        doubled(1, 2) = 2 * *static_cast<double*>(db_find("in").data);
+        result.place();
+        EXPECT_EQ(as_matrix<double>(db_find("in"))(1, 2), 5);
+    }
+    EXPECT_EQ(Result("in", "$w", {"other"}).name(), "in") << "no input: no second block";
+    EXPECT_TRUE(db_find("in")) << "nothing was made of it";
+    EXPECT_EQ(names(), (Names{"$work", "in"}));
+}
+
+TEST_F(Store, AResultThatIsGivenUpLeavesNothing) {
+    create_real_scalar("a", 1);
+    const auto give_up = [](Result result) {
+        result.create(type_integer, {3});
+        throw std::bad_alloc();
+    };
+    EXPECT_THROW(give_up(Result("a", "$work")), std::bad_alloc);
+    EXPECT_EQ(names(), Names{"a"});
+    EXPECT_THROW(give_up(Result("b", "$work", {"a"})), std::bad_alloc);
+    EXPECT_EQ(names(), Names{"a"});
+}
+
+TEST_F(Store, StartsAnewWithAllStateOfTheProcess) {
+    create_int_scalar("a", 1);
+    set_project_name("p");
+    set_echo_flag(false);
+    ASSERT_TRUE(open_log());
+    ASSERT_EQ(fortopen_ext(unit_output, ".out", "UNKNOWN", "FORMATTED"), 0);
+    write_text(unit_output, "held back");
+    give_input("one\ntwo\n");
+    set_record("ls");
+    reset_process_state();
+    EXPECT_TRUE(names().empty());
+    EXPECT_TRUE(project_name().empty() && record_text().empty() && echo_flag());
+    EXPECT_TRUE(input_is_console() && !log_is_open());
+    EXPECT_EQ(file_bytes("p.out"), "held back");
+    write_text(unit_output, "more");
+    flush_unit(unit_output);
+    EXPECT_EQ(file_bytes("p.out"), "held back");
 }
 
 TEST_F(Store, DeletesByPrefix) {

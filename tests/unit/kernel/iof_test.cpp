@@ -66,32 +66,39 @@ TEST_F(InputFiles, TheStackHoldsThirtyFilesAndGoesBackToTheLastOneOpened) {
     EXPECT_EQ(next(), "second");
 }
 
-TEST_F(InputFiles, TheLoopFileRewindsWhetherOrNotItFitsTheBuffer) {
-    for (const int records : {3, 20000}) {
-        ASSERT_TRUE(create_loop_file());
-        for (int i = 1; i <= records; ++i)
-            write_loop_record("record " + std::to_string(i));
-        set_log_on(true);
-        ASSERT_TRUE(replay_loop_file());
-        EXPECT_FALSE(log_on());
-        for (int pass = 1; pass <= 2; ++pass) {
-            for (int i = 1; i <= records; ++i)
-                ASSERT_EQ(next(), "record " + std::to_string(i));
-            ASSERT_EQ(next(), "return");
-            ASSERT_TRUE(rewind_input());
-        }
-        EXPECT_TRUE(std::filesystem::exists("project.LuP"));
-        discard_loop_file();
-        EXPECT_FALSE(std::filesystem::exists("project.LuP"));
-        EXPECT_TRUE(log_on());
-        EXPECT_TRUE(input_is_console());
+TEST_F(InputFiles, ALoopIsReadAgainAndAgainAndLeavesTheLogAsItWas) {
+    for (int i = 1; i <= 20000; ++i) {
+        if (i == 1) begin_loop_text();
+        add_loop_record("record " + std::to_string(i));
     }
+    set_log_on(true);
+    ASSERT_TRUE(replay_loop());
+    EXPECT_FALSE(log_on());
+    for (int pass = 1; pass <= 2; ++pass) {
+        for (int i = 1; i <= 20000; ++i)
+            ASSERT_EQ(next(), "record " + std::to_string(i));
+        ASSERT_EQ(next(), "return");
+        ASSERT_TRUE(rewind_input());
+    }
+    discard_loop();
+    EXPECT_TRUE(log_on());
+    EXPECT_TRUE(input_is_console());
 }
 
-TEST_F(InputFiles, ALoopFileThatCannotBeMadeIsNoticed) {
-    set_project_name("no/such/folder/project");
-    EXPECT_FALSE(create_loop_file());
-    EXPECT_FALSE(loop_file_is_read());
+TEST_F(InputFiles, APlaceIsFoundAgainWhetherOrNotTheBufferStillHoldsIt) {
+    std::string text;
+    for (int i = 1; i <= 20000; ++i)
+        text += "record " + std::to_string(i) + "\n";
+    give_input(text);
+    for (const int further : {10, 15000}) {
+        const std::int64_t place = input_place();
+        const std::string first = next();
+        for (int i = 1; i <= further; ++i)
+            next();
+        ASSERT_TRUE(return_to_place(place));
+        EXPECT_EQ(next(), first);
+    }
+    EXPECT_EQ(next(), "record 3");
 }
 
 TEST_F(InputFiles, TheNestedCommandLineEndsAtExitAndOffersNoFiniteElementCommands) {

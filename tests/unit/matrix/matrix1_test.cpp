@@ -78,7 +78,7 @@ TEST_F(Matrix1, ZeroCreatesOrFills) {
     EXPECT_EQ(elements<double>("t"), Reals(6, 1));
     create_string_array("text", "s");
     quietly("zero s v=1");
-    EXPECT_EQ(string_of(find_array("s")), "text");
+    EXPECT_EQ(as_span<char>(find_array("s"))[3], 't');
     EXPECT_EQ(run("zero none"), "      none not found\n");
     EXPECT_EQ(run("zero b r=-1 t=2"), said("Incorrect dimensions"));
     EXPECT_EQ(run("zero"), said("One argument required"));

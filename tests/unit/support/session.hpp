@@ -8,6 +8,7 @@
 #include "kernel/fortfile.hpp"
 #include "kernel/gencom.hpp"
 #include "kernel/iof.hpp"
+#include "kernel/process_state.hpp"
 
 #include <gtest/gtest.h>
 
@@ -28,7 +29,7 @@ protected:
         std::string folder = testing::TempDir() + "quelorXXXXXX";
         folder_ = mkdtemp(folder.data());
         std::filesystem::current_path(folder_);
-        reset();
+        reset_process_state();
         // The fatal path ends the program with status 0, which would pass for success.
         [[maybe_unused]] static const int once = std::atexit([] {
             if (in_test) std::_Exit(1);
@@ -37,7 +38,7 @@ protected:
     }
     ~Session() override {
         in_test = false;
-        reset();
+        reset_process_state();
         std::filesystem::current_path("/");
         std::filesystem::remove_all(folder_);
     }
@@ -114,12 +115,6 @@ protected:
 
 private:
     static inline bool in_test = false;
-
-    static void reset() {
-        db_clear();
-        close_all_inputs();
-        reset_record_state();
-    }
 
     std::vector<Rows> families_;
     std::filesystem::path folder_;
