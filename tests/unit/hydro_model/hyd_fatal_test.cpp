@@ -128,7 +128,6 @@ TEST_F(HydFatal, mode_commands_stop_with_the_message_of_what_does_not_fit) {
     create_matrix<std::int32_t>(hyd_paneltype, 1, 0);
     for (const auto name : {hyd_xr, hyd_yr, hyd_zr})
         create_matrix<double>(name, 1, 4);
-    create_matrix<std::int32_t>(hyd_paneltype, 1, 0);
     expect_fatal(
         {{one, axes, rigid}, "hyd_flex_modes", "7 0 0\n\n", "Nodes of a panel out of range"});
     create_matrix<double>(hyd_psi, 6, 7);
