@@ -66,7 +66,7 @@ void images(benchmark::State& state) {
     Points points(state);
     const WaveTerms t = points.terms();
     for (auto _ : state) {
-        deep_images(points.R, points.Z, true, t.re, t.re_R, t.re_1);
+        deep_images(points.R, points.Z, t.re, t.re_R, t.re_1);
         benchmark::ClobberMemory();
     }
     report(state);

@@ -200,17 +200,6 @@ QUELOR_CLONES void copy_twins(std::size_t n, const double* re_1, const double* i
     }
 }
 
-QUELOR_CLONES void add_images(std::size_t n, const double* R, const double* Z, double* __restrict F,
-                              double* __restrict Fr, double* __restrict Fz) {
-    for (std::size_t i = 0; i < n; ++i) {
-        const double rho = std::sqrt(R[i] * R[i] + Z[i] * Z[i]);
-        const double p = meets(R[i], Z[i]) ? 0.0 : 1.0 / rho, q = p * p * p;
-        F[i] += p;
-        Fr[i] -= R[i] * q;
-        Fz[i] -= Z[i] * q;
-    }
-}
-
 } // namespace
 
 void deep_wave_terms(std::span<const double> R, std::span<const double> Z, const WaveTerms& out) {
@@ -249,8 +238,8 @@ void deep_wave_values(std::span<const double> R, std::span<const double> Z, doub
     }
 }
 
-void deep_images(std::span<const double> R, std::span<const double> Z, bool with_image, double* F,
-                 double* Fr, double* Fz) {
+void deep_images(std::span<const double> R, std::span<const double> Z, double* F, double* Fr,
+                 double* Fz) {
     assert(R.size() == Z.size());
     Workspace w;
     for (std::size_t first = 0; first < R.size(); first += block) {
@@ -260,7 +249,6 @@ void deep_images(std::span<const double> R, std::span<const double> Z, bool with
         evaluate_cells(w);
         put_back(w, {{w.F, F + first}, {w.Fr, Fr + first}, {w.Fz, Fz + first}});
         if (w.meetings > 0) clear_meetings(n, r, z, {F + first, Fr + first, Fz + first});
-        if (with_image) add_images(n, r, z, F + first, Fr + first, Fz + first);
     }
 }
 

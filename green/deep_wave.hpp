@@ -19,9 +19,8 @@ void deep_wave_terms(std::span<const double> R, std::span<const double> Z, const
 /// The remainder without its gradient, the same bits as from deep_wave_terms. `im` may be null.
 void deep_wave_values(std::span<const double> R, std::span<const double> Z, double* re, double* im);
 
-/// F, dF/dR and dF/dZ alone, n values each. With `with_image` the image 1/rho, rho^2 = R^2 + Z^2,
-/// and its derivatives are added, which is the form that the images of finite depth need.
-void deep_images(std::span<const double> R, std::span<const double> Z, bool with_image, double* F,
-                 double* Fr, double* Fz);
+/// F, dF/dR and dF/dZ alone, n values each: what the images of finite depth need.
+void deep_images(std::span<const double> R, std::span<const double> Z, double* F, double* Fr,
+                 double* Fz);
 
 } // namespace quelor

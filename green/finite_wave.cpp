@@ -256,7 +256,7 @@ void deep_part(Wanted wanted, Block& block) {
     const auto count = as_size(block.n - first);
     const std::span<const double> R(&block.R[first], count), Z(&block.inverse[first], count);
     if (wanted == Wanted::value) return deep_wave_values(R, Z, &block.re[first], nullptr);
-    deep_images(R, Z, false, &block.re[first], &block.re_R[first], &block.re_1[first]);
+    deep_images(R, Z, &block.re[first], &block.re_R[first], &block.re_1[first]);
 }
 
 /// Copies one sorted row to its places in the batch.

@@ -85,7 +85,7 @@ char* prompt_text(EditLine*) {
     return state().prompt.data();
 }
 
-std::size_t columns_of(EditLine* editor) {
+std::size_t screen_columns(EditLine* editor) {
     int columns = 80;
     el_get(editor, EL_GETTC, "co", &columns);
     return as_size(std::max(columns, 20));
@@ -102,7 +102,7 @@ std::size_t row_of(const LineInfo& line, const char* end, std::size_t screen) {
 unsigned char give_up_line(EditLine* editor, int) {
     state().given_up = true;
     const LineInfo& line = *el_line(editor);
-    const auto screen = columns_of(editor);
+    const auto screen = screen_columns(editor);
     const auto below = row_of(line, line.lastchar, screen) - row_of(line, line.cursor, screen);
     write_text(unit_screen, "^C" + std::string(1 + below, '\n'));
     flush_unit(unit_screen);
@@ -133,7 +133,7 @@ std::string in_columns(std::span<const std::string> names, std::size_t screen) {
 /// Shows the names below the line. The editor then draws its line anew, from as many rows above as
 /// the cursor was below the line's first row: that many are left empty.
 void list_names(EditLine* editor, const std::vector<std::string>& names) {
-    const auto screen = columns_of(editor);
+    const auto screen = screen_columns(editor);
     const LineInfo& line = *el_line(editor);
     const auto row = row_of(line, line.cursor, screen);
     std::string text(row_of(line, line.lastchar, screen) - row, '\n');

@@ -22,7 +22,8 @@ template <class T> Matrix<const T> rows_of(const ArrayRef& array) {
     return matrix.rows == 1 ? Matrix<const T>{matrix.data, matrix.cols, 1} : matrix;
 }
 
-int columns_of(const ArrayRef& array) {
+/// Columns of the array as rows_of gives it.
+int chosen_columns(const ArrayRef& array) {
     return array.rows() == 1 ? 1 : array.cols();
 }
 
@@ -137,7 +138,7 @@ template <class T> void extract(const ArrayRef& array, const Criterion& criterio
     if (rows.empty()) return print_both(" \nNo matches found in extract.\n");
     const auto n = static_cast<std::int32_t>(rows.size());
     void* const data = array.ndim() == 1 ? result.create(array.type, {n})
-                                         : result.create(array.type, {n, columns_of(array)});
+                                         : result.create(array.type, {n, chosen_columns(array)});
     gather_rows(rows_of<T>(array), rows, static_cast<T*>(data));
     result.place();
 }
@@ -152,7 +153,7 @@ void cmd_extract(std::string_view) {
     const ArrayRef array = find_array(source);
     if (!array) return not_found(source);
     if (array.ndim() > 2) return print_both(" \n\tArray dimensions must be <= 2\n");
-    if (criterion.column < 1 || criterion.column > columns_of(array))
+    if (criterion.column < 1 || criterion.column > chosen_columns(array))
         return print_both(" \n\tInvalid column number\n");
     Result result(target, "$extract", {source});
     switch (array.type) {
@@ -231,7 +232,7 @@ void cmd_sort(std::string_view) {
     const ArrayRef array = find_array(source);
     if (!array) return not_found(source);
     if (array.ndim() > 2) return print_both(" \n\tArray dimensions must be <= 2\n");
-    const int cols = columns_of(array);
+    const int cols = chosen_columns(array);
     if (keys[0] < 1 || std::ranges::any_of(keys, [&](auto key) { return key < 0 || key > cols; }))
         return print_both(" \n\tInvalid sort key\n");
     Result result(target, "$sort", {source});

@@ -35,7 +35,8 @@ class Session:
 
     def __init__(self, program, folder, places):
         self.folder, self.seen = folder, ""
-        environment = {"PATH": os.environ["PATH"], "TERM": "xterm", "LC_ALL": "C.UTF-8", **places}
+        environment = {"PATH": os.environ["PATH"], "TERM": "xterm", "LC_ALL": "C.UTF-8", **places,
+                       "ASAN_OPTIONS": "detect_leaks=0"}  # libedit copies names, and keeps them
         try:
             self.master, slave = pty.openpty()
         except OSError as missing:
